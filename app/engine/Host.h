@@ -1,0 +1,66 @@
+// What the engine asks of the desktop: the game window's current event, alert panels, windows,
+// timers, the projection reset. The SDL shell implements it; the headless runner and the tests
+// implement it without a display.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/PropertyList.h"
+
+namespace tolvar {
+
+// Event types of the game window's current event.
+enum CurrentEventType : std::int64_t {
+    kEventTypeNone = 0,
+    kEventTypeMouseDown = 1,
+    kEventTypeMouseUp = 2,
+    kEventTypeMouseMoved = 5,
+    kEventTypeKeyDown = 10,
+    kEventTypeKeyUp = 11,
+};
+constexpr std::uint16_t kKeyCodeEscape = 53;
+
+// The last event delivered to the game window.
+struct CurrentEvent {
+    std::int64_t type = kEventTypeNone;
+    std::uint16_t keyCode = 0;  // key events only; the same key always has the same code
+    std::string characters;     // UTF-8 text of a key event ("\x1b" for Escape, " " for space)
+    float x = 0.0f;             // location in the window, origin at the lower left
+    float y = 0.0f;
+};
+
+class Host {
+public:
+    virtual ~Host() = default;
+
+    virtual CurrentEvent currentEvent() = 0;
+
+    // A modal alert with one button; returns when the player dismisses it. The message is
+    // shown literally.
+    virtual void runAlert(const std::string& title, const std::string& message,
+                          const std::string& button) = 0;
+
+    // The score screen's repeating 0.033 s timer, which redraws the screen for scores.
+    virtual bool scoresTimerRunning() const = 0;
+    virtual void startScoresTimer(const Value& scores) = 0;
+    virtual void stopScoresTimer() = 0;
+
+    // The Escape restart's projection: orthographic 0..winWidth, 0..winHeight, near 600,
+    // far -600; the matrix mode is left on the projection.
+    virtual void resetProjection() = 0;
+
+    // The windows.
+    virtual void showGameWindow() = 0;  // to the front, as key window
+    virtual void hideGameWindow() = 0;
+    virtual void showMainWindow() = 0;
+    virtual void hideMainWindow() = 0;
+
+    // Schedules the two engine timers (event tick 0.033 s, input poll). Called at the first start.
+    virtual void scheduleEngineTimers() = 0;
+
+    // The folder that holds "BestScores.dict" (and "RulesDict.dict").
+    virtual std::string dataFolder() = 0;
+};
+
+}  // namespace tolvar

@@ -1,0 +1,30 @@
+// What the engine asks of whatever shows the game: the window draws with OpenGL, the headless
+// runner prints a line or nothing.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/PropertyList.h"
+#include "rules/GameInfo.h"
+
+namespace tolvar {
+
+class View {
+public:
+    virtual ~View() = default;
+    // One complete frame of the running game (gameInfo set, with a board).
+    virtual void drawBoard() = 0;
+    // Moves a copy of piece cell by cell from (startX, startY) to (endX, endY) on screen and
+    // returns when it has arrived; the board itself is not changed.
+    virtual void animatePiece(const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
+                              std::uint32_t endX, std::uint32_t endY) = 0;
+    // The score screen for a game's best-score array, highlighting row highlight (-1: keep the
+    // row highlighted before). Makes sure the score timer runs (through the Host).
+    virtual void displayScores(const Value& scores, int highlight) = 0;
+    // Empties the piece-sprite cache; forget != 0 marks the slots empty without releasing.
+    virtual void clearPieceSprites(int forget) = 0;
+    // Holds one frame of the removal flash on screen (0.1 s in the window).
+    virtual void pauseForFlash() = 0;
+};
+
+}  // namespace tolvar

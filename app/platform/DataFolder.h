@@ -1,0 +1,18 @@
+// The player's data folder: $XDG_DATA_HOME/Tolvar, with XDG_DATA_HOME defaulting to
+// ~/.local/share when unset or empty. It holds "RulesDict.dict" and "BestScores.dict".
+#pragma once
+
+#include <string>
+
+namespace tolvar {
+
+// The user's application-support directory: $XDG_DATA_HOME, or $HOME/.local/share.
+// When create is true the directory is created with its parents if missing.
+std::string applicationSupportDirectory(bool create);
+
+// applicationSupportDirectory(true) + "/Tolvar".
+std::string tolvarFolderPath();
+std::string rulesFilePath();       // tolvarFolderPath() + "/RulesDict.dict"
+std::string bestScoresFilePath();  // tolvarFolderPath() + "/BestScores.dict"
+
+}  // namespace tolvar

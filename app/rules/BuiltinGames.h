@@ -1,0 +1,18 @@
+// The three games written into a fresh "RulesDict.dict": "Vexamor", "Trindle" and "Glimmet".
+#pragma once
+
+#include <string>
+
+#include "platform/PropertyList.h"
+
+namespace tolvar {
+
+Value createTestGameOne();    // "Vexamor"
+Value createTestGameTwo();    // "Trindle"
+Value createTestGameThree();  // "Glimmet"
+
+// createTestRulesDict: the three games under their names, written to rulesPath (not atomically;
+// a failed write is ignored). Returns the dictionary, which becomes allGameRules.
+Value createTestRulesDict(const std::string& rulesPath);
+
+}  // namespace tolvar

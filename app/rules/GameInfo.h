@@ -1,0 +1,164 @@
+// The running game's rules and state: GameInfo and the records of its lists.
+//
+// Every list is a chain through `next` and runs in the reverse of its array in the rules
+// dictionary (new records are pushed at the head). Chains own their successors; their
+// destructors unlink iteratively, so a rules file with a million actions cannot overflow the
+// stack when a game is discarded.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tolvar {
+
+// Event types the engine acts on.
+enum EventType : std::uint32_t {
+    kEventGameStarted = 8,
+    kEventNoMovesLeft = 11,
+    kEventPiecesRemoved = 12,
+    kEventUserTrigger = 300,  // a user event's trigger action, queued with event ID 200
+};
+constexpr std::uint32_t kUserTriggerEventID = 200;
+
+// Action criteria bits.
+enum ActionCriteria : std::uint32_t {
+    kCriteriaDownPiece = 0x01,
+    kCriteriaUpPiece = 0x02,
+    kCriteriaSwapColorsDiffer = 0x10,
+    kCriteriaSwapShapesDiffer = 0x20,
+    kCriteriaStraightRuns = 0x40,
+};
+
+// Directions of the collapse actions.
+enum Direction : std::int32_t { kDirectionDown = 2, kDirectionLeft = 3 };
+
+// User event types that the engine acts on (the others only title a menu item).
+enum UserEventType : std::uint32_t {
+    kUserEventSwapAdjacent = 3,
+    kUserEventSelectColorRegion = 4,
+    kUserEventRemoveSelection = 9,
+};
+
+// Completion type judged by the completion test.
+constexpr std::uint32_t kCompletionNoMovesLeft = 7;
+
+struct GameAction {
+    std::uint32_t actionID = 0;
+    std::uint32_t actionType = 0;
+    std::uint32_t actionCriteria = 0;
+    std::int32_t amount = 0;
+    std::int32_t direction = 0;
+    std::int32_t minPieces = 0;  // compared as unsigned with piece counts
+    std::int32_t removePieces = 0;
+    std::uint32_t variableID = 0;
+    std::uint32_t lowerIsBetter = 0;
+    std::optional<std::string> message;
+    std::unique_ptr<GameAction> next;
+
+    GameAction() = default;
+    GameAction(const GameAction&) = delete;
+    GameAction& operator=(const GameAction&) = delete;
+    ~GameAction();
+};
+
+// A rules event, and also an entry of the pending-event queue: a queued entry is a copy of a
+// rules event that shares its action list.
+struct SupportedEvent {
+    std::uint32_t eventID = 0;
+    std::uint32_t eventType = 0;
+    std::shared_ptr<GameAction> actions;  // shared between a rules event and its queued copies
+    std::unique_ptr<SupportedEvent> next;
+
+    SupportedEvent() = default;
+    SupportedEvent(const SupportedEvent&) = delete;
+    SupportedEvent& operator=(const SupportedEvent&) = delete;
+    ~SupportedEvent();
+
+    // A new entry with the same eventID, eventType and actions, and no next.
+    std::unique_ptr<SupportedEvent> copyForQueue() const;
+};
+
+struct SupportedUserEvent {
+    std::uint32_t userEventID = 0;
+    std::uint32_t userEventType = 0;
+    std::int8_t userEventCharacter = 0;  // 0 = no key
+    std::uint32_t minimumPieces = 0;
+    std::shared_ptr<GameAction> triggerAction;  // one action (its next is empty), or none
+    std::unique_ptr<SupportedUserEvent> next;
+
+    SupportedUserEvent() = default;
+    SupportedUserEvent(const SupportedUserEvent&) = delete;
+    SupportedUserEvent& operator=(const SupportedUserEvent&) = delete;
+    ~SupportedUserEvent();
+};
+
+struct CompletionCriterion {
+    std::uint32_t completionID = 0;
+    std::uint32_t completionType = 0;
+    std::uint32_t completionValue = 0;
+    std::unique_ptr<CompletionCriterion> next;
+
+    CompletionCriterion() = default;
+    CompletionCriterion(const CompletionCriterion&) = delete;
+    CompletionCriterion& operator=(const CompletionCriterion&) = delete;
+    ~CompletionCriterion();
+};
+
+struct GameVariable {
+    std::uint32_t variableID = 0;
+    std::uint64_t variableValue = 0;
+    std::unique_ptr<GameVariable> next;
+
+    GameVariable() = default;
+    GameVariable(const GameVariable&) = delete;
+    GameVariable& operator=(const GameVariable&) = delete;
+    ~GameVariable();
+};
+
+// One cell of the board. The board is stored column by column: cell (x, y) is element
+// x * boardHeight + y.
+struct BoardPiece {
+    float red = 0.0f;
+    float green = 0.0f;
+    float blue = 0.0f;
+    std::uint8_t colorIndex = 0;
+    std::uint8_t shapeIndex = 0;
+    std::uint32_t x = 0;
+    std::uint32_t y = 0;
+    std::uint32_t pieceID = 0;  // 0 = empty cell
+    std::uint8_t selected = 0;
+};
+
+struct GameInfo {
+    std::uint8_t boardHeight = 0;
+    std::uint8_t boardWidth = 0;
+    std::uint8_t hasLauncher = 0;
+    std::vector<BoardPiece> board;  // empty until the board is set up
+    std::uint8_t numColors = 0;
+    std::uint8_t numShapes = 0;
+    std::uint8_t colorsMatchShapes = 0;
+    std::uint8_t squareShapes = 0;
+    std::uint8_t setupRandomFill = 0;
+    std::uint8_t holesAllowed = 0;
+    std::uint8_t setupMaxLinearColors = 0;
+    std::uint8_t setupMaxLinearShapes = 0;
+    std::uint64_t score = 0;
+    std::uint64_t scoreMultiplier = 0;
+    std::string gameName;
+    std::string descriptionText;
+    std::unique_ptr<SupportedEvent> eventQueue;
+    std::unique_ptr<SupportedEvent> events;
+    std::unique_ptr<SupportedUserEvent> userEvents;
+    std::unique_ptr<CompletionCriterion> completionCriteria;
+    std::unique_ptr<GameVariable> variables;
+
+    bool hasBoard() const { return !board.empty(); }
+};
+
+// The running game; empty before the first start.
+extern std::unique_ptr<GameInfo> gameInfo;
+
+}  // namespace tolvar

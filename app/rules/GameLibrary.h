@@ -1,0 +1,45 @@
+// The loaded rules file and the game menu: setupGameSelections and selectGame:.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/PropertyList.h"
+
+namespace tolvar {
+
+class GameLibrary {
+public:
+    // setupGameSelections: creates the data folder when missing (printing "code: %ld"), reads
+    // "RulesDict.dict" or creates it with the built-in games, and fills the game menu with
+    // "None" followed by the games in the file's order. A file that cannot be read leaves
+    // allGameRules empty and the menu unchanged, with one line on standard error naming the file
+    // and the reason; an existing file is never written over. Returns false in that case.
+    bool setupGameSelections();
+
+    // The same, but the rules come from rulesPath, which is neither created nor written; the data
+    // folder is still created when missing.
+    bool loadRulesFromFile(const std::string& rulesPath);
+
+    // selectGame: with a title of the game menu; "None" (or an unknown title) empties
+    // currentRules and leaves the description text as it was.
+    void selectGame(const std::string& title);
+
+    const std::vector<std::string>& gameMenu() const { return gameMenu_; }
+    const Value* allGameRules() const { return allGameRules_ ? &*allGameRules_ : nullptr; }
+    const Value* currentRules() const { return currentRules_ ? &*currentRules_ : nullptr; }
+    const std::string& descriptionText() const { return descriptionText_; }
+    const std::string& selectedTitle() const { return selectedTitle_; }
+
+private:
+    void fillGameMenu();
+
+    std::optional<Value> allGameRules_;
+    std::optional<Value> currentRules_;
+    std::vector<std::string> gameMenu_;
+    std::string descriptionText_;
+    std::string selectedTitle_ = "None";
+};
+
+}  // namespace tolvar

@@ -1,0 +1,17 @@
+// Rules dictionary -> game records (createStructsFromRulesDict:).
+#pragma once
+
+#include <memory>
+
+#include "platform/PropertyList.h"
+#include "rules/ActionsMenu.h"
+#include "rules/GameInfo.h"
+
+namespace tolvar {
+
+// Builds a new GameInfo from a rules dictionary, with every default and diagnostic line, each
+// list in reverse of its array, and binds keyed user events to menu. Returns none for a null
+// argument or a value that is not a dictionary.
+std::unique_ptr<GameInfo> createStructsFromRulesDict(const Value* rulesDict, ActionsMenu& menu);
+
+}  // namespace tolvar
