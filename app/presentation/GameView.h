@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "3DSpriteLib.h"
 #include "engine/Host.h"
@@ -46,12 +47,34 @@ public:
     // scoresTimerFired: with the timer's list of scores.
     void scoresTimerFired(const Value& scores);
 
+    // The number of score-screen models flying (20 once the first screen has been drawn).
+    int scoreModelCount() const;
+    int currentHighlight() const { return currHighlight; }
+
 private:
+    // The shape-1 model from the sprite cache, prepared for piece width W on first use; none
+    // when the model cannot be read.
+    Sprite* pieceSprite(float W);
+    // The figure of a piece's shape inside the rectangle X, Y, W, H (lighting already on).
+    void drawFigure(const BoardPiece& piece, float X, float Y, float W, float H);
+    void drawBackground(float z);
+    void makeScoreModels();
+    void flyScoreModels();
+
     Host& host_;
     Window window_;
     std::uint32_t bgTexture_ = 0;
     std::array<SpritePtr, 11> pieceSprites;
-    // ... (the presentation engineer completes the private state)
+    // Sprites whose slots were marked empty without being released; freed with the view.
+    std::vector<SpritePtr> forgottenSprites_;
+    // Set when "Spikes" could not be read, so a board does not try again on every frame.
+    bool pieceModelMissing_ = false;
+
+    // The score screen: the highlighted row (kept between games) and its 20 models, element 0
+    // heading the list the others are linked into by `next`.
+    int currHighlight = -1;
+    std::array<SpritePtr, 20> spriteList;
+    bool scoreModelsMissing_ = false;
 };
 
 }  // namespace tolvar

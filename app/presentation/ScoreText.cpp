@@ -1,0 +1,73 @@
+#include "presentation/ScoreText.h"
+
+#include <cstdio>
+#include <ctime>
+
+namespace tolvar {
+
+namespace {
+
+// snprintf into a buffer of size bytes; the text as far as it fits.
+template <typename... Args>
+std::string formatCut(std::size_t size, const char* format, Args... args) {
+    char buffer[kScreenTextSize];
+    if (size > sizeof buffer) size = sizeof buffer;
+    int wanted = std::snprintf(buffer, size, format, args...);
+    if (wanted < 0) return std::string();
+    return std::string(buffer);
+}
+
+}  // namespace
+
+std::string boardScoreText(std::uint64_t score) {
+    return formatCut(kScoreTextSize, "%04lld", static_cast<long long>(score));
+}
+
+std::string boardGameNameText(const std::string& gameName) {
+    std::size_t length = gameName.size();
+    if (length < kGameNameSize) return gameName;
+    length = kGameNameSize - 1;
+    // Step back over continuation bytes so a character is never split.
+    while (length > 0 && (static_cast<unsigned char>(gameName[length]) & 0xC0) == 0x80) --length;
+    return gameName.substr(0, length);
+}
+
+std::string scoreDateText(const Date* date) {
+    if (!date) return std::string();
+    double seconds = date->unixTime();
+    // Dates far outside what the calendar functions handle are shown as nothing.
+    if (!(seconds > -1.0e15 && seconds < 1.0e15)) return std::string();
+    std::time_t when = static_cast<std::time_t>(seconds);
+    std::tm local{};
+    if (!localtime_r(&when, &local)) return std::string();
+    char buffer[kScreenTextSize];
+    std::size_t n = std::strftime(buffer, sizeof buffer, "%b %d, %Y %H:%M", &local);
+    return std::string(buffer, n);
+}
+
+std::string scoreRowText(int index, std::int32_t score, const std::string& dateText) {
+    const char* format = index < 9 ? "#%d:   %04d    %s\n" : "#%d: %04d    %s\n";
+    return formatCut(kScreenTextSize, format, index + 1, static_cast<int>(score), dateText.c_str());
+}
+
+std::string lastScoreText(std::uint64_t score) {
+    return formatCut(kScreenTextSize, "%04d", static_cast<int>(static_cast<std::int32_t>(score)));
+}
+
+std::size_t scoreEntryCount(const Value& scores) {
+    const Array* list = scores.asArray();
+    return list ? list->size() : 0;
+}
+
+ScoreEntry scoreEntryAt(const Value& scores, std::size_t index) {
+    ScoreEntry entry;
+    const Array* list = scores.asArray();
+    if (!list || index >= list->size()) return entry;
+    const Dictionary* fields = (*list)[index].asDictionary();
+    if (!fields) return entry;
+    if (const Value* score = fields->find("Score")) entry.score = score->intValue().value_or(0);
+    if (const Value* date = fields->find("Date")) entry.date = date->asDate();
+    return entry;
+}
+
+}  // namespace tolvar

@@ -1,0 +1,44 @@
+// The texts of the game window, formatted into the fixed-size buffers the drawing uses: the
+// score beside the board, the game's name, and the rows of the score screen.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/PropertyList.h"
+
+namespace tolvar {
+
+// Sizes of the text buffers, terminator included.
+inline constexpr std::size_t kScoreTextSize = 12;
+inline constexpr std::size_t kGameNameSize = 64;
+inline constexpr std::size_t kScreenTextSize = 128;
+
+// The score beside the board: at least four digits, zero-padded ("0007"), printed as a signed
+// number, cut to 11 characters.
+std::string boardScoreText(std::uint64_t score);
+
+// The game's name cut to 63 bytes, never in the middle of a UTF-8 character.
+std::string boardGameNameText(const std::string& gameName);
+
+// A date as "Mon dd, yyyy HH:mm" in the user's time locale (local time); empty for no date.
+std::string scoreDateText(const Date* date);
+
+// Row `index` (0-based) of the best scores, line feed included: "#1:   0042    <date>\n"; the
+// ranks from 10 on have one blank after the colon instead of three. Cut to 127 bytes.
+std::string scoreRowText(int index, std::int32_t score, const std::string& dateText);
+
+// The last score on the score screen ("%04d" of its low 32 bits).
+std::string lastScoreText(std::uint64_t score);
+
+// One entry of a best-score list: its "Score" (32-bit) and "Date"; 0 and no date when the entry
+// is not a dictionary or lacks them.
+struct ScoreEntry {
+    std::int32_t score = 0;
+    const Date* date = nullptr;
+};
+ScoreEntry scoreEntryAt(const Value& scores, std::size_t index);
+// The number of entries of a best-score list; 0 when it is not an array.
+std::size_t scoreEntryCount(const Value& scores);
+
+}  // namespace tolvar
