@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <vector>
 
 // An image as the loaders need it: rows top first, 8 bits per channel, R G B (A).
@@ -14,8 +16,20 @@ struct Image {
     std::vector<std::uint8_t> pixels;  // height x bytesPerRow
 };
 
-// Loads an image file; false when it cannot be read.
+// Loads an image file; false when it cannot be read (the file and the problem are reported on
+// standard error). True-colour images become 24-bit RGB or 32-bit RGBA; grey and palette images
+// keep their own depth (8 bits per pixel, 16 for 16-bit grey, fewer for small palettes).
 bool loadImageFile(const char* path, Image& image);
+
+// The panels TextureFromResource shows the player. The alert is modal with one button; the open
+// panel returns the chosen file, or an empty string when the player cancels. By default the alert
+// is an SDL message box and the open panel is zenity's file selection (no zenity: cancelled).
+// Setting an empty function restores the default.
+using TextureAlertHook =
+    std::function<void(const std::string& title, const std::string& message, const std::string& button)>;
+using TextureOpenPanelHook = std::function<std::string()>;
+void setTextureAlertHook(TextureAlertHook hook);
+void setTextureOpenPanelHook(TextureOpenPanelHook hook);
 
 // The image route: the largest power-of-two block at the image's lower-left corner, rows turned
 // bottom-up. 24-bit RGB and 32-bit RGBA only; other depths change nothing.
