@@ -44,6 +44,12 @@ public:
     int gameStarted() const;
     int gamePaused() const;
 
+    // For the headless runner and the tests: the colour numbers of the running board
+    // (nothing without one), and the cells of the last mouse gesture (nullptr for none).
+    void printBoardColors() const;
+    const BoardPiece* downPiece() const;
+    const BoardPiece* upPiece() const;
+
 private:
     struct Impl;
     std::unique_ptr<Impl> impl_;

@@ -1,0 +1,191 @@
+#include "engine/Completion.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <variant>
+
+#include "engine/Board.h"
+#include "engine/EventQueue.h"
+#include "platform/PlistFile.h"
+
+namespace tolvar {
+
+namespace {
+const SupportedUserEvent* userEventOfType(const GameInfo& game, std::uint32_t type) {
+    for (const SupportedUserEvent* u = game.userEvents.get(); u; u = u->next.get())
+        if (u->userEventType == type) return u;
+    return nullptr;
+}
+}  // namespace
+
+void Completion::performActionCheckForGameCompletion() {
+    GameInfo& game = ctx_.game();
+    Board board(game);
+    const int w = board.width(), h = board.height();
+    bool done = true;
+    for (const CompletionCriterion* c = game.completionCriteria.get(); c; c = c->next.get()) {
+        if (c->completionType != kCompletionNoMovesLeft) continue;
+        if (const SupportedUserEvent* select = userEventOfType(game, kUserEventSelectColorRegion)) {
+            Flags flags = board.makeFlags();
+            bool found = false;
+            for (int x = 0; x < w && !found; ++x) {
+                for (int y = 0; y < h && !found; ++y) {
+                    const BoardPiece& piece = board.getBoardPieceAtX(x, y);
+                    if (piece.pieceID != 0 &&
+                        board.getRegionColorCountForPiece(piece, flags) >= select->minimumPieces) {
+                        done = false;
+                        found = true;
+                    } else {
+                        flags.clear();
+                    }
+                }
+            }
+        }
+        if (userEventOfType(game, kUserEventSwapAdjacent)) {
+            std::array<std::uint32_t, 256> perColor{};
+            for (const BoardPiece& piece : game.board)
+                if (piece.pieceID != 0) ++perColor[piece.colorIndex];
+            int many = 0, present = 0;
+            for (std::uint32_t n : perColor) {
+                if (n > 1) ++many;
+                if (n > 0) ++present;
+            }
+            done = many == 0 || (many == 1 && present == 1);
+            if (!done && game.setupMaxLinearColors != 0) {
+                done = true;
+                Flags flags = board.makeFlags();
+                const std::uint32_t limit = game.setupMaxLinearColors;
+                bool found = false;
+                for (int x = 0; x < w && !found; ++x) {
+                    for (int y = 0; y < h && !found; ++y) {
+                        BoardPiece& p = board.getBoardPieceAtX(x, y);
+                        if (p.pieceID == 0) continue;
+                        if (board.getRegionLinearColorCountForPiece(p, flags) > limit) {
+                            found = true;
+                            break;
+                        }
+                        // Neighbours in the order left, right, above, below.
+                        const std::array<std::array<int, 2>, 4> steps{
+                            {{-1, 0}, {1, 0}, {0, 1}, {0, -1}}};
+                        for (const auto& step : steps) {
+                            const int qx = x + step[0], qy = y + step[1];
+                            if (qx < 0 || qx >= w || qy < 0 || qy >= h) continue;
+                            BoardPiece& q = board.getBoardPieceAtX(qx, qy);
+                            if (q.pieceID == 0) continue;
+                            std::swap(p.colorIndex, q.colorIndex);
+                            const std::uint32_t run = board.getRegionLinearColorCountForPiece(p, flags);
+                            std::swap(p.colorIndex, q.colorIndex);
+                            if (run > limit) {
+                                found = true;
+                                break;
+                            }
+                        }
+                    }
+                }
+                if (found) {
+                    done = false;
+                } else {
+                    ctx_.view.drawBoard();
+                }
+            }
+        }
+    }
+    if (done) EventQueue(game).queueCopyOfEvent(kEventNoMovesLeft);
+}
+
+int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lowerIsBetter) {
+    std::size_t i = 0;
+    for (; i < scores.size() && i <= 19; ++i) {
+        std::int32_t stored = 0;
+        if (const Dictionary* entry = scores[i].asDictionary())
+            if (const Value* v = entry->find("Score")) stored = v->intValue().value_or(0);
+        const std::uint64_t entryScore =
+            static_cast<std::uint64_t>(static_cast<std::int64_t>(stored));
+        if (lowerIsBetter && score < entryScore) return static_cast<int>(i);
+        if (!lowerIsBetter && score > entryScore) {
+            std::printf("got on list at index %d, score %d\n", static_cast<int>(i),
+                        static_cast<int>(static_cast<std::int32_t>(static_cast<std::uint32_t>(score))));
+            return static_cast<int>(i);
+        }
+    }
+    return i < 20 ? static_cast<int>(i) : -1;
+}
+
+void BestScores::performActionCheckBestScores(const GameAction& action) {
+    GameInfo& game = ctx_.game();
+    const std::uint64_t score = game.score;
+    const std::string path = ctx_.host.dataFolder() + "/BestScores.dict";
+
+    // A table that exists but cannot be read is kept aside, not written over.
+    bool unreadable = false;
+    std::string problem;
+    Value root = Value::dictionary();
+    {
+        std::FILE* probe = std::fopen(path.c_str(), "rb");
+        const bool exists = probe != nullptr || errno != ENOENT;
+        if (probe) std::fclose(probe);
+        if (exists) {
+            auto read = readPropertyListFile(path);
+            if (auto* error = std::get_if<PlistError>(&read)) {
+                unreadable = true;
+                problem = error->reason;
+            } else if (!std::get<Value>(read).isDictionary()) {
+                unreadable = true;
+                problem = "not a dictionary of games";
+            } else {
+                root = std::get<Value>(read);
+                const Value* table = root.asDictionary()->find(game.gameName);
+                if (table && !table->isArray()) {
+                    unreadable = true;
+                    problem = "the scores of \"" + game.gameName + "\" are not a list";
+                    root = Value::dictionary();
+                }
+            }
+        }
+    }
+
+    auto newEntry = [&] {
+        Dictionary entry;
+        entry.set("Score", Value::integer(static_cast<std::int32_t>(static_cast<std::uint32_t>(score))));
+        entry.set("Date", Value::date(Date::now()));
+        return Value::dictionary(std::move(entry));
+    };
+
+    int highlight = -1;
+    Dictionary& games = *root.asDictionary();
+    Value* table = games.find(game.gameName);
+    if (!table) {
+        games.set(game.gameName, Value::array({newEntry()}));
+        table = games.find(game.gameName);
+        highlight = 0;
+    } else {
+        Array& scores = *table->asArray();
+        highlight = bestScoreInsertionIndex(scores, score, action.lowerIsBetter != 0);
+        if (highlight >= 0) scores.insert(scores.begin() + highlight, newEntry());
+    }
+
+    ctx_.view.displayScores(*table, highlight);
+
+    if (highlight != -1) {
+        ctx_.host.runAlert(" ", "You got one of the best scores!", "Sweet!");
+        bool mayWrite = true;
+        if (unreadable) {
+            const std::string aside = path + ".unreadable";
+            if (std::rename(path.c_str(), aside.c_str()) == 0) {
+                std::fprintf(stderr, "%s: cannot be read (%s); kept as %s, a new table is written\n",
+                             path.c_str(), problem.c_str(), aside.c_str());
+            } else {
+                // Never write over what could not be kept aside.
+                std::fprintf(stderr, "%s: cannot be read (%s) nor kept aside (%s); not written\n",
+                             path.c_str(), problem.c_str(), std::strerror(errno));
+                mayWrite = false;
+            }
+        }
+        if (mayWrite) writePropertyListFile(path, root);
+    }
+    ctx_.gamePaused = 1;
+}
+
+}  // namespace tolvar

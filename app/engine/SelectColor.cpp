@@ -1,0 +1,7 @@
+#include "engine/SelectColor.h"
+
+namespace tolvar {
+
+SelectColor gSelectColor = kDefaultSelectColor;
+
+}  // namespace tolvar

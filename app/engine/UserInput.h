@@ -1,0 +1,35 @@
+// The player's mouse and keys: the poll of the game window's latest event, the user events the
+// rules bind to gestures and keys, the Escape restart and the space bar at the score screen.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/BoardActions.h"
+#include "engine/EngineContext.h"
+
+namespace tolvar {
+
+class UserInput {
+public:
+    explicit UserInput(EngineContext& ctx) : ctx_(ctx) {}
+
+    // One poll of the current event; acts only on an event it has not seen yet.
+    void checkUserEvents();
+    void processUserEvent(const SupportedUserEvent& userEvent);
+
+    const SupportedUserEvent* mouseUpIsUserAction() const;
+    const SupportedUserEvent* mouseDownIsUserAction() const { return nullptr; }
+    const SupportedUserEvent* charIsUserAction(std::int8_t character) const;
+    const SupportedUserEvent* isUserEventSupported(std::uint32_t userEventType) const;
+
+    // Escape: a new board for the same game, score 0, multiplier 1.
+    void restartGame();
+
+private:
+    EngineContext& ctx_;
+    // The poll's memory of what it saw last.
+    std::int64_t prevEventType_ = 0;
+    std::uint16_t prevKeyCode_ = 0;
+};
+
+}  // namespace tolvar
