@@ -106,10 +106,12 @@ void GameView::initWindowState() {
 }
 
 void GameView::loadBGTexture() {
-    bgTexture_ = 0;
-    std::string folder = resourceFolder();
-    std::string path = folder.empty() ? std::string("resources/Nebula.png") : folder + "/Nebula.png";
+    const std::string folder = resourceFolder();
+    loadBGTextureFromFile(folder.empty() ? std::string("resources/Nebula.png") : folder + "/Nebula.png");
+}
 
+void GameView::loadBGTextureFromFile(const std::string& path) {
+    bgTexture_ = 0;
     SurfacePtr image(IMG_Load(path.c_str()));
     if (!image) {
         std::fprintf(stderr, "%s: cannot read the background image (%s); the background stays black\n",
@@ -237,6 +239,8 @@ void GameView::drawFigure(const BoardPiece& piece, float X, float Y, float W, fl
     const float y1 = Y + third(H);
     const float y2 = Y + third(2 * H);
 
+    // Flat figures face the viewer, whatever normal the last model left behind.
+    glNormal3f(0.0f, 0.0f, 1.0f);
     // Filled figures are wound counter-clockwise on the screen, so back-face culling keeps them.
     switch (piece.shapeIndex) {
         case 2:

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "3DSpriteLib.h"
@@ -32,6 +33,9 @@ public:
     void initWindowState();
     // loadBGTexture: the "Nebula" resource as a rectangle texture; 0 when it cannot be read.
     void loadBGTexture();
+    // The same from an image file; a missing or unreadable file leaves bgTexture 0 and says so
+    // on standard error.
+    void loadBGTextureFromFile(const std::string& path);
     std::uint32_t bgTexture() const { return bgTexture_; }
 
     // View
