@@ -1,0 +1,68 @@
+// The main window: the game pop-up, the chosen game's description, Start and Return, and the
+// menu bar with the game's "Actions". Drawn with Dear ImGui in a window of its own; what the
+// player chooses comes back as commands, carried out once the game window's context is current
+// again.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ImGuiSurface.h"
+#include "rules/ActionsMenu.h"
+#include "rules/GameLibrary.h"
+
+namespace tolvar {
+
+struct ShellCommand {
+    enum class Kind { SelectGame, StartGame, ReturnToMain, MenuAction, Quit };
+    Kind kind;
+    std::string title;   // SelectGame
+    int itemIndex = -1;  // MenuAction
+};
+
+// The text shown beside a menu item for its key equivalent ("Space", "Esc", "A", ...).
+std::string keyEquivalentLabel(std::int8_t key);
+
+class MainWindow {
+public:
+    static constexpr int kWidth = 640;
+    static constexpr int kHeight = 540;
+
+    MainWindow(const std::string& fontFile, float fontPixels);
+
+    bool valid() const { return surface_.valid(); }
+    ImGuiSurface& surface() { return surface_; }
+
+    // One frame; returns what the player chose in it.
+    std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, bool gameRunning);
+
+private:
+    ImGuiSurface surface_;
+};
+
+// The "Actions" menu as a pop-up at the mouse, opened with the right button in the game window.
+class ActionsPopup {
+public:
+    static constexpr int kWidth = 260;
+    static constexpr int kPadding = 6;
+    static constexpr int kRowHeight = 30;
+    static constexpr int kHeight = 2 * kPadding + ActionsMenu::kItemCount * kRowHeight;
+
+    ActionsPopup(const std::string& fontFile, float fontPixels);
+
+    bool valid() const { return surface_.valid(); }
+    ImGuiSurface& surface() { return surface_; }
+    // Shows the menu with its top left corner at the screen point (x, y).
+    void openAt(int x, int y);
+    void close();
+    bool isOpen() const { return surface_.isVisible(); }
+
+    // One frame; returns the chosen item's index, or -1.
+    int draw(const ActionsMenu& menu);
+
+private:
+    ImGuiSurface surface_;
+};
+
+}  // namespace tolvar

@@ -1,0 +1,365 @@
+#include "TolvarAppDelegate.h"
+
+#include <GL/gl.h>
+#include <sys/time.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/Alerts.h"
+#include "platform/DataFolder.h"
+#include "platform/FontLookup.h"
+#include "platform/SdlEvents.h"
+
+namespace tolvar {
+
+namespace {
+constexpr double kEventTimerInterval = 0.033;
+constexpr double kScoresTimerInterval = 0.033;
+constexpr float kInterfaceFontPixels = 17.0f;
+constexpr int kMainWindowFramesPerChange = 3;  // ImGui settles hover and click states in a few frames
+
+std::string interfaceFontFile() {
+    for (const char* family : {"sans-serif", "DejaVu Sans", "Nimbus Sans"}) {
+        std::string file = findFontFile(family);
+        if (!file.empty()) return file;
+    }
+    std::fprintf(stderr, "tolvar: no interface font found through fontconfig; using the built-in font\n");
+    return {};
+}
+}  // namespace
+
+TolvarAppDelegate::TolvarAppDelegate() : timers_(monotonicSeconds) {}
+
+TolvarAppDelegate::~TolvarAppDelegate() {
+    // The engine draws through the view; the view's textures and sprites belong to the game
+    // window's context, which must be current while they go.
+    engine_.reset();
+    if (gameWindow) gameWindow->makeCurrentContext();
+    view_.reset();
+    popup_.reset();
+    window.reset();
+    gameWindow.reset();
+}
+
+bool TolvarAppDelegate::applicationDidFinishLaunching() {
+    // 1. The random sequence, seeded from the microseconds of the time of day (TOLVAR_SEED fixes
+    //    it, so that a session can be replayed).
+    struct timeval tv {};
+    gettimeofday(&tv, nullptr);
+    unsigned int seed = static_cast<unsigned int>(tv.tv_usec);
+    if (const char* fixed = std::getenv("TOLVAR_SEED"); fixed && *fixed)
+        seed = static_cast<unsigned int>(std::strtoul(fixed, nullptr, 10));
+    srandom(seed);
+
+    // 2. No timers, no game, no background, paused (the engine starts so).
+    eventTimer = 0;
+    userEventTimer = false;
+    scoresTimer = 0;
+    GameView::Window callbacks;
+    callbacks.flushBuffer = [this] {
+        if (gameWindow) gameWindow->flushBuffer();
+    };
+    callbacks.mouseLocation = [this](double& x, double& y) {
+        x = y = 0.0;
+        if (gameWindow) gameWindow->mouseLocation(x, y);
+    };
+    callbacks.display = [this] {
+        if (gameWindow) gameWindow->flushBuffer();
+    };
+    view_ = std::make_unique<GameView>(*this, std::move(callbacks));
+    engine_ = std::make_unique<Engine>(*view_, *this);
+
+    // 3. The piece sprites: every slot empty.
+    view_->clearPieceSprites(1);
+    // 4. The game window with its context and fixed state.
+    initWindow();
+    if (!gameWindow || !gameWindow->valid()) return false;
+    // 5. The background.
+    view_->loadBGTexture();
+    // 6. Hidden until a game starts.
+    gameWindow->orderOut();
+    // 7. The game menu.
+    library_.setupGameSelections();
+
+    // The main window and the "Actions" pop-up of the game window.
+    const std::string font = interfaceFontFile();
+    window = std::make_unique<MainWindow>(font, kInterfaceFontPixels);
+    popup_ = std::make_unique<ActionsPopup>(font, kInterfaceFontPixels);
+    gameWindow->makeCurrentContext();
+    if (!window->valid()) return false;
+    showMainWindow();
+    lastMenuSignature_ = menuSignature();
+    return true;
+}
+
+void TolvarAppDelegate::initWindow() {
+    gameWindow = std::make_unique<MyWindow>("Tolvar", static_cast<int>(winWidth), static_cast<int>(winHeight));
+    if (!gameWindow->valid()) return;
+    gameWindow->orderFront();
+    gameWindow->makeCurrentContext();
+    view_->initWindowState();
+    gameWindow->flushBuffer();
+    gameWindow->center();
+}
+
+// ---------------------------------------------------------------- the run loop
+
+int TolvarAppDelegate::run() {
+    while (!quit_) {
+        int timeoutMs = -1;
+        const double untilTimer = timers_.secondsUntilNextDue();
+        if (untilTimer >= 0.0) timeoutMs = static_cast<int>(std::ceil(untilTimer * 1000.0));
+        if (mainFrames_ > 0 || popupFrames_ > 0) timeoutMs = 0;
+
+        SDL_Event event;
+        const int got = timeoutMs < 0 ? SDL_WaitEvent(&event) : SDL_WaitEventTimeout(&event, timeoutMs);
+        if (got) {
+            dispatch(event);
+            while (!quit_ && SDL_PollEvent(&event)) dispatch(event);
+        }
+        if (quit_) break;
+        timers_.fireDue();
+        drawWindows();
+    }
+    return 0;
+}
+
+void TolvarAppDelegate::drawWindows() {
+    const std::string signature = menuSignature();
+    if (signature != lastMenuSignature_) {
+        lastMenuSignature_ = signature;
+        mainFrames_ = kMainWindowFramesPerChange;
+        popupFrames_ = kMainWindowFramesPerChange;
+    }
+    if (window && mainFrames_ > 0) {
+        --mainFrames_;
+        if (window->surface().isVisible()) {
+            const bool running = gameWindow && gameWindow->isVisible();
+            std::vector<ShellCommand> commands = window->draw(library_, menu_, running);
+            gameWindow->makeCurrentContext();
+            runCommands(commands);
+        }
+    }
+    if (popup_ && popupFrames_ > 0) {
+        --popupFrames_;
+        if (popup_->isOpen()) {
+            const int chosen = popup_->draw(menu_);
+            gameWindow->makeCurrentContext();
+            if (chosen >= 0) {
+                popup_->close();
+                checkMenuAction(chosen);
+            }
+        }
+    }
+}
+
+void TolvarAppDelegate::runCommands(const std::vector<ShellCommand>& commands) {
+    for (const ShellCommand& c : commands) {
+        switch (c.kind) {
+            case ShellCommand::Kind::SelectGame: selectGame(c.title); break;
+            case ShellCommand::Kind::StartGame: startGame(); break;
+            case ShellCommand::Kind::ReturnToMain: returnToMain(); break;
+            case ShellCommand::Kind::MenuAction: checkMenuAction(c.itemIndex); break;
+            case ShellCommand::Kind::Quit: terminate(); break;
+        }
+        mainFrames_ = kMainWindowFramesPerChange;
+    }
+}
+
+std::string TolvarAppDelegate::menuSignature() const {
+    std::string s = menu_.enabled() ? "1" : "0";
+    for (const ActionsMenuItem& item : menu_.items()) {
+        s += item.title;
+        s += item.enabled ? '+' : '-';
+        s += static_cast<char>(item.keyEquivalent);
+    }
+    s += gameWindow && gameWindow->isVisible() ? 'g' : 'm';
+    return s;
+}
+
+void TolvarAppDelegate::dispatch(const SDL_Event& event) {
+    const Uint32 gameID = gameWindow ? gameWindow->windowID() : 0;
+    const Uint32 mainID = window ? window->surface().windowID() : 0;
+    const Uint32 popupID = popup_ ? popup_->surface().windowID() : 0;
+
+    if (event.type == SDL_QUIT) {
+        terminate();
+        return;
+    }
+    Uint32 windowID = 0;
+    switch (event.type) {
+        case SDL_WINDOWEVENT: windowID = event.window.windowID; break;
+        case SDL_KEYDOWN:
+        case SDL_KEYUP: windowID = event.key.windowID; break;
+        case SDL_TEXTINPUT: windowID = event.text.windowID; break;
+        case SDL_MOUSEMOTION: windowID = event.motion.windowID; break;
+        case SDL_MOUSEBUTTONDOWN:
+        case SDL_MOUSEBUTTONUP: windowID = event.button.windowID; break;
+        case SDL_MOUSEWHEEL: windowID = event.wheel.windowID; break;
+        default: return;
+    }
+    // Keys reach the window that holds the keyboard; without one, the window in front.
+    if (windowID == 0 && (event.type == SDL_KEYDOWN || event.type == SDL_KEYUP || event.type == SDL_TEXTINPUT))
+        windowID = gameWindow && gameWindow->isVisible() ? gameID : mainID;
+
+    if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_CLOSE) {
+        if (windowID == gameID) returnToMain();
+        else if (windowID == mainID) terminate();
+        else if (windowID == popupID && popup_) popup_->close();
+        return;
+    }
+
+    // The "Actions" pop-up is a menu, not a place on the board: its clicks are not the game
+    // window's events.
+    if (windowID == popupID && popup_) {
+        if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE) {
+            popup_->close();
+            return;
+        }
+        if (popup_->surface().processEvent(event)) popupFrames_ = kMainWindowFramesPerChange;
+        return;
+    }
+
+    if (windowID == mainID && window) {
+        if (window->surface().processEvent(event)) mainFrames_ = kMainWindowFramesPerChange;
+        if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_SHOWN)
+            mainFrames_ = kMainWindowFramesPerChange;
+    }
+
+    if (windowID != gameID && windowID != mainID) return;
+    const int height = windowID == gameID ? static_cast<int>(winHeight) : MainWindow::kHeight;
+    std::optional<CurrentEvent> current = currentEventFromSdl(event, height);
+    if (!current) return;
+    currentEvent_ = *current;
+
+    if (windowID == gameID) {
+        // A click anywhere in the game window closes an open pop-up; the right button opens it.
+        if (popup_ && popup_->isOpen() && (current->type == kEventTypeMouseDown || current->type == kEventTypeRightMouseDown))
+            popup_->close();
+        if (current->type == kEventTypeRightMouseDown && popup_) {
+            int gx = 0, gy = 0;
+            SDL_GetGlobalMouseState(&gx, &gy);
+            popup_->openAt(gx, gy);
+            popupFrames_ = kMainWindowFramesPerChange;
+        }
+    }
+    if (current->type == kEventTypeKeyDown) keyShortcuts(event);
+    checkUserEvents();
+}
+
+void TolvarAppDelegate::keyShortcuts(const SDL_Event& event) {
+    // A key bound to a user event of the running game is the game's, never a menu shortcut.
+    if (engine_ && MyWindow::performKeyEquivalent(*engine_, currentEvent_)) return;
+    const Uint16 mod = event.key.keysym.mod;
+    const bool command = (mod & (KMOD_CTRL | KMOD_GUI)) != 0;
+    if (command && event.key.keysym.sym == SDLK_q) {
+        terminate();
+        return;
+    }
+    if (command || (mod & KMOD_ALT)) return;
+    // The "Actions" items answer their key equivalents (the plain key).
+    if (!menu_.enabled() || currentEvent_.characters.empty()) return;
+    const auto c = static_cast<std::int8_t>(currentEvent_.characters[0]);
+    for (int i = 0; i < ActionsMenu::kItemCount; ++i) {
+        const ActionsMenuItem& item = menu_.item(i);
+        if (item.enabled && item.keyEquivalent != 0 && item.keyEquivalent == c) {
+            checkMenuAction(i);
+            return;
+        }
+    }
+}
+
+void TolvarAppDelegate::checkUserEvents() {
+    if (userEventTimer && engine_) engine_->checkUserEvents();
+}
+
+// ---------------------------------------------------------------- the main window's actions
+
+void TolvarAppDelegate::selectGame(const std::string& title) {
+    library_.selectGame(title);
+    mainFrames_ = kMainWindowFramesPerChange;
+}
+
+void TolvarAppDelegate::startGame() {
+    gameWindow->makeCurrentContext();
+    engine_->startGame(library_.currentRules(), menu_);
+}
+
+void TolvarAppDelegate::returnToMain() {
+    if (popup_) popup_->close();
+    gameWindow->makeCurrentContext();
+    engine_->returnToMain();
+}
+
+void TolvarAppDelegate::checkMenuAction(int itemIndex) {
+    gameWindow->makeCurrentContext();
+    engine_->checkMenuAction(menu_, itemIndex);
+}
+
+// ---------------------------------------------------------------- Host
+
+void TolvarAppDelegate::runAlert(const std::string& title, const std::string& message, const std::string& button) {
+    runAlertPanel(gameWindow && gameWindow->isVisible() ? gameWindow->sdlWindow() : nullptr, title, message, button);
+    if (gameWindow) gameWindow->makeCurrentContext();
+}
+
+bool TolvarAppDelegate::scoresTimerRunning() const { return timers_.isValid(scoresTimer); }
+
+void TolvarAppDelegate::startScoresTimer(const Value& scores) {
+    if (timers_.isValid(scoresTimer)) return;
+    scoresList_ = scores;
+    scoresTimer = timers_.schedule(kScoresTimerInterval, [this] {
+        // The list is held by the timer, as its user info.
+        const Value scores = scoresList_;
+        view_->scoresTimerFired(scores);
+    });
+}
+
+void TolvarAppDelegate::stopScoresTimer() {
+    timers_.invalidate(scoresTimer);
+    scoresTimer = 0;
+    scoresList_ = Value();
+}
+
+void TolvarAppDelegate::resetProjection() {
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0.0, winWidth, 0.0, winHeight, 600.0, -600.0);
+}
+
+void TolvarAppDelegate::showGameWindow() {
+    if (!gameWindow) return;
+    gameWindow->orderFront();
+    gameWindow->makeCurrentContext();
+}
+
+void TolvarAppDelegate::hideGameWindow() {
+    if (popup_) popup_->close();
+    if (gameWindow) gameWindow->orderOut();
+}
+
+void TolvarAppDelegate::showMainWindow() {
+    if (!window) return;
+    window->surface().show();
+    mainFrames_ = kMainWindowFramesPerChange;
+}
+
+void TolvarAppDelegate::hideMainWindow() {
+    if (window) window->surface().hide();
+}
+
+void TolvarAppDelegate::scheduleEngineTimers() {
+    if (eventTimer != 0) return;
+    eventTimer = timers_.schedule(kEventTimerInterval, [this] {
+        engine_->processEvents();
+        // An event that came while a start was pending is seen once the start has gone through.
+        checkUserEvents();
+    });
+    userEventTimer = true;
+}
+
+std::string TolvarAppDelegate::dataFolder() { return tolvarFolderPath(); }
+
+}  // namespace tolvar

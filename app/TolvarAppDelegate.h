@@ -1,0 +1,86 @@
+// The application: start-up, the two windows, the run loop with the game's timers, and the
+// desktop services the rule engine asks for (current event, alerts, score timer, projection).
+#pragma once
+
+#include <SDL.h>
+
+#include <memory>
+#include <string>
+
+#include "MainWindow.h"
+#include "MyWindow.h"
+#include "engine/BoardLayout.h"
+#include "engine/Engine.h"
+#include "engine/Host.h"
+#include "platform/PropertyList.h"
+#include "platform/RunLoop.h"
+#include "presentation/GameView.h"
+#include "rules/ActionsMenu.h"
+#include "rules/GameLibrary.h"
+
+namespace tolvar {
+
+class TolvarAppDelegate : public Host {
+public:
+    TolvarAppDelegate();
+    ~TolvarAppDelegate() override;
+    TolvarAppDelegate(const TolvarAppDelegate&) = delete;
+    TolvarAppDelegate& operator=(const TolvarAppDelegate&) = delete;
+
+    // Start-up; false when no game window could be made.
+    bool applicationDidFinishLaunching();
+    // The run loop: returns when the player quits.
+    int run();
+
+    // The main window's actions.
+    void selectGame(const std::string& title);
+    void startGame();
+    void returnToMain();
+    void checkMenuAction(int itemIndex);
+    void terminate() { quit_ = true; }
+
+    // Host
+    CurrentEvent currentEvent() override { return currentEvent_; }
+    void runAlert(const std::string& title, const std::string& message, const std::string& button) override;
+    bool scoresTimerRunning() const override;
+    void startScoresTimer(const Value& scores) override;
+    void stopScoresTimer() override;
+    void resetProjection() override;
+    void showGameWindow() override;
+    void hideGameWindow() override;
+    void showMainWindow() override;
+    void hideMainWindow() override;
+    void scheduleEngineTimers() override;
+    std::string dataFolder() override;
+
+private:
+    void initWindow();
+    void dispatch(const SDL_Event& event);
+    void keyShortcuts(const SDL_Event& event);
+    void checkUserEvents();
+    void runCommands(const std::vector<ShellCommand>& commands);
+    void drawWindows();
+    std::string menuSignature() const;
+
+    std::unique_ptr<MyWindow> gameWindow;
+    std::unique_ptr<GameView> view_;
+    std::unique_ptr<Engine> engine_;
+    GameLibrary library_;
+    ActionsMenu menu_;
+    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<ActionsPopup> popup_;
+
+    Timers timers_;
+    Timers::Id eventTimer = 0;
+    bool userEventTimer = false;  // the input poll: after every event and every tick
+    Timers::Id scoresTimer = 0;
+    Value scoresList_;
+
+    CurrentEvent currentEvent_;
+    bool quit_ = false;
+    int mainFrames_ = 0;   // frames of the main window still to draw
+    int popupFrames_ = 0;  // frames of the "Actions" pop-up still to draw
+    std::string lastMenuSignature_;
+};
+
+}  // namespace tolvar

@@ -1,0 +1,29 @@
+// Tolvar: start-up and the run loop.
+#include <GL/freeglut.h>
+#include <SDL.h>
+
+#include <clocale>
+#include <cstdio>
+
+#include "TolvarAppDelegate.h"
+
+int main(int argc, char** argv) {
+    // Diagnostic lines reach a pipe or a log as they are printed.
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    // Dates on the score screen follow the player's locale.
+    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_NUMERIC, "C");
+    if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_EVENTS) != 0) {
+        std::fprintf(stderr, "tolvar: cannot start the display: %s\n", SDL_GetError());
+        return 1;
+    }
+    // The board and score text use GLUT's bitmap font.
+    glutInit(&argc, argv);
+    int status = 1;
+    {
+        tolvar::TolvarAppDelegate delegate;
+        if (delegate.applicationDidFinishLaunching()) status = delegate.run();
+    }
+    SDL_Quit();
+    return status;
+}
