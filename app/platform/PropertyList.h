@@ -43,8 +43,8 @@ public:
     // Replaces the value of an existing key in place, or appends the key at the end.
     void set(const std::string& key, Value value);
     bool erase(const std::string& key);
-    std::size_t size() const { return entries_.size(); }
-    bool empty() const { return entries_.empty(); }
+    std::size_t size() const;  // defined below, once Value is complete
+    bool empty() const;
     const std::vector<std::pair<std::string, Value>>& entries() const { return entries_; }
     std::vector<std::pair<std::string, Value>>& entries() { return entries_; }
 
@@ -102,5 +102,8 @@ private:
     std::variant<bool, std::int64_t, double, std::string, tolvar::Date, tolvar::Data,
                  std::shared_ptr<tolvar::Array>, std::shared_ptr<tolvar::Dictionary>> v_;
 };
+
+inline std::size_t Dictionary::size() const { return entries_.size(); }
+inline bool Dictionary::empty() const { return entries_.empty(); }
 
 }  // namespace tolvar
