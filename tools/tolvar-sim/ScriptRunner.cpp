@@ -1,0 +1,228 @@
+#include "ScriptRunner.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cinttypes>
+#include <cstdlib>
+#include <vector>
+
+namespace tolvar::sim {
+
+namespace {
+
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f'; }
+
+std::vector<std::string> words(const std::string& line) {
+    std::vector<std::string> out;
+    std::size_t i = 0;
+    while (i < line.size()) {
+        while (i < line.size() && isBlank(line[i])) ++i;
+        std::size_t j = i;
+        while (j < line.size() && !isBlank(line[j])) ++j;
+        if (j > i) out.push_back(line.substr(i, j - i));
+        i = j;
+    }
+    return out;
+}
+
+std::string trim(const std::string& text) {
+    std::size_t a = 0, b = text.size();
+    while (a < b && isBlank(text[a])) ++a;
+    while (b > a && isBlank(text[b - 1])) --b;
+    return text.substr(a, b - a);
+}
+
+bool parseNumber(const std::string& word, float& out) {
+    const char* begin = word.c_str();
+    char* end = nullptr;
+    errno = 0;
+    const double value = std::strtod(begin, &end);
+    if (end == begin || *end != '\0') return false;
+    out = static_cast<float>(value);
+    return true;
+}
+
+bool parseCount(const std::string& word, unsigned long& out) {
+    if (word.empty() || word[0] < '0' || word[0] > '9') return false;
+    char* end = nullptr;
+    errno = 0;
+    out = std::strtoul(word.c_str(), &end, 10);
+    return *end == '\0' && errno == 0;
+}
+
+// The key code and characters of a key name; each key has a code of its own.
+bool keyFor(const std::string& name, std::uint16_t& code, std::string& characters) {
+    if (name == "esc") {
+        code = kKeyCodeEscape;
+        characters = "\x1b";
+        return true;
+    }
+    if (name == "space") {
+        code = 100 + 32;
+        characters = " ";
+        return true;
+    }
+    if (name.size() == 1 && name[0] > 32 && name[0] < 127) {
+        code = static_cast<std::uint16_t>(100 + name[0]);
+        characters = name;
+        return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+ScriptRunner::ScriptRunner(GameLibrary& library, ActionsMenu& menu)
+    : library_(library), menu_(menu), view_(host_), engine_(view_, host_) {}
+
+int ScriptRunner::run(std::FILE* in) {
+    std::string line;
+    long number = 0;
+    bool more = true;
+    while (more) {
+        line.clear();
+        int c;
+        while ((c = std::fgetc(in)) != EOF && c != '\n') line.push_back(static_cast<char>(c));
+        more = c != EOF;
+        if (!more && line.empty()) break;
+        ++number;
+        const std::string reason = runLine(line);
+        if (!reason.empty()) {
+            std::fflush(stdout);
+            std::fprintf(stderr, "tolvar-sim: line %ld: %s\n", number, reason.c_str());
+            return 2;
+        }
+    }
+    return 0;
+}
+
+void ScriptRunner::poll() { engine_.checkUserEvents(); }
+
+std::string ScriptRunner::pointerEvent(std::int64_t type, const std::string& xs,
+                                       const std::string& ys) {
+    float x = 0, y = 0;
+    if (!parseNumber(xs, x)) return "bad number \"" + xs + "\"";
+    if (!parseNumber(ys, y)) return "bad number \"" + ys + "\"";
+    host_.event = CurrentEvent{};
+    host_.event.type = type;
+    host_.event.x = x;
+    host_.event.y = y;
+    poll();
+    return {};
+}
+
+std::string ScriptRunner::keyEvent(std::int64_t type, const std::string& key) {
+    std::uint16_t code = 0;
+    std::string characters;
+    if (!keyFor(key, code, characters)) return "bad key \"" + key + "\"";
+    host_.event = CurrentEvent{};
+    host_.event.type = type;
+    host_.event.keyCode = code;
+    host_.event.characters = characters;
+    poll();
+    return {};
+}
+
+std::string ScriptRunner::runLine(const std::string& line) {
+    const std::vector<std::string> w = words(line);
+    if (w.empty() || w[0][0] == '#') return {};
+    const std::string& command = w[0];
+    auto arity = [&](std::size_t n) { return w.size() == n + 1; };
+    const std::string wrongCount = "wrong number of arguments to " + command;
+
+    if (command == "select") {
+        const std::string title = trim(trim(line).substr(command.size()));
+        const auto& titles = library_.gameMenu();
+        if (std::find(titles.begin(), titles.end(), title) == titles.end())
+            return "no game titled \"" + title + "\" in the game menu";
+        library_.selectGame(title);
+        return {};
+    }
+    if (command == "start") {
+        if (!arity(0)) return wrongCount;
+        engine_.startGame(library_.currentRules(), menu_);
+        return {};
+    }
+    if (command == "return") {
+        if (!arity(0)) return wrongCount;
+        engine_.returnToMain();
+        return {};
+    }
+    if (command == "tick") {
+        if (w.size() > 2) return wrongCount;
+        unsigned long n = 1;
+        if (w.size() == 2 && !parseCount(w[1], n)) return "bad count \"" + w[1] + "\"";
+        for (unsigned long i = 0; i < n; ++i) engine_.processEvents();
+        return {};
+    }
+    if (command == "down" || command == "up" || command == "move") {
+        if (!arity(2)) return wrongCount;
+        const std::int64_t type = command == "down" ? kEventTypeMouseDown
+                                  : command == "up" ? kEventTypeMouseUp
+                                                    : kEventTypeMouseMoved;
+        return pointerEvent(type, w[1], w[2]);
+    }
+    if (command == "click" || command == "drag") {
+        const bool click = command == "click";
+        if (!arity(click ? 2 : 4)) return wrongCount;
+        float probe = 0;
+        for (std::size_t i = 1; i < w.size(); ++i)
+            if (!parseNumber(w[i], probe)) return "bad number \"" + w[i] + "\"";
+        pointerEvent(kEventTypeMouseDown, w[1], w[2]);
+        return click ? pointerEvent(kEventTypeMouseUp, w[1], w[2])
+                     : pointerEvent(kEventTypeMouseUp, w[3], w[4]);
+    }
+    if (command == "keydown" || command == "keyup" || command == "key") {
+        if (!arity(1)) return wrongCount;
+        std::uint16_t code = 0;
+        std::string characters;
+        if (!keyFor(w[1], code, characters)) return "bad key \"" + w[1] + "\"";
+        if (command == "keyup") return keyEvent(kEventTypeKeyUp, w[1]);
+        keyEvent(kEventTypeKeyDown, w[1]);
+        return command == "key" ? keyEvent(kEventTypeKeyUp, w[1]) : std::string();
+    }
+    if (command == "menu") {
+        if (!arity(1)) return wrongCount;
+        unsigned long n = 0;
+        if (!parseCount(w[1], n) || n < 1 || n > static_cast<unsigned long>(ActionsMenu::kItemCount))
+            return "no menu item \"" + w[1] + "\" (1 to 8)";
+        engine_.checkMenuAction(menu_, static_cast<int>(n - 1));
+        return {};
+    }
+    if (command == "board") {
+        if (!arity(0)) return wrongCount;
+        engine_.printBoardColors();
+        return {};
+    }
+    if (command == "dump") {
+        if (!arity(0)) return wrongCount;
+        dumpBoard();
+        return {};
+    }
+    if (command == "state") {
+        if (!arity(0)) return wrongCount;
+        printState();
+        return {};
+    }
+    return "unknown command \"" + command + "\"";
+}
+
+void ScriptRunner::dumpBoard() const {
+    if (!gameInfo) return;
+    const std::size_t h = gameInfo->boardHeight;
+    for (std::size_t n = 0; n < gameInfo->board.size() && h > 0; ++n) {
+        const BoardPiece& p = gameInfo->board[n];
+        std::printf("cell %zu %zu id=%" PRIu32 " color=%d shape=%d selected=%d\n", n / h, n % h,
+                    p.pieceID, static_cast<int>(p.colorIndex), static_cast<int>(p.shapeIndex),
+                    static_cast<int>(p.selected));
+    }
+}
+
+void ScriptRunner::printState() const {
+    const std::uint64_t score = gameInfo ? gameInfo->score : 0;
+    const std::uint64_t multiplier = gameInfo ? gameInfo->scoreMultiplier : 0;
+    std::printf("state score=%" PRIu64 " multiplier=%" PRIu64 " started=%d paused=%d\n", score,
+                multiplier, engine_.gameStarted(), engine_.gamePaused());
+}
+
+}  // namespace tolvar::sim

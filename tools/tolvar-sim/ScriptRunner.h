@@ -1,0 +1,38 @@
+// Runs a script of player commands against the engine, one line at a time.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+#include "HeadlessShell.h"
+#include "engine/Engine.h"
+#include "rules/ActionsMenu.h"
+#include "rules/GameLibrary.h"
+
+namespace tolvar::sim {
+
+class ScriptRunner {
+public:
+    ScriptRunner(GameLibrary& library, ActionsMenu& menu);
+
+    // Runs every line of in. Returns 0 at the end of the script, or 2 after the first line that
+    // cannot be run (with "tolvar-sim: line L: REASON" on standard error).
+    int run(std::FILE* in);
+
+private:
+    // Runs one line; returns an empty text, or why the line cannot be run.
+    std::string runLine(const std::string& line);
+    std::string pointerEvent(std::int64_t type, const std::string& xs, const std::string& ys);
+    std::string keyEvent(std::int64_t type, const std::string& key);
+    void poll();
+    void dumpBoard() const;
+    void printState() const;
+
+    GameLibrary& library_;
+    ActionsMenu& menu_;
+    HeadlessHost host_;
+    HeadlessView view_;
+    Engine engine_;
+};
+
+}  // namespace tolvar::sim
