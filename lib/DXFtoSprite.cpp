@@ -151,9 +151,12 @@ void processPolyLine(Sprite*, std::uint64_t*, std::uint64_t*, const char*, std::
 SpritePtr readDXFintoSprite(const char* path) {
     const FileData file = getFileData(path);
     if (!file.ok) return nullptr;
-    const char* data = file.bytes.data();
-    const std::uint64_t size = file.bytes.size();
+    return readDXFDataintoSprite(file.bytes.data(), file.bytes.size(), path);
+}
 
+SpritePtr readDXFDataintoSprite(const char* data, std::uint64_t size, const char* path) {
+    if (data == nullptr) size = 0;
+    if (path == nullptr) path = "";
     const std::uint64_t count = getVertexCount(data, size);
     if (count > UINT32_MAX) {
         fprintf(stderr, "%s: too many faces for one model (%llu vertices)\n", path,

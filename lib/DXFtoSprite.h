@@ -25,6 +25,10 @@ SpritePtr readDXFResourceFileintoSprite(const char* name);
 // The model in the file at path; none when the file is missing or unreadable.
 SpritePtr readDXFintoSprite(const char* path);
 
+// The model in data of size bytes already in memory, named name in the reader's messages;
+// readDXFintoSprite is getFileData followed by this.
+SpritePtr readDXFDataintoSprite(const char* data, std::uint64_t size, const char* name);
+
 // The reader's steps, over data of size bytes (the data is not zero-terminated).
 std::uint64_t getVertexCount(const char* data, std::uint64_t size);
 void process3DFace(Sprite* sprite, std::uint64_t* vertexIndex, std::uint64_t* position,
