@@ -39,6 +39,52 @@ struct XmlFree {
     void operator()(char* p) const { plist_to_xml_free(p); }
 };
 
+std::uint64_t readBigEndian(const unsigned char* p, std::size_t size) {
+    std::uint64_t v = 0;
+    for (std::size_t i = 0; i < size; ++i) v = (v << 8) | p[i];
+    return v;
+}
+
+// True when a binary property list holds a text with a zero byte (or a zero UTF-16 unit). The
+// reading library stops the program when such a text is a dictionary key, so these files are
+// refused before they are parsed; the game never writes such texts. Anything this scan cannot
+// make sense of is left to the parser, which refuses it.
+bool binaryHasZeroInText(const std::string& bytes) {
+    constexpr std::size_t kTrailer = 32;
+    const std::size_t n = bytes.size();
+    if (n < 8 + kTrailer) return false;
+    const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
+    const unsigned char* trailer = p + n - kTrailer;
+    const std::size_t offsetSize = trailer[6];
+    const std::uint64_t objectCount = readBigEndian(trailer + 8, 8);
+    const std::uint64_t tableOffset = readBigEndian(trailer + 24, 8);
+    if (offsetSize < 1 || offsetSize > 8 || tableOffset >= n - kTrailer) return false;
+    if (objectCount > (n - kTrailer - tableOffset) / offsetSize) return false;
+    for (std::uint64_t i = 0; i < objectCount; ++i) {
+        const std::uint64_t offset = readBigEndian(p + tableOffset + i * offsetSize, offsetSize);
+        if (offset >= n) continue;
+        const unsigned marker = p[offset];
+        const unsigned type = marker >> 4;
+        if (type != 0x5 && type != 0x6 && type != 0x7) continue;  // ASCII, UTF-16, UTF-8 texts
+        std::uint64_t length = marker & 0xF;
+        std::uint64_t pos = offset + 1;
+        if (length == 0xF) {
+            if (pos >= n || (p[pos] >> 4) != 0x1) continue;
+            const std::size_t intSize = std::size_t{1} << (p[pos] & 0xF);
+            if (intSize > 8 || pos + 1 + intSize > n) continue;
+            length = readBigEndian(p + pos + 1, intSize);
+            pos += 1 + intSize;
+        }
+        const std::uint64_t unit = type == 0x6 ? 2 : 1;
+        const std::uint64_t available = (n - pos) / unit;
+        const std::uint64_t count = length < available ? length : available;
+        for (std::uint64_t k = 0; k < count; ++k) {
+            if (unit == 1 ? p[pos + k] == 0 : (p[pos + 2 * k] == 0 && p[pos + 2 * k + 1] == 0)) return true;
+        }
+    }
+    return false;
+}
+
 struct ConvertError {
     std::string reason;
 };
@@ -187,6 +233,7 @@ std::variant<Value, PlistError> parsePropertyList(const std::string& bytes) {
     const auto length = static_cast<std::uint32_t>(bytes.size());
     plist_t raw = nullptr;
     const bool binary = plist_is_binary(bytes.data(), length) != 0;
+    if (binary && binaryHasZeroInText(bytes)) return PlistError{"holds a text with a zero byte"};
     if (binary)
         plist_from_bin(bytes.data(), length, &raw);
     else
