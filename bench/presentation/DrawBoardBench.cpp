@@ -1,0 +1,49 @@
+// The time of one full frame (drawBoard) of each built-in game, with the background image, on
+// whatever OpenGL the display offers (Mesa's software renderer under Xvfb). glFinish after each
+// frame makes the figure the whole drawing, not just the queuing of commands.
+#include <GL/gl.h>
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "BuiltinBoards.h"
+#include "GlTestWindow.h"
+
+namespace {
+
+using namespace tolvar;
+
+void drawBoardOf(benchmark::State& state, const std::string& name, bool withBackground) {
+    std::string why;
+    if (!test::openTestWindow(why)) {
+        state.SkipWithError(("no OpenGL window: " + why).c_str());
+        return;
+    }
+    test::RecordingHost host;
+    test::CountingWindow window;
+    GameView view(host, window.callbacks());
+    if (withBackground) view.loadBGTexture();
+    if (!bench::startBuiltinGame(name, view)) {
+        state.SkipWithError(("cannot start " + name).c_str());
+        return;
+    }
+    view.drawBoard();  // the model is read and sized on the first frame
+    glFinish();
+    for (auto _ : state) {
+        view.drawBoard();
+        glFinish();
+    }
+    state.counters["cells"] = static_cast<double>(gameInfo->board.size());
+    gameInfo.reset();
+}
+
+BENCHMARK_CAPTURE(drawBoardOf, Vexamor, std::string("Vexamor"), true)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(drawBoardOf, Trindle, std::string("Trindle"), true)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(drawBoardOf, Glimmet, std::string("Glimmet"), true)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(drawBoardOf, VexamorBlackBackground, std::string("Vexamor"), false)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace
+
+BENCHMARK_MAIN();
