@@ -113,32 +113,37 @@ std::uint32_t Board::getRegionLinearColorCountForPiece(const BoardPiece& piece,
     const int y0 = static_cast<int>(piece.y);
     const std::uint8_t color = piece.colorIndex;
     // The caller's flags were just zeroed and the walks mark only their own runs, so a run
-    // goes on while the next cell holds a piece of the colour.
-    std::vector<std::uint32_t> horizontal{piece.pieceID};
-    std::vector<std::uint32_t> vertical{piece.pieceID};
-    auto walk = [&](int dx, int dy, std::vector<std::uint32_t>& run) {
-        std::uint32_t steps = 0;
+    // goes on while the next cell holds a piece of the colour. A run is a straight stretch of
+    // cells, so its ends are all that need remembering.
+    auto walk = [&](int dx, int dy) {
+        int steps = 0;
         int x = x0 + dx, y = y0 + dy;
         while (x >= 0 && x < game_.boardWidth && y >= 0 && y < game_.boardHeight) {
             const BoardPiece& next = getBoardPieceAtX(x, y);
             if (next.pieceID == 0 || next.colorIndex != color) break;
-            run.push_back(next.pieceID);
             ++steps;
             x += dx;
             y += dy;
         }
         return steps;
     };
-    const std::uint32_t left = walk(-1, 0, horizontal);
-    const std::uint32_t right = walk(1, 0, horizontal);
-    const std::uint32_t down = walk(0, -1, vertical);
-    const std::uint32_t up = walk(0, 1, vertical);
-    const std::uint32_t horizontalRun = left + right + 1;
-    const std::uint32_t verticalRun = down + up + 1;
-    if (verticalRun > game_.setupMaxLinearColors)
-        for (std::uint32_t n : vertical) flags.set(n);
-    if (horizontalRun > game_.setupMaxLinearColors)
-        for (std::uint32_t n : horizontal) flags.set(n);
+    const int left = walk(-1, 0);
+    const int right = walk(1, 0);
+    const int down = walk(0, -1);
+    const int up = walk(0, 1);
+    const std::uint32_t horizontalRun = static_cast<std::uint32_t>(left + right + 1);
+    const std::uint32_t verticalRun = static_cast<std::uint32_t>(down + up + 1);
+    const std::size_t h = game_.boardHeight;
+    if (verticalRun > game_.setupMaxLinearColors) {
+        flags.set(piece.pieceID);
+        for (int y = y0 - down; y <= y0 + up; ++y)
+            if (y != y0) flags.set(game_.board[static_cast<std::size_t>(x0) * h + y].pieceID);
+    }
+    if (horizontalRun > game_.setupMaxLinearColors) {
+        flags.set(piece.pieceID);
+        for (int x = x0 - left; x <= x0 + right; ++x)
+            if (x != x0) flags.set(game_.board[static_cast<std::size_t>(x) * h + y0].pieceID);
+    }
     return std::max(horizontalRun, verticalRun);
 }
 

@@ -1,0 +1,273 @@
+// What the rule engine costs on boards from 8 x 8 to 255 x 255.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "engine/Board.h"
+#include "engine/BoardActions.h"
+#include "engine/BoardLayout.h"
+#include "engine/BoardSetup.h"
+#include "engine/Completion.h"
+#include "engine/Engine.h"
+#include "engine/EngineContext.h"
+#include "rules/BuiltinGames.h"
+#include "rules/GameLibrary.h"
+#include "rules/RulesDict.h"
+
+namespace {
+
+using namespace tolvar;
+
+// The engine's diagnostic lines go to /dev/null while a benchmark runs; the results are
+// printed after it returns.
+class Silence {
+public:
+    Silence() {
+        std::fflush(stdout);
+        saved_ = dup(1);
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, 1);
+        close(null);
+    }
+    ~Silence() {
+        std::fflush(stdout);
+        dup2(saved_, 1);
+        close(saved_);
+    }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+private:
+    int saved_;
+};
+
+class NullView : public View {
+public:
+    void drawBoard() override {}
+    void animatePiece(const BoardPiece&, std::uint32_t, std::uint32_t, std::uint32_t,
+                      std::uint32_t) override {}
+    void displayScores(const Value&, int) override {}
+    void clearPieceSprites(int) override {}
+    void pauseForFlash() override {}
+};
+
+class NullHost : public Host {
+public:
+    CurrentEvent currentEvent() override { return event; }
+    void runAlert(const std::string&, const std::string&, const std::string&) override {}
+    bool scoresTimerRunning() const override { return false; }
+    void startScoresTimer(const Value&) override {}
+    void stopScoresTimer() override {}
+    void resetProjection() override {}
+    void showGameWindow() override {}
+    void hideGameWindow() override {}
+    void showMainWindow() override {}
+    void hideMainWindow() override {}
+    void scheduleEngineTimers() override {}
+    std::string dataFolder() override { return folder; }
+    CurrentEvent event;
+    std::string folder = std::filesystem::temp_directory_path().string();
+};
+
+Value builtin(int which) {
+    return which == 1 ? createTestGameOne() : which == 2 ? createTestGameTwo() : createTestGameThree();
+}
+
+// The records of a built-in game on a board of size x size, set up from a fixed seed.
+void installGame(int which, int size) {
+    Value rules = builtin(which);
+    rules.asDictionary()->set("BoardWidth", Value::integer(size));
+    rules.asDictionary()->set("BoardHeight", Value::integer(size));
+    ActionsMenu menu;
+    gameInfo = createStructsFromRulesDict(&rules, menu);
+    NullView view;
+    srandom(12345);
+    setupGame(*gameInfo, view);
+}
+
+// A board on which no move is left for any of the games, so the completion test looks at
+// every cell: colours (x + 2y) mod 8 have no neighbour of the same colour, and no swap of
+// neighbours lines up three.
+void noMoveBoard() {
+    for (BoardPiece& p : gameInfo->board) {
+        p.pieceID = p.x * gameInfo->boardHeight + p.y + 1;
+        p.colorIndex = static_cast<std::uint8_t>((p.x + 2 * p.y) % 8 + 1);
+    }
+}
+
+void completion(benchmark::State& state, bool worstCase) {
+    Silence quiet;
+    const int which = static_cast<int>(state.range(0));
+    const int size = static_cast<int>(state.range(1));
+    installGame(which, size);
+    if (worstCase) noMoveBoard();
+    NullView view;
+    NullHost host;
+    EngineContext ctx(view, host);
+    Completion test(ctx);
+    for (auto _ : state) {
+        test.performActionCheckForGameCompletion();
+        gameInfo->eventQueue.reset();
+    }
+    state.counters["ns_per_cell"] = benchmark::Counter(
+        static_cast<double>(size) * size, benchmark::Counter::kIsIterationInvariantRate |
+                                              benchmark::Counter::kInvert);
+    state.SetLabel(gameInfo->gameName);
+    gameInfo.reset();
+}
+
+void BM_CompletionRandomBoard(benchmark::State& state) { completion(state, false); }
+void BM_CompletionNoMoveLeft(benchmark::State& state) { completion(state, true); }
+
+void sizes(benchmark::internal::Benchmark* b) {
+    for (int game = 1; game <= 3; ++game)
+        for (int size : {8, 64, 255}) b->Args({game, size});
+    b->Unit(benchmark::kMicrosecond);
+}
+BENCHMARK(BM_CompletionRandomBoard)->Apply(sizes);
+BENCHMARK(BM_CompletionNoMoveLeft)->Apply(sizes);
+
+// One pass of line resolution over a fresh board (no line), and one that removes a planted
+// line of four and refills nothing.
+void BM_ResolveMatches(benchmark::State& state) {
+    Silence quiet;
+    const int size = static_cast<int>(state.range(0));
+    const bool planted = state.range(1) != 0;
+    installGame(3, size);
+    const std::vector<BoardPiece> fresh = gameInfo->board;
+    NullView view;
+    NullHost host;
+    EngineContext ctx(view, host);
+    BoardActions actions(ctx);
+    for (auto _ : state) {
+        state.PauseTiming();
+        gameInfo->board = fresh;
+        gameInfo->eventQueue.reset();
+        if (planted)
+            for (int x = 0; x < 4; ++x) gameInfo->board[x * size + size / 2].colorIndex = 9;
+        state.ResumeTiming();
+        actions.performActionResolveMatches();
+    }
+    state.counters["ns_per_cell"] = benchmark::Counter(
+        static_cast<double>(size) * size, benchmark::Counter::kIsIterationInvariantRate |
+                                              benchmark::Counter::kInvert);
+    gameInfo.reset();
+}
+BENCHMARK(BM_ResolveMatches)
+    ->Args({8, 0})->Args({64, 0})->Args({255, 0})
+    ->Args({8, 1})->Args({64, 1})->Args({255, 1})
+    ->Unit(benchmark::kMicrosecond);
+
+// Falling pieces after a quarter of the cells were emptied.
+void BM_FallingPieces(benchmark::State& state) {
+    Silence quiet;
+    const int size = static_cast<int>(state.range(0));
+    installGame(1, size);
+    srandom(99);
+    for (BoardPiece& p : gameInfo->board)
+        if (random() % 4 == 0) p.pieceID = 0;
+    const std::vector<BoardPiece> holed = gameInfo->board;
+    NullView view;
+    NullHost host;
+    EngineContext ctx(view, host);
+    BoardActions actions(ctx);
+    for (auto _ : state) {
+        state.PauseTiming();
+        gameInfo->board = holed;
+        state.ResumeTiming();
+        actions.performActionCollapseInDirection(kDirectionDown);
+    }
+    gameInfo.reset();
+}
+BENCHMARK(BM_FallingPieces)->Arg(8)->Arg(64)->Arg(255)->Unit(benchmark::kMicrosecond);
+
+// The region count of a one-colour 255 x 255 board: one region of 65,025 pieces.
+void BM_RegionCountOneColour(benchmark::State& state) {
+    {
+        Silence quiet;
+        installGame(1, 255);
+    }
+    for (BoardPiece& p : gameInfo->board) p.colorIndex = 2;
+    Board board(*gameInfo);
+    Flags flags = board.makeFlags();
+    for (auto _ : state) {
+        flags.clear();
+        benchmark::DoNotOptimize(board.getRegionColorCountForPiece(board.getBoardPieceAtX(127, 127), flags));
+    }
+    gameInfo.reset();
+}
+BENCHMARK(BM_RegionCountOneColour)->Unit(benchmark::kMicrosecond);
+
+// A whole game of the small line-swap scenario, from its script, through the engine facade.
+void BM_WholeGameFromScript(benchmark::State& state) {
+    Silence quiet;
+    const std::string dir = TOLVAR_SCENARIO_DIR;
+    std::ifstream scriptFile(dir + "/glimmet.script");
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(scriptFile, line);) lines.push_back(line);
+    std::ifstream seedFile(dir + "/glimmet.seed");
+    unsigned seed = 1;
+    seedFile >> seed;
+    GameLibrary library;
+    library.loadRulesFromFile(dir + "/glimmet-5x5.dict");
+    library.selectGame("Glimmet");
+    const auto folder = std::filesystem::temp_directory_path() / "tolvar-bench-scores";
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder);
+        state.ResumeTiming();
+        srandom(seed);
+        NullView view;
+        NullHost host;
+        host.folder = folder.string();
+        ActionsMenu menu;
+        Engine engine(view, host);
+        auto pointer = [&](std::int64_t type, float x, float y) {
+            host.event = CurrentEvent{};
+            host.event.type = type;
+            host.event.x = x;
+            host.event.y = y;
+            engine.checkUserEvents();
+        };
+        for (const std::string& line : lines) {
+            std::istringstream words(line);
+            std::string command;
+            words >> command;
+            if (command == "start") {
+                engine.startGame(library.currentRules(), menu);
+            } else if (command == "tick") {
+                engine.processEvents();
+            } else if (command == "drag") {
+                float x1, y1, x2, y2;
+                words >> x1 >> y1 >> x2 >> y2;
+                pointer(kEventTypeMouseDown, x1, y1);
+                pointer(kEventTypeMouseUp, x2, y2);
+            }
+        }
+        if (!engine.gamePaused()) state.SkipWithError("the game did not end");
+    }
+    std::filesystem::remove_all(folder);
+    gameInfo.reset();
+}
+BENCHMARK(BM_WholeGameFromScript)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // The rules loader makes the data folder: keep it out of the user's own.
+    const auto home = std::filesystem::temp_directory_path() / "tolvar-bench-home";
+    setenv("XDG_DATA_HOME", home.c_str(), 1);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,4 @@
+# Random bytes as the player's best-score file, through the end-of-game best-score check.
+tolvar_fuzz_target(fuzz_best_scores
+  SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/engine/BestScoresFuzz.cpp
+  LIBS tolvar_engine)

@@ -1,0 +1,101 @@
+// Any bytes as "BestScores.dict": the best-score check never crashes or hangs, never loses
+// the player's file (an unreadable one is kept aside byte for byte), and always leaves a
+// table that reads back.
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <variant>
+
+#include "engine/Completion.h"
+#include "engine/EngineContext.h"
+#include "platform/PlistFile.h"
+
+namespace {
+
+using namespace tolvar;
+
+class QuietView : public View {
+public:
+    void drawBoard() override {}
+    void animatePiece(const BoardPiece&, std::uint32_t, std::uint32_t, std::uint32_t,
+                      std::uint32_t) override {}
+    void displayScores(const Value& scores, int highlight) override {
+        if (highlight >= 0 && !scores.asArray()) std::abort();
+    }
+    void clearPieceSprites(int) override {}
+    void pauseForFlash() override {}
+};
+
+class QuietHost : public Host {
+public:
+    explicit QuietHost(std::string folder) : folder_(std::move(folder)) {}
+    CurrentEvent currentEvent() override { return {}; }
+    void runAlert(const std::string&, const std::string&, const std::string&) override {}
+    bool scoresTimerRunning() const override { return false; }
+    void startScoresTimer(const Value&) override {}
+    void stopScoresTimer() override {}
+    void resetProjection() override {}
+    void showGameWindow() override {}
+    void hideGameWindow() override {}
+    void showMainWindow() override {}
+    void hideMainWindow() override {}
+    void scheduleEngineTimers() override {}
+    std::string dataFolder() override { return folder_; }
+
+private:
+    std::string folder_;
+};
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+const std::string& folder() {
+    static const std::string path = [] {
+        auto p = std::filesystem::temp_directory_path() /
+                 ("tolvar-fuzz-best-scores-" + std::to_string(getpid()));
+        std::filesystem::create_directories(p);
+        return p.string();
+    }();
+    return path;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string file = folder() + "/BestScores.dict";
+    const std::string aside = file + ".unreadable";
+    std::filesystem::remove(aside);
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    {
+        std::ofstream out(file, std::ios::binary | std::ios::trunc);
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+    // The first bytes choose the game's name, score and order, so every path is reached.
+    gameInfo = std::make_unique<GameInfo>();
+    gameInfo->gameName = size > 0 && (data[0] & 1) ? "Glimmet" : "Vexamor";
+    gameInfo->score = size > 1 ? static_cast<std::uint64_t>(data[1]) * 7 : 30;
+    QuietView view;
+    QuietHost host(folder());
+    EngineContext ctx(view, host);
+    GameAction action;
+    action.lowerIsBetter = size > 2 ? (data[2] & 1) : 1;
+    BestScores(ctx).performActionCheckBestScores(action);
+    gameInfo.reset();
+
+    const bool keptAside = std::filesystem::exists(aside);
+    if (keptAside && slurp(aside) != bytes) std::abort();  // the player's bytes are kept
+    if (!keptAside && std::holds_alternative<PlistError>(parsePropertyList(bytes))) {
+        // An unreadable table is never written over without being kept aside.
+        if (slurp(file) != bytes) std::abort();
+    }
+    if (keptAside && std::holds_alternative<PlistError>(readPropertyListFile(file))) std::abort();
+    return 0;
+}
