@@ -39,7 +39,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
         if (ImGui::BeginMenu("Tolvar")) {
             if (ImGui::MenuItem("Start Game", nullptr, false, library.currentRules() != nullptr))
                 commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
-            if (ImGui::MenuItem("Return to Main Window", nullptr, false, gameRunning))
+            if (ImGui::MenuItem("Return to Main Window", "Ctrl+W", false, gameRunning))
                 commands.push_back({ShellCommand::Kind::ReturnToMain, {}, -1});
             ImGui::Separator();
             if (ImGui::MenuItem("Quit", "Ctrl+Q")) commands.push_back({ShellCommand::Kind::Quit, {}, -1});
@@ -155,6 +155,15 @@ int ActionsPopup::draw(const ActionsMenu& menu) {
         }
         ImGui::PopStyleColor();
     }
+    // Leaving the game, for a player whose main window is hidden.
+    const float separatorY = static_cast<float>(kPadding + ActionsMenu::kItemCount * kRowHeight);
+    ImGui::SetCursorPos(ImVec2(8, separatorY + kSeparatorHeight / 2.0f));
+    ImGui::Separator();
+    const float returnY = separatorY + kSeparatorHeight;
+    ImGui::SetCursorPos(ImVec2(0, returnY));
+    if (ImGui::Selectable("##return", false, 0, ImVec2(width, static_cast<float>(kRowHeight)))) chosen = kReturnToMain;
+    ImGui::SetCursorPos(ImVec2(16, returnY + (static_cast<float>(kRowHeight) - ImGui::GetTextLineHeight()) * 0.5f));
+    ImGui::TextUnformatted("Return to Main Window");
     ImGui::End();
     ImGui::PopStyleVar(3);
     surface_.endFrame();

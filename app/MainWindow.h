@@ -47,7 +47,10 @@ public:
     static constexpr int kWidth = 260;
     static constexpr int kPadding = 6;
     static constexpr int kRowHeight = 30;
-    static constexpr int kHeight = 2 * kPadding + ActionsMenu::kItemCount * kRowHeight;
+    static constexpr int kSeparatorHeight = 9;
+    // The "Actions" items, a separator, then "Return to Main Window".
+    static constexpr int kHeight = 2 * kPadding + (ActionsMenu::kItemCount + 1) * kRowHeight + kSeparatorHeight;
+    static constexpr int kReturnToMain = -2;
 
     ActionsPopup(const std::string& fontFile, float fontPixels);
 
@@ -58,7 +61,7 @@ public:
     void close();
     bool isOpen() const { return surface_.isVisible(); }
 
-    // One frame; returns the chosen item's index, or -1.
+    // One frame; returns the chosen item's index, kReturnToMain, or -1.
     int draw(const ActionsMenu& menu);
 
 private:

@@ -150,6 +150,9 @@ void TolvarAppDelegate::drawWindows() {
             if (chosen >= 0) {
                 popup_->close();
                 checkMenuAction(chosen);
+            } else if (chosen == ActionsPopup::kReturnToMain) {
+                popup_->close();
+                returnToMain();
             }
         }
     }
@@ -256,6 +259,10 @@ void TolvarAppDelegate::keyShortcuts(const SDL_Event& event) {
     const bool command = (mod & (KMOD_CTRL | KMOD_GUI)) != 0;
     if (command && event.key.keysym.sym == SDLK_q) {
         terminate();
+        return;
+    }
+    if (command && event.key.keysym.sym == SDLK_w) {  // closes the game window
+        if (gameWindow && gameWindow->isVisible()) returnToMain();
         return;
     }
     if (command || (mod & KMOD_ALT)) return;
