@@ -380,8 +380,7 @@ void applyAnimation(const Sprite* sprite) {
 }  // namespace
 
 int vertexInBoxCollision(const Sprite* a, const Sprite* b, float* hitPoint) {
-    float boxHit[3] = {0.0f, 0.0f, 0.0f};
-    if (!boundingBoxCollision(a, b, boxHit)) return 0;
+    if (!boundingBoxCollision(a, b, hitPoint)) return 0;
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
     applyAnimation(a);
@@ -430,28 +429,43 @@ void deleteSpriteList(Sprite* list, int freeRecords) {
     }
 }
 
+namespace {
+
+// A frame carries the sequence's flag and first frame too; it is told from the sequence by
+// being one of the frames itself.
+bool isOneOfItsFrames(const Sprite* sprite) {
+    std::unordered_set<const Sprite*> seen;
+    for (const Sprite* frame = sprite->frames; frame != nullptr && seen.insert(frame).second;
+         frame = frame->nextFrame)
+        if (frame == sprite) return true;
+    return false;
+}
+
+}  // namespace
+
 void deleteSprite(Sprite* sprite, int freeRecord) {
     if (sprite == nullptr) return;
-    if (sprite->isSequence || sprite->frames != nullptr) {
+    if (sprite->frames != nullptr && !isOneOfItsFrames(sprite)) {
         // The frames belong to the sequence: each is deleted once, walking nextFrame. A frame's
         // own isSequence and frames lead back into this sequence and are not followed.
         Sprite* first = sprite->frames;
         sprite->frames = nullptr;
         sprite->currentFrame = nullptr;
         sprite->isSequence = 0;
-        if (first != sprite) {
-            std::unordered_set<Sprite*> seen;
-            for (Sprite* frame = first; frame != nullptr && frame != sprite && seen.insert(frame).second;) {
-                Sprite* following = frame->nextFrame;
-                frame->isSequence = 0;
-                frame->frames = nullptr;
-                frame->currentFrame = nullptr;
-                frame->nextFrame = nullptr;
-                frame->next = nullptr;
-                deleteSprite(frame, 1);
-                frame = following;
-            }
+        std::unordered_set<Sprite*> seen;
+        for (Sprite* frame = first; frame != nullptr && seen.insert(frame).second;) {
+            Sprite* following = frame->nextFrame;
+            frame->isSequence = 0;
+            frame->frames = nullptr;
+            frame->currentFrame = nullptr;
+            frame->nextFrame = nullptr;
+            frame->next = nullptr;
+            deleteSprite(frame, 1);
+            frame = following;
         }
+    } else if (sprite->frames == nullptr) {
+        sprite->isSequence = 0;
+        sprite->currentFrame = nullptr;
     }
     if (sprite->children != nullptr) {
         // Children are owned: their records go with them even when this record is kept.

@@ -94,7 +94,7 @@ def dxf(triangles):
 
 def main():
     here = os.path.dirname(os.path.abspath(__file__))
-    out = sys.argv[1] if len(sys.argv) > 1 else os.path.join(here, "..", "..", "resources", "Spikes.dxf")
+    out = sys.argv[1] if len(sys.argv) > 1 else os.path.normpath(os.path.join(here, "..", "..", "resources", "Spikes.dxf"))
     triangles = spiky_triangles()
     with open(out, "w", newline="\n") as f:
         f.write(dxf(triangles))

@@ -244,6 +244,26 @@ TEST(Release, SequencesFramesAndChildrenGoOnce) {
     EXPECT_TRUE(kept->normals.empty());
     EXPECT_TRUE(kept->texCoords.empty());
 
+    // Emptying one frame on its own leaves its sequence and the other frames whole.
+    Sprite* again = loose();
+    Sprite* f0 = loose();
+    Sprite* f1 = loose();
+    for (Sprite* f : {f0, f1}) {
+        f->isSequence = 1;
+        f->frames = f0;
+        f->vertices.assign(3, 2.0f);
+    }
+    f0->nextFrame = f1;
+    again->isSequence = 1;
+    again->frames = f0;
+    again->currentFrame = f0;
+    deleteSprite(f1, 0);
+    EXPECT_TRUE(f1->vertices.empty());
+    EXPECT_EQ(f0->vertices.size(), 3u);
+    EXPECT_EQ(f1->frames, f0);
+    EXPECT_EQ(again->frames, f0);
+    deleteSprite(again, 1);
+
     Sprite* list = loose();
     addSpriteToList(list, loose());
     addSpriteToList(list, loose());
