@@ -340,11 +340,22 @@ void TolvarAppDelegate::showGameWindow() {
     if (!gameWindow) return;
     gameWindow->orderFront();
     gameWindow->makeCurrentContext();
+    if (eventTickSuspended_) {
+        eventTickSuspended_ = false;
+        eventTimer = timers_.schedule(kEventTimerInterval, [this] { eventTick(); });
+    }
 }
 
 void TolvarAppDelegate::hideGameWindow() {
     if (popup_) popup_->close();
     if (gameWindow) gameWindow->orderOut();
+    // Nobody sees a hidden game: its tick rests until the window is shown again, so the game
+    // costs nothing while the player is in the main window. Queued events wait for it.
+    if (eventTimer != 0) {
+        timers_.invalidate(eventTimer);
+        eventTimer = 0;
+        eventTickSuspended_ = true;
+    }
 }
 
 void TolvarAppDelegate::showMainWindow() {
@@ -358,13 +369,16 @@ void TolvarAppDelegate::hideMainWindow() {
 }
 
 void TolvarAppDelegate::scheduleEngineTimers() {
-    if (eventTimer != 0) return;
-    eventTimer = timers_.schedule(kEventTimerInterval, [this] {
-        engine_->processEvents();
-        // An event that came while a start was pending is seen once the start has gone through.
-        checkUserEvents();
-    });
+    if (eventTimer != 0 || eventTickSuspended_) return;
+    eventTimer = timers_.schedule(kEventTimerInterval, [this] { eventTick(); });
     userEventTimer = true;
+}
+
+void TolvarAppDelegate::eventTick() {
+    gameWindow->makeCurrentContext();
+    engine_->processEvents();
+    // An event that came while a start was pending is seen once the start has gone through.
+    checkUserEvents();
 }
 
 std::string TolvarAppDelegate::dataFolder() { return tolvarFolderPath(); }

@@ -58,6 +58,7 @@ private:
     void dispatch(const SDL_Event& event);
     void keyShortcuts(const SDL_Event& event);
     void checkUserEvents();
+    void eventTick();
     void runCommands(const std::vector<ShellCommand>& commands);
     void drawWindows();
     std::string menuSignature() const;
@@ -72,6 +73,7 @@ private:
 
     Timers timers_;
     Timers::Id eventTimer = 0;
+    bool eventTickSuspended_ = false;  // the game window is hidden
     bool userEventTimer = false;  // the input poll: after every event and every tick
     Timers::Id scoresTimer = 0;
     Value scoresList_;
