@@ -147,6 +147,23 @@ std::uint32_t Board::getRegionLinearColorCountForPiece(const BoardPiece& piece,
     return std::max(horizontalRun, verticalRun);
 }
 
+std::uint32_t Board::straightRunLength(const BoardPiece& piece) const {
+    const BoardPiece* cells = game_.board.data();
+    const int w = game_.boardWidth, h = game_.boardHeight;
+    const int x0 = static_cast<int>(piece.x), y0 = static_cast<int>(piece.y);
+    const std::uint8_t color = piece.colorIndex;
+    auto same = [&](int x, int y) {
+        const BoardPiece& c = cells[static_cast<std::size_t>(x) * h + y];
+        return c.pieceID != 0 && c.colorIndex == color;
+    };
+    std::uint32_t horizontal = 1, vertical = 1;
+    for (int x = x0 - 1; x >= 0 && same(x, y0); --x) ++horizontal;
+    for (int x = x0 + 1; x < w && same(x, y0); ++x) ++horizontal;
+    for (int y = y0 - 1; y >= 0 && same(x0, y); --y) ++vertical;
+    for (int y = y0 + 1; y < h && same(x0, y); ++y) ++vertical;
+    return std::max(horizontal, vertical);
+}
+
 void Board::selectFlaggedPieces(const Flags& flags) const {
     for (std::uint32_t n : flags.setNumbers()) {
         BoardPiece* piece = getPieceByID(n);

@@ -32,6 +32,9 @@ public:
     // Longer of the horizontal and vertical runs of piece's colour through it. Zeroes flags,
     // then flags the pieces of each run longer than setupMaxLinearColors.
     std::uint32_t getRegionLinearColorCountForPiece(const BoardPiece& piece, Flags& flags) const;
+    // The same length, read straight from the board without touching any flags: for tests
+    // that only need the number.
+    std::uint32_t straightRunLength(const BoardPiece& piece) const;
     void selectRegionColorPieces(BoardPiece& piece, Flags& flags) const;
     void deSelectRegionColorPieces(BoardPiece& piece, Flags& flags) const;
     void selectFlaggedPieces(const Flags& flags) const;

@@ -55,14 +55,14 @@ void Completion::performActionCheckForGameCompletion() {
             done = many == 0 || (many == 1 && present == 1);
             if (!done && game.setupMaxLinearColors != 0) {
                 done = true;
-                Flags flags = board.makeFlags();
+                // Only the lengths of the runs matter here, so they are read without flags.
                 const std::uint32_t limit = game.setupMaxLinearColors;
                 bool found = false;
                 for (int x = 0; x < w && !found; ++x) {
                     for (int y = 0; y < h && !found; ++y) {
                         BoardPiece& p = board.getBoardPieceAtX(x, y);
                         if (p.pieceID == 0) continue;
-                        if (board.getRegionLinearColorCountForPiece(p, flags) > limit) {
+                        if (board.straightRunLength(p) > limit) {
                             found = true;
                             break;
                         }
@@ -73,9 +73,10 @@ void Completion::performActionCheckForGameCompletion() {
                             const int qx = x + step[0], qy = y + step[1];
                             if (qx < 0 || qx >= w || qy < 0 || qy >= h) continue;
                             BoardPiece& q = board.getBoardPieceAtX(qx, qy);
-                            if (q.pieceID == 0) continue;
+                            // Swapping two pieces of one colour changes nothing.
+                            if (q.pieceID == 0 || q.colorIndex == p.colorIndex) continue;
                             std::swap(p.colorIndex, q.colorIndex);
-                            const std::uint32_t run = board.getRegionLinearColorCountForPiece(p, flags);
+                            const std::uint32_t run = board.straightRunLength(p);
                             std::swap(p.colorIndex, q.colorIndex);
                             if (run > limit) {
                                 found = true;

@@ -223,3 +223,22 @@ TEST(BoardQueryTest, FreePieceNumbersAndAppearanceCopy) {
 
 }  // namespace
 }  // namespace tolvar
+
+namespace tolvar {
+namespace {
+
+TEST(BoardRunTest, RunLengthWithoutFlagsAgreesWithTheFlaggingQuery) {
+    srandom(21);
+    std::vector<int> colours(17 * 9);
+    for (int& c : colours) c = static_cast<int>(random() % 4);  // 0: holes
+    auto game = testing::makeGame(17, 9, colours);
+    game->setupMaxLinearColors = 2;
+    Board board(*game);
+    Flags flags = board.makeFlags();
+    for (const BoardPiece& p : game->board)
+        ASSERT_EQ(board.straightRunLength(p), board.getRegionLinearColorCountForPiece(p, flags))
+            << p.x << "," << p.y;
+}
+
+}  // namespace
+}  // namespace tolvar
