@@ -1,5 +1,7 @@
 #include "MyWindow.h"
 
+#include <SDL_opengl.h>
+
 #include <cstdio>
 
 #include "engine/Engine.h"
@@ -55,6 +57,37 @@ void MyWindow::flushBuffer() {
     // Single-buffered: what was flushed is already on the screen; swapping is a no-op for such a
     // context but lets the system present it where it must.
     if (valid()) SDL_GL_SwapWindow(window_.get());
+}
+
+void MyWindow::redisplay() {
+    if (!valid() || !isVisible()) return;
+    int w = 0, h = 0;
+    SDL_GL_GetDrawableSize(window_.get(), &w, &h);
+    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    glMatrixMode(GL_PROJECTION);
+    glPushMatrix();
+    glLoadIdentity();
+    glOrtho(0.0, w, 0.0, h, -1.0, 1.0);
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    glLoadIdentity();
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_LIGHTING);
+    glDisable(GL_TEXTURE_2D);
+    glDisable(GL_TEXTURE_RECTANGLE_ARB);
+    glDisable(GL_BLEND);
+    glDisable(GL_CULL_FACE);
+    glReadBuffer(GL_FRONT);
+    glDrawBuffer(GL_FRONT);
+    glRasterPos2i(0, 0);
+    glCopyPixels(0, 0, w, h, GL_COLOR);
+    glMatrixMode(GL_MODELVIEW);
+    glPopMatrix();
+    glMatrixMode(GL_PROJECTION);
+    glPopMatrix();
+    glPopAttrib();
+    glFlush();
+    flushBuffer();
 }
 
 void MyWindow::mouseLocation(double& x, double& y) const {

@@ -33,6 +33,9 @@ public:
     void flushBuffer();
     // The mouse in screen coordinates, origin at the lower left of the screen.
     void mouseLocation(double& x, double& y) const;
+    // Shows the last frame again after something covered the window (a menu, an alert): the
+    // single-buffered context still holds it, so it is copied onto itself and flushed.
+    void redisplay();
 
     void orderFront();   // shows it, raises it and gives it the keyboard
     void orderOut();     // hides it

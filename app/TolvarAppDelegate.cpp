@@ -148,10 +148,10 @@ void TolvarAppDelegate::drawWindows() {
             const int chosen = popup_->draw(menu_);
             gameWindow->makeCurrentContext();
             if (chosen >= 0) {
-                popup_->close();
+                closePopup();
                 checkMenuAction(chosen);
             } else if (chosen == ActionsPopup::kReturnToMain) {
-                popup_->close();
+                closePopup();
                 returnToMain();
             }
         }
@@ -207,10 +207,17 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     if (windowID == 0 && (event.type == SDL_KEYDOWN || event.type == SDL_KEYUP || event.type == SDL_TEXTINPUT))
         windowID = gameWindow && gameWindow->isVisible() ? gameID : mainID;
 
+    if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_EXPOSED && windowID == gameID) {
+        // Uncovered (a menu or an alert went away): the last frame goes up again at once, also
+        // when no timer will draw a new one (a stopped score screen).
+        gameWindow->makeCurrentContext();
+        gameWindow->redisplay();
+        return;
+    }
     if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_CLOSE) {
         if (windowID == gameID) returnToMain();
         else if (windowID == mainID) terminate();
-        else if (windowID == popupID && popup_) popup_->close();
+        else if (windowID == popupID && popup_) closePopup();
         return;
     }
 
@@ -218,7 +225,14 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     // window's events.
     if (windowID == popupID && popup_) {
         if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE) {
-            popup_->close();
+            closePopup();
+            return;
+        }
+        // A click outside the open menu dismisses it (the menu holds the mouse while open).
+        if (event.type == SDL_MOUSEBUTTONDOWN &&
+            (event.button.x < 0 || event.button.y < 0 || event.button.x >= ActionsPopup::kWidth ||
+             event.button.y >= ActionsPopup::kHeight)) {
+            closePopup();
             return;
         }
         if (popup_->surface().processEvent(event)) popupFrames_ = kMainWindowFramesPerChange;
@@ -240,7 +254,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     if (windowID == gameID) {
         // A click anywhere in the game window closes an open pop-up; the right button opens it.
         if (popup_ && popup_->isOpen() && (current->type == kEventTypeMouseDown || current->type == kEventTypeRightMouseDown))
-            popup_->close();
+            closePopup();
         if (current->type == kEventTypeRightMouseDown && popup_) {
             int gx = 0, gy = 0;
             SDL_GetGlobalMouseState(&gx, &gy);
@@ -278,6 +292,13 @@ void TolvarAppDelegate::keyShortcuts(const SDL_Event& event) {
     }
 }
 
+void TolvarAppDelegate::closePopup() {
+    if (!popup_ || !popup_->isOpen()) return;
+    popup_->close();
+    // The keyboard goes back to the game window (no window manager hands it back by itself).
+    if (gameWindow && gameWindow->isVisible()) SDL_SetWindowInputFocus(gameWindow->sdlWindow());
+}
+
 void TolvarAppDelegate::checkUserEvents() {
     if (userEventTimer && engine_) engine_->checkUserEvents();
 }
@@ -295,7 +316,7 @@ void TolvarAppDelegate::startGame() {
 }
 
 void TolvarAppDelegate::returnToMain() {
-    if (popup_) popup_->close();
+    if (popup_) closePopup();
     gameWindow->makeCurrentContext();
     engine_->returnToMain();
 }
@@ -308,8 +329,10 @@ void TolvarAppDelegate::checkMenuAction(int itemIndex) {
 // ---------------------------------------------------------------- Host
 
 void TolvarAppDelegate::runAlert(const std::string& title, const std::string& message, const std::string& button) {
-    runAlertPanel(gameWindow && gameWindow->isVisible() ? gameWindow->sdlWindow() : nullptr, title, message, button);
+    const bool gameShown = gameWindow && gameWindow->isVisible();
+    runAlertPanel(gameShown ? gameWindow->sdlWindow() : nullptr, title, message, button);
     if (gameWindow) gameWindow->makeCurrentContext();
+    if (gameShown) SDL_SetWindowInputFocus(gameWindow->sdlWindow());
 }
 
 bool TolvarAppDelegate::scoresTimerRunning() const { return timers_.isValid(scoresTimer); }
@@ -347,7 +370,7 @@ void TolvarAppDelegate::showGameWindow() {
 }
 
 void TolvarAppDelegate::hideGameWindow() {
-    if (popup_) popup_->close();
+    if (popup_) closePopup();
     if (gameWindow) gameWindow->orderOut();
     // Nobody sees a hidden game: its tick rests until the window is shown again, so the game
     // costs nothing while the player is in the main window. Queued events wait for it.

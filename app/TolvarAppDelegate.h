@@ -59,6 +59,7 @@ private:
     void keyShortcuts(const SDL_Event& event);
     void checkUserEvents();
     void eventTick();
+    void closePopup();
     void runCommands(const std::vector<ShellCommand>& commands);
     void drawWindows();
     std::string menuSignature() const;

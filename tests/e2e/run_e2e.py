@@ -274,6 +274,17 @@ def test_game_end_scores(program):
         d = t.shot().raw
         check(c == d, "the space bar stops the animation")
 
+        # A menu opened over the stopped screen leaves it whole when it goes away.
+        t.click(origin[0] + 300, origin[1] + 300, button=3)
+        t.wait_for(lambda: t.find_window(260, 2 * POPUP_PAD + (POPUP_ITEMS + 1) * POPUP_ROW + POPUP_SEP,
+                                         mapped=True), 10, "the Actions menu")
+        time.sleep(0.3)
+        covered = t.shot().raw
+        check(covered != d, "the menu shows over the score screen")
+        t.click(origin[0] + 700, origin[1] + 600)  # beside the menu: it closes
+        time.sleep(0.6)
+        check(t.shot().raw == d, "the score screen is whole again after the menu closed")
+
         # Escape plays again.
         t.key("Escape")
         time.sleep(1.0)
