@@ -65,6 +65,34 @@ const unsigned char kBinary[] = {
     0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x0d, 0x00,
     0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x42};
 
+void appendBigEndian(std::string& out, std::uint64_t v, int size) {
+    for (int i = size - 1; i >= 0; --i) out.push_back(static_cast<char>((v >> (8 * i)) & 0xff));
+}
+
+// A binary property list of `levels` arrays, each holding `width` references to the next one,
+// around the integer 1; with loop, the innermost array refers back to the outermost instead.
+std::string chainOfArrays(int levels, int width, bool loop = false) {
+    std::string out = "bplist00";
+    std::vector<std::uint64_t> offsets;
+    for (int i = 0; i < levels; ++i) {
+        offsets.push_back(out.size());
+        out.push_back(static_cast<char>(0xA0 | width));
+        const int next = (loop && i == levels - 1) ? 0 : i + 1;
+        for (int k = 0; k < width; ++k) appendBigEndian(out, static_cast<std::uint64_t>(next), 4);
+    }
+    offsets.push_back(out.size());
+    out += std::string("\x10\x01", 2);
+    const std::uint64_t table = out.size();
+    for (std::uint64_t offset : offsets) appendBigEndian(out, offset, 4);
+    out += std::string(6, '\0');
+    out.push_back(4);
+    out.push_back(4);
+    appendBigEndian(out, offsets.size(), 8);
+    appendBigEndian(out, 0, 8);
+    appendBigEndian(out, table, 8);
+    return out;
+}
+
 class TempDir : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -145,6 +173,35 @@ TEST(PlistBroken, DeepNestingIsRefusedShallowNestingIsRead) {
     expectValue(parsePropertyList(nested(200)));
     const std::string reason = expectError(parsePropertyList(nested(400)));
     EXPECT_NE(reason.find("nested"), std::string::npos) << reason;
+}
+
+TEST(PlistBroken, BinaryNestingLoopsAndRunawaySharingAreRefused) {
+    // Shallow chains and modest sharing read normally, shared objects once per reference.
+    Value v = expectValue(parsePropertyList(chainOfArrays(200, 1)));
+    EXPECT_TRUE(v.isArray());
+    v = expectValue(parsePropertyList(chainOfArrays(8, 2)));
+    int depth = 0;
+    for (const Value* at = &v; at->isArray(); at = &(*at->asArray())[1]) {
+        ASSERT_EQ(at->asArray()->size(), 2u);
+        ++depth;
+    }
+    EXPECT_EQ(depth, 8);
+
+    EXPECT_NE(expectError(parsePropertyList(chainOfArrays(100000, 1))).find("nested"), std::string::npos);
+    EXPECT_NE(expectError(parsePropertyList(chainOfArrays(5, 1, true))).find("loop"), std::string::npos);
+    // 2^40 values once every reference is followed: refused at once rather than read forever.
+    EXPECT_NE(expectError(parsePropertyList(chainOfArrays(40, 2))).find("too many values"), std::string::npos);
+}
+
+TEST(PlistBroken, DeepXmlIsRefusedBeforeParsing) {
+    EXPECT_NE(expectError(parsePropertyList(nested(200000))).find("nested"), std::string::npos);
+    // Empty elements and comments do not count as nesting.
+    std::string flat = "<?xml version=\"1.0\"?><plist version=\"1.0\"><array>";
+    for (int i = 0; i < 1000; ++i) flat += "<array/><dict/><!-- <array> -->";
+    flat += "</array></plist>";
+    const Value v = expectValue(parsePropertyList(flat));
+    ASSERT_TRUE(v.isArray());
+    EXPECT_EQ(v.asArray()->size(), 2000u);
 }
 
 TEST_F(TempDir, WrittenFileReadsBackAndMissingOrFolderPathsFail) {
