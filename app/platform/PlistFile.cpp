@@ -411,6 +411,8 @@ std::variant<Value, PlistError> readPropertyListFile(const std::string& path) {
         return PlistError{std::string("cannot be read: ") + std::strerror(errno)};
     }
     if (S_ISDIR(info.st_mode)) return PlistError{"is a folder, not a file"};
+    // A pipe or a device could keep the reader waiting or reading forever.
+    if (!S_ISREG(info.st_mode)) return PlistError{"is not a regular file"};
     if (static_cast<std::uintmax_t>(info.st_size) > kMaxFileSize)
         return PlistError{"too large to be a property list"};
     std::ifstream in(path, std::ios::binary);

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/PlistFile.h"
@@ -211,5 +212,9 @@ TEST_F(TempDir, WrittenFileReadsBackAndMissingOrFolderPathsFail) {
 
     EXPECT_EQ(expectError(readPropertyListFile(dir_ + "/absent.dict")), "no such file");
     expectError(readPropertyListFile(dir_));
+    EXPECT_EQ(expectError(readPropertyListFile("/dev/zero")), "is not a regular file");
+    const std::string pipe = dir_ + "/pipe.dict";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(expectError(readPropertyListFile(pipe)), "is not a regular file");
     EXPECT_FALSE(writePropertyListFile(dir_ + "/no/such/folder/x.dict", sampleTree()));
 }
