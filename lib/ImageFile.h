@@ -18,7 +18,7 @@ inline constexpr std::int64_t kMaxPixels = std::int64_t{1} << 26;
 // Image files larger than this are not read at all.
 inline constexpr std::size_t kMaxFileBytes = std::size_t{256} << 20;
 
-enum class Format { Unknown, PNG, BMP, GIF, JPEG };
+enum class Format { Unknown, PNG, BMP, JPEG };
 
 // What the file's header says, read without decoding anything.
 struct Header {
@@ -29,7 +29,7 @@ struct Header {
 };
 
 // Reads the header of an image held in memory. False (with a reason) when the data is not an
-// image the game reads, or when its dimensions are zero or beyond the limits above.
+// image the game reads (PNG, BMP or JPEG), or when its dimensions are zero or beyond the limits above.
 bool probeImage(const std::uint8_t* data, std::size_t size, Header& header, std::string& reason);
 
 // Decodes an image held in memory. With asRGB false the image keeps the depth it has in the

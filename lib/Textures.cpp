@@ -123,8 +123,8 @@ std::string findNamedImage(const char* name) {
     if (name == nullptr || *name == '\0' || std::strchr(name, '/') != nullptr) return {};
     const std::string folder = resourceFolder();
     if (folder.empty()) return {};
-    static constexpr const char* kExtensions[] = {"png", "bmp", "jpg", "jpeg", "gif",
-                                                  "PNG", "BMP", "JPG", "JPEG", "GIF"};
+    static constexpr const char* kExtensions[] = {"png", "bmp", "jpg", "jpeg",
+                                                  "PNG", "BMP", "JPG", "JPEG"};
     std::error_code error;
     const fs::path exact = fs::path(folder) / name;
     if (fs::path(name).has_extension() && fs::is_regular_file(exact, error)) return exact.string();

@@ -138,8 +138,8 @@ TEST(FileRoute, RefusalsPrintTheirMessages) {
 }
 
 TEST(FileRoute, EnormousDimensionsAreRefusedAtOnce) {
-    // A BMP header claiming 60000 x 60000 pixels of 24 bits, a GIF frame of 65535 x 65535 and
-    // a JPEG frame of 65000 x 65000; none holds the pixels it claims.
+    // A BMP header claiming 60000 x 60000 pixels of 24 bits, a GIF of 65535 x 65535 (GIF is never
+    // read) and a JPEG frame of 65000 x 65000; none holds the pixels it claims.
     std::vector<std::uint8_t> bmpBytes(54, 0);
     const auto& bmp = bmpBytes;
     bmpBytes[0] = 'B';
