@@ -1,6 +1,9 @@
 // Images becoming textures: the largest power-of-two block at the lower left, upright.
 #include <gtest/gtest.h>
 
+#include <SDL_image.h>
+
+#include "ImageFile.h"
 #include "Textures.h"
 #include "TextureTestSupport.h"
 
@@ -240,5 +243,49 @@ TEST(ImageFiles, BrokenFilesAreRefusedWithTheirName) {
         EXPECT_FALSE(loadImageFile(path.c_str(), image));
         const std::string said = testing::internal::GetCapturedStderr();
         EXPECT_NE(said.find(path.string()), std::string::npos) << said;
+    }
+}
+
+TEST(ImageFiles, JPEGPhotosLoadAsRGB) {
+    const auto path = scratchFolder() / "photo.jpg";
+    saveRGBPattern(path, 40, 24, false);
+    {
+        // saveRGBPattern writes BMP for other names; turn it into a JPEG through SDL.
+        SDL_Surface* bmp = SDL_LoadBMP(path.c_str());
+        ASSERT_NE(bmp, nullptr);
+        const int saved = IMG_SaveJPG(bmp, path.c_str(), 95);
+        SDL_FreeSurface(bmp);
+        ASSERT_EQ(saved, 0) << IMG_GetError();
+    }
+    Image image;
+    ASSERT_TRUE(loadImageFile(path.c_str(), image));
+    EXPECT_EQ(image.width, 40);
+    EXPECT_EQ(image.height, 24);
+    EXPECT_EQ(image.bitsPerPixel, 24);
+    EXPECT_FALSE(image.hasAlpha);
+}
+
+TEST(ImageFiles, EveryCutOfAGoodFileIsRefusedOrWhole) {
+    const auto png = scratchFolder() / "cut.png";
+    const auto bmp = scratchFolder() / "cut.bmp";
+    saveRGBPattern(png, 9, 7, true);
+    saveRGBPattern(bmp, 9, 7, false);
+    for (const auto& path : {png, bmp}) {
+        const std::vector<std::uint8_t> whole = readBytes(path);
+        ASSERT_FALSE(whole.empty());
+        int accepted = 0;
+        for (std::size_t length = 0; length < whole.size(); ++length) {
+            const std::vector<std::uint8_t> cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+            Image image;
+            std::string reason;
+            if (tolvar::images::decodeImage(cut.data(), cut.size(), false, image, reason)) {
+                ++accepted;
+                EXPECT_TRUE(tolvar::images::isWellFormed(image)) << length;
+            } else {
+                EXPECT_FALSE(reason.empty()) << length;
+            }
+        }
+        // Far more cuts are refused than taken (a BMP missing only its last bytes may pass).
+        EXPECT_LT(accepted, static_cast<int>(whole.size()) / 4) << path;
     }
 }
