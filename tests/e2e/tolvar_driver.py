@@ -134,6 +134,20 @@ class Tolvar:
         self.game = self.find_window(WIN_W, WIN_H)
         check(self.game is not None, "no game window was made")
 
+    def finish(self):
+        """Ends the program as the desktop would (SIGTERM, which it takes as Quit) and checks that
+        it ended cleanly: status 0 and no report of the sanitizers on standard error."""
+        check(self.running(), "the program is still running at the end")
+        self.proc.terminate()
+        try:
+            status = self.proc.wait(timeout=20)
+        except subprocess.TimeoutExpired:
+            raise Failure("the program did not end when asked to")
+        err = self.stderr()
+        for marker in ("AddressSanitizer", "LeakSanitizer", "runtime error:", "UndefinedBehaviorSanitizer"):
+            check(marker not in err, "the sanitizers report a fault:\n" + err[-3000:])
+        check(status == 0, "the program ended with status %s\n%s" % (status, err[-2000:]))
+
     def quit(self):
         """Ends the program with Ctrl+Q from the main window and waits for it."""
         self.xdo("windowfocus", "--sync", self.main)
@@ -142,7 +156,7 @@ class Tolvar:
             status = self.proc.wait(timeout=15)
         except subprocess.TimeoutExpired:
             raise Failure("Ctrl+Q did not end the program")
-        check(status == 0, "the program ended with status %s" % status)
+        check(status == 0, "the program ended with status %s\n%s" % (status, self.stderr()[-2000:]))
 
     # ------------------------------------------------------------------ process and display
     def _start_xvfb(self):
