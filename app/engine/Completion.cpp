@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <variant>
 
 #include "engine/Board.h"
@@ -124,9 +125,12 @@ void BestScores::performActionCheckBestScores(const GameAction& action) {
     std::string problem;
     Value root = Value::dictionary();
     {
-        std::FILE* probe = std::fopen(path.c_str(), "rb");
-        const bool exists = probe != nullptr || errno != ENOENT;
-        if (probe) std::fclose(probe);
+        // Anything at the path counts, even what cannot be opened; nothing is opened here, so
+        // a pipe in its place cannot block the game.
+        std::error_code ec;
+        const auto type = std::filesystem::symlink_status(path, ec).type();
+        const bool exists = type != std::filesystem::file_type::not_found &&
+                            type != std::filesystem::file_type::none;
         if (exists) {
             auto read = readPropertyListFile(path);
             if (auto* error = std::get_if<PlistError>(&read)) {

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <variant>
 
+#include <sys/stat.h>
+
 #include "EngineFakes.h"
 #include "engine/Completion.h"
 #include "platform/PlistFile.h"
@@ -158,6 +160,16 @@ TEST_F(BestScoresFileTest, WrongKindsAreKeptAsideToo) {
     check(false);
     EXPECT_NE(::testing::internal::GetCapturedStderr().find(".unreadable"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(path() + ".unreadable"));
+    EXPECT_EQ(stored("Vexamor"), std::vector<int>{30});
+}
+
+TEST_F(BestScoresFileTest, SomethingElseInThePlaceOfTheFileIsKeptAsideUnopened) {
+    ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);  // opening it for reading would block
+    ::testing::internal::CaptureStderr();
+    check(true);
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::filesystem::status(path() + ".unreadable").type(),
+              std::filesystem::file_type::fifo);
     EXPECT_EQ(stored("Vexamor"), std::vector<int>{30});
 }
 
