@@ -8,6 +8,7 @@ import sys
 import tempfile
 
 TOOL = sys.argv[1]
+SAMPLE_WRITER = sys.argv[2]
 
 NO_MORE_MOVES = "No more moves!  Press the 'esc' key to play again after clicking 'OK'."
 
@@ -167,6 +168,19 @@ with tempfile.TemporaryDirectory() as home:
     check(p.stderr.count("\n") == 1 and rules_path(home) in p.stderr, "one line naming the file: %r" % p.stderr)
     with open(rules_path(home), "rb") as f:
         check(f.read() == broken, "the broken file is not written over")
+
+with tempfile.TemporaryDirectory() as home:
+    # Every kind of value the game writes (the best scores hold dates) reads back in plistlib.
+    import datetime
+    sample = os.path.join(home, "Sample.dict")
+    check(subprocess.run([SAMPLE_WRITER, sample], timeout=30).returncode == 0, "sample written")
+    with open(sample, "rb") as f:
+        got = plistlib.load(f, fmt=plistlib.FMT_XML)
+    want = {"Vexamor": [{"Score": -42, "Date": datetime.datetime(2023, 11, 14, 22, 13, 20)}],
+            "Real": 2.5, "Yes": True, "No": False, "Bytes": b"\x00\x01\xff",
+            "Text": "a<b & 'c' \u00e9 ]]>", "Big": 0x7fffffffffff, "Empty": [], "Nothing": {}}
+    check(got == want, "sample reads back: %r" % got)
+    check(list(got) == list(want), "sample key order: %r" % list(got))
 
 if failures:
     print("%d check(s) failed" % len(failures))
