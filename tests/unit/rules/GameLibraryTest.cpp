@@ -25,6 +25,9 @@ protected:
         const char* old = std::getenv("XDG_DATA_HOME");
         hadOld_ = old != nullptr;
         if (old) old_ = old;
+        const char* home = std::getenv("HOME");
+        hadHome_ = home != nullptr;
+        if (home) oldHome_ = home;
         setenv("XDG_DATA_HOME", (home_ + "/share").c_str(), 1);
     }
     void TearDown() override {
@@ -32,6 +35,10 @@ protected:
             setenv("XDG_DATA_HOME", old_.c_str(), 1);
         else
             unsetenv("XDG_DATA_HOME");
+        if (hadHome_)
+            setenv("HOME", oldHome_.c_str(), 1);
+        else
+            unsetenv("HOME");
         std::filesystem::remove_all(home_);
     }
     std::string folder() const { return home_ + "/share/Tolvar"; }
@@ -50,6 +57,8 @@ protected:
     std::string home_;
     std::string old_;
     bool hadOld_ = false;
+    std::string oldHome_;
+    bool hadHome_ = false;
 };
 
 const std::vector<std::string> kBuiltinMenu = {"None", "Vexamor", "Trindle", "Glimmet"};
