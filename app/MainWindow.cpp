@@ -115,6 +115,14 @@ ActionsPopup::ActionsPopup(const std::string& fontFile, float fontPixels)
                fontFile, fontPixels) {}
 
 void ActionsPopup::openAt(int x, int y) {
+    // Kept whole on the screen: near the right or bottom edge it opens to the left or upward.
+    SDL_Rect bounds{0, 0, 0, 0};
+    if (SDL_GetDisplayBounds(0, &bounds) == 0 && bounds.w > kWidth && bounds.h > kHeight) {
+        if (x + kWidth > bounds.x + bounds.w) x -= kWidth;
+        if (y + kHeight > bounds.y + bounds.h) y -= kHeight;
+        if (x < bounds.x) x = bounds.x;
+        if (y < bounds.y) y = bounds.y;
+    }
     SDL_SetWindowPosition(surface_.sdlWindow(), x, y);
     SDL_ShowWindow(surface_.sdlWindow());
     SDL_RaiseWindow(surface_.sdlWindow());

@@ -111,6 +111,12 @@ def test_first_launch(program):
         check(not t.mapped(t.game), "the game window is hidden at launch")
         print("time from exec to the main window: %.2f s" % t.startup_seconds)
 
+        # Waiting for the player costs nothing: the loop sleeps until an event comes.
+        time.sleep(0.5)
+        idle = t.cpu_percent(3.0)
+        print("processor use at the main window, no input: %.1f %% of one core" % idle)
+        check(idle < 2.0, "the idle program uses %.1f %% of a core" % idle)
+
         # The game pop-up lists "None" and the three games: four rows of text under the control.
         shot = t.shot("main")
         cx, cy = t.combo_center()
@@ -183,7 +189,7 @@ def test_vexamor_play(program):
         # The emptied cells queue the pieces-removed event, which the next tick runs.
         t.wait_for(lambda: t.stdout().count("processing event") > ticks_before, 10,
                    "the pieces-removed event to run")
-        time.sleep(1.5)
+        t.settle()
         after = t.shot("after-removal")
         remaining = board_colours(after, layout, origin)
         pieces = sum(1 for col in remaining for c in col if c in COLOURS)
@@ -355,7 +361,69 @@ def test_actions_popup(program):
         t.close()
 
 
+def find_swap(colours):
+    """Two neighbours of different colours whose swap puts a piece next to one of its colour."""
+    w, h = len(colours), len(colours[0])
+
+    def groups_after(a, b):
+        (ax, ay), (bx, by) = a, b
+        moved = {a: colours[bx][by], b: colours[ax][ay]}
+        for (x, y), c in moved.items():
+            for nx, ny in ((x + 1, y), (x - 1, y), (x, y + 1), (x, y - 1)):
+                if (nx, ny) in moved or not (0 <= nx < w and 0 <= ny < h):
+                    continue
+                if colours[nx][ny] == c:
+                    return True
+        return False
+
+    for x in range(w):
+        for y in range(h):
+            for dx, dy in ((1, 0), (0, 1)):
+                a, b = (x, y), (x + dx, y + dy)
+                if b[0] < w and b[1] < h and colours[x][y] != colours[b[0]][b[1]] and groups_after(a, b):
+                    return a, b
+    return None
+
+
+def test_trindle_swap(program):
+    t = Tolvar(program, "trindle_swap")
+    try:
+        layout, origin = start_game(t, 2, 12, 12)
+        layout = Layout(12, 12)
+        shot = t.shot("board")
+        check_frame(shot, layout, origin)
+        colours = board_colours(shot, layout, origin)
+        check(all(c in ("red", "green", "blue") for col in colours for c in col),
+              "every cell holds a piece of the three colours: %s" % colours)
+        swap = find_swap(colours)
+        check(swap is not None, "no swap makes a group on this board")
+        (a, b) = swap
+        # Drag from one piece to its neighbour and let go: they swap, and the groups of two go.
+        ax, ay = layout.cell_center_screen(origin, *a)
+        bx, by = layout.cell_center_screen(origin, *b)
+        removed_before = t.stdout().count("Removing piece")
+        t.xdo("mousemove", "--sync", int(ax), int(ay))
+        t.xdo("mousedown", 1)
+        time.sleep(0.1)
+        t.xdo("mousemove", "--sync", int(bx), int(by))
+        time.sleep(0.1)
+        t.xdo("mouseup", 1)
+        t.wait_for(lambda: t.stdout().count("Removing piece") >= removed_before + 2, 10, "'Removing piece' lines")
+        t.settle()
+        after = board_colours(t.shot("after-swap"), layout, origin)
+        removed = t.stdout().count("Removing piece") - removed_before
+        pieces = sum(1 for col in after for c in col if c in COLOURS)
+        check(pieces == 144 - removed, "%d pieces left after %d were removed" % (pieces, removed))
+        for x in range(12):
+            filled = [c in COLOURS for c in after[x]]
+            check(filled == sorted(filled, reverse=True), "column %d has a hole under a piece" % x)
+        t.finish()
+    finally:
+        t.close()
+
+
 TESTS = {
+    "trindle_swap": test_trindle_swap,
     "first_launch": test_first_launch,
     "vexamor_play": test_vexamor_play,
     "game_end_scores": test_game_end_scores,

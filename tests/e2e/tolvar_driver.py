@@ -210,6 +210,17 @@ class Tolvar:
         with open(self.err_path, "rb") as f:
             return f.read().decode("utf-8", "replace")
 
+    def cpu_seconds(self):
+        with open("/proc/%d/stat" % self.proc.pid) as f:
+            fields = f.read().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")  # utime + stime
+
+    def cpu_percent(self, seconds):
+        """Processor time used over the next seconds, in % of one core."""
+        c0, t0 = self.cpu_seconds(), time.monotonic()
+        time.sleep(seconds)
+        return 100.0 * (self.cpu_seconds() - c0) / (time.monotonic() - t0)
+
     def running(self):
         return self.proc.poll() is None
 
@@ -297,6 +308,18 @@ class Tolvar:
             self.xdo("key", "--window", window, name)
         else:
             self.xdo("key", name)
+
+    def settle(self, timeout=20):
+        """Waits until the screen stops changing (falling pieces have landed)."""
+        last = [self.shot().raw]
+
+        def still():
+            time.sleep(0.4)
+            now = self.shot().raw
+            same = now == last[0]
+            last[0] = now
+            return same
+        self.wait_for(still, timeout, "the screen to settle")
 
     def shot(self, label=None):
         path = None
