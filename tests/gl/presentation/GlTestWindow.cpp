@@ -31,7 +31,9 @@ struct TestWindow {
         glutInit(&argc, argv);
 
         SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_COMPATIBILITY);
-        SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 0);
+        // The game window is single-buffered; the tests draw into and read back from a back
+        // buffer instead, which no other window can cover while tests run side by side.
+        SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
         SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 16);
         SDL_GL_SetAttribute(SDL_GL_RED_SIZE, 8);
         SDL_GL_SetAttribute(SDL_GL_GREEN_SIZE, 8);
@@ -48,6 +50,8 @@ struct TestWindow {
             return;
         }
         SDL_GL_MakeCurrent(window, context);
+        glDrawBuffer(GL_BACK);
+        glReadBuffer(GL_BACK);
         // Let the window be mapped before anything is drawn into it.
         for (int i = 0; i < 10; ++i) {
             SDL_Event event;

@@ -1,5 +1,6 @@
 // A game-window-sized OpenGL context for drawing tests: one shown SDL window of 1024 x 768 with a
-// single-buffered legacy context, the game window's fixed state, and pixel probes.
+// legacy context whose back buffer is drawn and read, the game window's fixed state, and pixel
+// probes.
 #pragma once
 
 #include <cstdint>
