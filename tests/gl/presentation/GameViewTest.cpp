@@ -90,6 +90,56 @@ protected:
     std::unique_ptr<GameView> view;
 };
 
+TEST_F(GameViewTest, WindowStateIsOnePixelPerUnitWithTheGameLights) {
+    GLfloat projection[16];
+    glGetFloatv(GL_PROJECTION_MATRIX, projection);
+    EXPECT_FLOAT_EQ(projection[0], 2.0f / 1024.0f);
+    EXPECT_FLOAT_EQ(projection[5], 2.0f / 768.0f);
+    EXPECT_FLOAT_EQ(projection[10], 2.0f / 1000.0f) << "z = -500 is near, z = 500 far";
+    EXPECT_FLOAT_EQ(projection[12], -1.0f);
+    EXPECT_FLOAT_EQ(projection[13], -1.0f);
+
+    GLfloat v[4];
+    glGetLightfv(GL_LIGHT0, GL_POSITION, v);
+    EXPECT_FLOAT_EQ(v[0], 256.0f);
+    EXPECT_FLOAT_EQ(v[1], 192.0f);
+    EXPECT_FLOAT_EQ(v[2], 100.0f);
+    EXPECT_FLOAT_EQ(v[3], 0.0f);
+    glGetLightfv(GL_LIGHT1, GL_POSITION, v);
+    EXPECT_FLOAT_EQ(v[0], 512.0f);
+    EXPECT_FLOAT_EQ(v[2], 70.0f);
+    glGetLightfv(GL_LIGHT1, GL_DIFFUSE, v);
+    EXPECT_FLOAT_EQ(v[0], 0.75f);
+    glGetLightfv(GL_LIGHT0, GL_AMBIENT, v);
+    EXPECT_FLOAT_EQ(v[0], 0.15f);
+    GLfloat shininess = 0.0f;
+    glGetMaterialfv(GL_FRONT, GL_SHININESS, &shininess);
+    EXPECT_FLOAT_EQ(shininess, 128.0f);
+    EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
+    EXPECT_TRUE(glIsEnabled(GL_COLOR_MATERIAL));
+    EXPECT_TRUE(glIsEnabled(GL_NORMALIZE));
+    EXPECT_TRUE(glIsEnabled(GL_LIGHT1));
+    GLint depthFunc = 0;
+    glGetIntegerv(GL_DEPTH_FUNC, &depthFunc);
+    EXPECT_EQ(depthFunc, GL_LEQUAL);
+
+    // A point at any depth between the planes lands x pixels from the left, y from the bottom.
+    glClearColor(0, 0, 0, 1);
+    glClearDepth(1.0);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glDisable(GL_LIGHTING);
+    glPointSize(1.0f);
+    glColor3f(1, 1, 1);
+    glBegin(GL_POINTS);
+    glVertex3f(100.5f, 200.5f, -490.0f);
+    glVertex3f(300.5f, 400.5f, 490.0f);
+    glEnd();
+    glFinish();
+    EXPECT_TRUE(near(pixelAt(100, 200), 255, 255, 255, 2));
+    EXPECT_TRUE(near(pixelAt(300, 400), 255, 255, 255, 2));
+    EXPECT_TRUE(near(pixelAt(101, 200), 0, 0, 0, 2));
+}
+
 TEST_F(GameViewTest, FrameSurroundsTheBoardAtItsComputedPlace) {
     gameInfo = makeGame(5, 5, 2, true, false);
     const BoardLayout L = computeBoardLayout(*gameInfo);
@@ -451,6 +501,28 @@ TEST_F(GameViewTest, SpikyPiecesAreDrawnAndTheirModelCachedUntilCleared) {
     testing::internal::CaptureStdout();
     view->clearPieceSprites(1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST_F(GameViewTest, SingleCellRedrawShowsASelectedPieceWithoutOutline) {
+    gameInfo = makeGame(4, 4, 3, true, false);
+    cell(1, 2).selected = 1;
+    view->drawBoard();
+    const CellRect r = cellRect(1, 2);
+    auto reddish = [](const Rgb& p) { return p.r > 40 && p.r > 2 * p.g && p.r > 2 * p.b; };
+    const int cx = static_cast<int>(r.X + r.W / 2);
+    const int below = static_cast<int>(r.Y - 1);
+    ASSERT_GT(countPixels(cx - 10, below - 1, cx + 10, below, reddish), 0);
+
+    // With no background to patch, clear the window and redraw only that cell.
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    view->drawIndividualPiece(&cell(1, 2));
+    EXPECT_EQ(countPixels(cx - 10, below - 1, cx + 10, below, reddish), 0) << "no outline";
+    // The square outline figure itself is there, in the piece's colour.
+    const BoardPiece& p = cell(1, 2);
+    EXPECT_GT(countPixels(static_cast<int>(r.X) - 1, static_cast<int>(r.Y + r.H / 2), static_cast<int>(r.X) + 1,
+                          static_cast<int>(r.Y + r.H / 2), [&](const Rgb& q) { return looksLike(q, p.red, p.green, p.blue); }),
+              0);
 }
 
 TEST_F(GameViewTest, SelectedSpikyPieceTurnsFromFrameToFrame) {
