@@ -39,7 +39,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
         if (ImGui::BeginMenu("Tolvar")) {
             if (ImGui::MenuItem("Start Game", nullptr, false, library.currentRules() != nullptr))
                 commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
-            if (ImGui::MenuItem("Return to Main Window", "Ctrl+W", false, gameRunning))
+            if (ImGui::MenuItem("Return to Main Window", "Return", false, gameRunning))
                 commands.push_back({ShellCommand::Kind::ReturnToMain, {}, -1});
             ImGui::Separator();
             if (ImGui::MenuItem("Quit", "Ctrl+Q")) commands.push_back({ShellCommand::Kind::Quit, {}, -1});
@@ -172,6 +172,9 @@ int ActionsPopup::draw(const ActionsMenu& menu) {
     if (ImGui::Selectable("##return", false, 0, ImVec2(width, static_cast<float>(kRowHeight)))) chosen = kReturnToMain;
     ImGui::SetCursorPos(ImVec2(16, returnY + (static_cast<float>(kRowHeight) - ImGui::GetTextLineHeight()) * 0.5f));
     ImGui::TextUnformatted("Return to Main Window");
+    const float returnKeyWidth = ImGui::CalcTextSize("Return").x;
+    ImGui::SetCursorPos(ImVec2(width - 16 - returnKeyWidth, returnY + (static_cast<float>(kRowHeight) - ImGui::GetTextLineHeight()) * 0.5f));
+    ImGui::TextUnformatted("Return");
     ImGui::End();
     ImGui::PopStyleVar(3);
     surface_.endFrame();

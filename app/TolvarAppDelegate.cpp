@@ -262,11 +262,11 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
             popupFrames_ = kMainWindowFramesPerChange;
         }
     }
-    if (current->type == kEventTypeKeyDown) keyShortcuts(event);
+    if (current->type == kEventTypeKeyDown) keyShortcuts(event, windowID);
     checkUserEvents();
 }
 
-void TolvarAppDelegate::keyShortcuts(const SDL_Event& event) {
+void TolvarAppDelegate::keyShortcuts(const SDL_Event& event, Uint32 windowID) {
     // A key bound to a user event of the running game is the game's, never a menu shortcut.
     if (engine_ && MyWindow::performKeyEquivalent(*engine_, currentEvent_)) return;
     const Uint16 mod = event.key.keysym.mod;
@@ -275,7 +275,11 @@ void TolvarAppDelegate::keyShortcuts(const SDL_Event& event) {
         terminate();
         return;
     }
-    if (command && event.key.keysym.sym == SDLK_w) {  // closes the game window
+    // Ctrl+W closes the game window, and Return leaves it, for the main window.
+    const SDL_Keycode sym = event.key.keysym.sym;
+    const bool fromGame = gameWindow && windowID == gameWindow->windowID();
+    if ((command && sym == SDLK_w) ||
+        (fromGame && !(mod & KMOD_ALT) && !command && (sym == SDLK_RETURN || sym == SDLK_KP_ENTER))) {
         if (gameWindow && gameWindow->isVisible()) returnToMain();
         return;
     }

@@ -56,7 +56,7 @@ public:
 private:
     void initWindow();
     void dispatch(const SDL_Event& event);
-    void keyShortcuts(const SDL_Event& event);
+    void keyShortcuts(const SDL_Event& event, Uint32 windowID);
     void checkUserEvents();
     void eventTick();
     void closePopup();

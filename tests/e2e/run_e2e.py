@@ -206,8 +206,8 @@ def test_vexamor_play(program):
         again = board_colours(t.shot("restart"), layout, origin)
         check(all(c in COLOURS for col in again for c in col), "after Escape every cell holds a piece")
 
-        # Return: Ctrl+W leaves the game for the main window.
-        t.key("ctrl+w")
+        # Return leaves the game for the main window.
+        t.key("Return")
         t.wait_for(lambda: t.mapped(t.main), 10, "the main window to show again")
         check(not t.mapped(t.game), "the game window is hidden after Return")
         t.finish()

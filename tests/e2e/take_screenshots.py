@@ -34,7 +34,7 @@ def main():
     try:
         t.choose_game(1)
         mx, my = t.main_origin()
-        save(t, os.path.join(out, "window-main.png"), mx, my, MAIN_W, MAIN_H)
+        save(t, os.path.join(out, "main-window.png"), mx, my, MAIN_W, MAIN_H)
         for index, name in ((1, "vexamor"), (2, "trindle"), (3, "glimmet")):
             if index != 1:
                 t.choose_game(index)
