@@ -13,9 +13,8 @@
 #include <memory>
 #include <sys/stat.h>
 
-#include "platform/PlistCalls.h"
+#include <plist/plist.h>
 
-extern "C" void plist_get_uid_val(plist_t node, std::uint64_t* val);
 
 namespace tolvar {
 
