@@ -251,6 +251,8 @@ def test_game_end_scores(program):
                 dismissed += t.dismiss_alerts(expect=1)
             time.sleep(0.1)
         check(dismissed >= 1, "the end of the game is announced")
+        check(dismissed == 2, "two alerts: no more moves, then the new best score (%d)" % dismissed)
+        check(all(name == " " for name in t.alert_names), "alerts are titled \" \": %r" % t.alert_names)
         with open(os.path.join(t.folder, "BestScores.dict"), "rb") as f:
             best = plistlib.load(f)
         check("Tiny" in best and len(best["Tiny"]) == 1, "the score entered the table: %s" % best)

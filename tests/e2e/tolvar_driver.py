@@ -118,6 +118,7 @@ class Tolvar:
             env.update(env_extra)
         self.env = env
         self.runs = 0
+        self.alert_names = []
         self.launch()
 
     def launch(self):
@@ -290,6 +291,7 @@ class Tolvar:
         while dismissed < expect:
             alerts = self.wait_for(self.alert_windows, timeout, "an alert panel")
             wid = alerts[0]
+            self.alert_names.extend(name for (w, name, *_rest) in self.windows() if w == wid)
             if self.shots and dismissed == 0:
                 Screen(self.display, os.path.join(self.shots, "%s-alert.png" % self.name))
             self.xdo("windowfocus", "--sync", wid)
