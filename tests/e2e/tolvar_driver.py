@@ -119,7 +119,11 @@ class Tolvar:
         self.env = env
         self.runs = 0
         self.alert_names = []
-        self.launch()
+        try:
+            self.launch()
+        except BaseException:
+            self.close()  # the server and the folder go with a failed start too
+            raise
 
     def launch(self):
         """Starts the program (again) on this display, with this data folder."""
