@@ -1,5 +1,6 @@
 // render-spikes OUT.png: draws the piece model lit as in the game window, large and in a row
 // of piece colours, and saves the window's pixels as a PNG.
+#include <GL/gl.h>
 #include <SDL_image.h>
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <memory>
 #include <vector>
 
-#include "GlContext.h"
 #include "SpikesScene.h"
 
 int main(int argc, char** argv) {
@@ -15,12 +15,10 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: render-spikes OUT.png\n");
         return 2;
     }
-    GlContext gl;
-    if (!gl.ok()) return 1;
+    SpikesView view;
+    if (!view.ok()) return 1;
     SpritePtr model = loadSpikes();
     if (!model) return 1;
-    GlContext::gameLights();
-    GlContext::clear();
 
     drawSpikesPiece(model.get(), {300, 430, 420, {0.85f, 0.85f, 0.9f}});
     drawSpikesPiece(model.get(), {760, 560, 260, {0.9f, 0.25f, 0.2f}, 25.0f, 35.0f});
@@ -32,7 +30,7 @@ int main(int argc, char** argv) {
     }
     glFinish();
 
-    const int w = GlContext::kWidth, h = GlContext::kHeight;
+    const int w = SpikesView::kWidth, h = SpikesView::kHeight;
     std::vector<unsigned char> pixels(std::size_t(w) * h * 3);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, w, h, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
