@@ -1,9 +1,8 @@
-// A game-window-sized OpenGL context for drawing tests: one shown SDL window of 1024 x 768 with a
-// legacy context whose back buffer is drawn and read, the game window's fixed state, and pixel
-// probes.
+// A 1024 x 768 window with the game window's OpenGL state, drawn into and read back from its back
+// buffer, with pixel probes and recording stand-ins for the host and window (also used by the
+// drawing benchmark).
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -12,31 +11,24 @@
 
 namespace tolvar::test {
 
-// Makes the window and context on first use (and glutInit); false with a message when there is
-// no display.
+// Opens the window on first use; false with the reason when there is no display.
 bool openTestWindow(std::string& why);
 
 struct Rgb {
     int r = 0, g = 0, b = 0;
 };
 Rgb pixelAt(int x, int y);
-// Counts the pixels of the rectangle [x0, x1] x [y0, y1] (window coordinates, origin lower left)
-// for which test holds.
+// Pixels of [x0, x1] x [y0, y1] (origin lower left) for which test holds.
 int countPixels(int x0, int y0, int x1, int y1, const std::function<bool(const Rgb&)>& test);
 bool near(const Rgb& p, int r, int g, int b, int tolerance);
-// Writes the window's content to a PNG file (top row first).
-bool saveWindowPicture(const std::string& path);
+bool saveWindowPicture(const std::string& path);  // PNG, top row first
 
-// A host that only keeps count of what the drawing asked of it.
 class RecordingHost : public Host {
 public:
     CurrentEvent currentEvent() override { return {}; }
     void runAlert(const std::string&, const std::string&, const std::string&) override { ++alerts; }
     bool scoresTimerRunning() const override { return timerRunning; }
-    void startScoresTimer(const Value&) override {
-        timerRunning = true;
-        ++timerStarts;
-    }
+    void startScoresTimer(const Value&) override { timerRunning = true, ++timerStarts; }
     void stopScoresTimer() override { timerRunning = false; }
     void resetProjection() override {}
     void showGameWindow() override {}
@@ -47,14 +39,11 @@ public:
     std::string dataFolder() override { return "."; }
 
     bool timerRunning = false;
-    int timerStarts = 0;
-    int alerts = 0;
+    int timerStarts = 0, alerts = 0;
 };
 
-// The window callbacks of a GameView, counting the flushes.
 struct CountingWindow {
-    int flushes = 0;
-    int displays = 0;
+    int flushes = 0, displays = 0;
     double mouseX = 0.0, mouseY = 0.0;
     GameView::Window callbacks();
 };
