@@ -1,178 +1,105 @@
 // Named images: found among the resources, located by the player, or replaced by a substitute.
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include "FileIO.h"
-#include "Textures.h"
 #include "TextureTestSupport.h"
 
 using namespace texturetest;
-
-namespace {
-
-struct Alert {
-    std::string title;
-    std::string message;
-    std::string button;
-};
 
 // Records the panels instead of showing them; the open panel answers with `chosen`.
 class NamedImage : public testing::Test {
 protected:
     void SetUp() override {
-        setTextureAlertHook([this](const std::string& t, const std::string& m, const std::string& b) {
-            alerts.push_back({t, m, b});
+        setTextureAlertHook([this](const std::string& title, const std::string& message, const std::string& button) {
+            alerts.push_back(title + "|" + message + "|" + button);
             if (duringAlert) duringAlert();
         });
-        setTextureOpenPanelHook([this] {
-            ++panelsOpened;
-            return chosen;
-        });
+        setTextureOpenPanelHook([this] { return ++panels, chosen; });
     }
     void TearDown() override {
         setTextureAlertHook({});
         setTextureOpenPanelHook({});
+        glDeleteTextures(1, &texture);
     }
+    void load(const std::string& name) { TextureFromResource(name.c_str(), &texture, &width, &height); }
 
-    std::vector<Alert> alerts;
+    std::vector<std::string> alerts;
     std::function<void()> duringAlert;
     std::string chosen;
-    int panelsOpened = 0;
+    int panels = 0, width = 17, height = 23;
+    std::uint32_t texture = 0;
+    const std::string kLocate = "Alert|Please locate resource = NoSuchPicture|OK";
+    const std::string kSubstitute = "Alert|Warning: Substituting a different texture.  This may affect results.|OK";
 };
 
-const char* kSubstitute = "Warning: Substituting a different texture.  This may affect results.";
-
-}  // namespace
-
-TEST_F(NamedImage, FoundAmongTheResourcesWithoutAsking) {
-    const std::string folder = resourceFolder();
-    ASSERT_FALSE(folder.empty());
+TEST_F(NamedImage, FoundAmongTheResourcesOrLocatedByThePlayer) {
+    ASSERT_FALSE(resourceFolder().empty());
     const std::string name = "named-test-" + std::to_string(getpid());
-    const auto path = std::filesystem::path(folder) / (name + ".png");
-    saveRGBPattern(path, 300, 200, false);
-    std::uint32_t texture = 0;
-    int width = 0;
-    int height = 0;
-    TextureFromResource(name.c_str(), &texture, &width, &height);
+    const auto path = std::filesystem::path(resourceFolder()) / (name + ".png");
+    saveImage(path, 300, 200, 24);
+    load(name);
     std::filesystem::remove(path);
-    EXPECT_TRUE(alerts.empty());
-    EXPECT_EQ(panelsOpened, 0);
-    EXPECT_EQ(width, 256);
-    EXPECT_EQ(height, 128);
-    const TextureLevel level = readTexture(texture);
-    EXPECT_EQ(level.width, 256);
-    EXPECT_EQ(level.height, 128);
+    EXPECT_EQ(alerts.size() + panels, 0u);
+    EXPECT_EQ(std::pair(width, height), std::pair(256, 128));
+    EXPECT_EQ(readTexture(texture).height, 128);
     glDeleteTextures(1, &texture);
-}
 
-TEST_F(NamedImage, MissingImageLocatedByThePlayer) {
     chosen = (scratchFolder() / "located.png").string();
-    saveRGBPattern(chosen, 64, 40, true);
-    std::uint32_t texture = 0;
-    int width = 0;
-    int height = 0;
-    TextureFromResource("NoSuchPicture", &texture, &width, &height);
-    ASSERT_EQ(alerts.size(), 1u);
-    EXPECT_EQ(alerts[0].title, "Alert");
-    EXPECT_EQ(alerts[0].message, "Please locate resource = NoSuchPicture");
-    EXPECT_EQ(alerts[0].button, "OK");
-    EXPECT_EQ(panelsOpened, 1);
-    EXPECT_EQ(width, 64);
-    EXPECT_EQ(height, 32);
+    saveImage(chosen, 64, 40, 32);
+    load("NoSuchPicture");
+    EXPECT_EQ(alerts, std::vector<std::string>{kLocate});
+    EXPECT_EQ(panels, 1);
+    EXPECT_EQ(std::pair(width, height), std::pair(64, 32));
     EXPECT_EQ(readTexture(texture).width, 64);
-    glDeleteTextures(1, &texture);
 }
 
-TEST_F(NamedImage, CancelledPanelGivesTheSubstituteAndKeepsTheSizes) {
-    std::uint32_t texture = 0;
-    int width = 17;
-    int height = 23;
-    TextureFromResource("NoSuchPicture", &texture, &width, &height);
-    ASSERT_EQ(alerts.size(), 2u);
-    EXPECT_EQ(alerts[1].title, "Alert");
-    EXPECT_EQ(alerts[1].message, kSubstitute);
-    EXPECT_EQ(alerts[1].button, "OK");
-    EXPECT_EQ(width, 17);
-    EXPECT_EQ(height, 23);
-    ASSERT_NE(texture, 0u);
-    const TextureLevel level = readTexture(texture);
-    ASSERT_EQ(level.width, 128);
-    ASSERT_EQ(level.height, 128);
-    // Blue digits on a transparent ground, nothing else.
-    int blue = 0;
-    int other = 0;
-    for (std::size_t i = 0; i < level.rgba.size(); i += 4) {
-        const std::uint8_t* p = &level.rgba[i];
-        if (p[3] == 0) continue;
-        if (p[0] == 0 && p[1] == 0 && p[2] == 255)
-            ++blue;
-        else
-            ++other;
+TEST_F(NamedImage, NoImageChosenGivesTheSubstituteAndKeepsTheSizes) {
+    const auto notAnImage = scratchFolder() / "not-an-image.png";
+    writeBytes(notAnImage, {'n', 'o', 'p', 'e'});
+    for (const std::string& answer : {std::string(), notAnImage.string()}) {
+        SCOPED_TRACE(answer);
+        chosen = answer;
+        alerts.clear();
+        testing::internal::CaptureStderr();
+        load("NoSuchPicture");
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(answer), std::string::npos);
+        EXPECT_EQ(alerts, (std::vector<std::string>{kLocate, kSubstitute}));
+        EXPECT_EQ(std::pair(width, height), std::pair(17, 23));
+        // Blue digits in lines of 36 points over a clear ground; rows go bottom-up, so the first line
+        // of text lies in the last rows.
+        const TextureLevel level = readTexture(texture);
+        ASSERT_EQ(level.width, 128);
+        ASSERT_EQ(level.height, 128);
+        int ink = 0, firstRow = -1, lastRow = -1, notBlue = 0;
+        for (std::size_t i = 3; i < level.rgba.size(); i += 4) {
+            if (level.rgba[i] == 0) continue;
+            lastRow = static_cast<int>(i / 4 / 128);
+            firstRow = ink++ ? firstRow : lastRow;
+            notBlue += level.rgba[i - 3] != 0 || level.rgba[i - 2] != 0 || level.rgba[i - 1] != 255;
+        }
+        EXPECT_GT(ink, 200);
+        EXPECT_GT(lastRow - firstRow, 60);
+        EXPECT_GE(lastRow, 100);
+        EXPECT_EQ(notBlue, 0);
     }
-    EXPECT_GT(blue, 100);
-    EXPECT_EQ(other, 0);
-    glDeleteTextures(1, &texture);
-}
-
-TEST_F(NamedImage, ChosenFileThatIsNoImageGivesTheSubstitute) {
-    chosen = (scratchFolder() / "not-an-image.png").string();
-    writeBytes(chosen, {'n', 'o', 'p', 'e'});
-    std::uint32_t texture = 0;
-    int width = 5;
-    int height = 6;
-    testing::internal::CaptureStderr();
-    TextureFromResource("Elsewhere", &texture, &width, &height);
-    const std::string complaint = testing::internal::GetCapturedStderr();
-    EXPECT_NE(complaint.find(chosen), std::string::npos);
-    ASSERT_EQ(alerts.size(), 2u);
-    EXPECT_EQ(alerts[1].message, kSubstitute);
-    EXPECT_EQ(width, 5);
-    EXPECT_EQ(readTexture(texture).width, 128);
-    glDeleteTextures(1, &texture);
 }
 
 TEST_F(NamedImage, CallDuringTheFirstReturnsAtOnce) {
     std::uint32_t inner = 99;
-    int innerWidth = 7;
-    int innerHeight = 8;
-    int nestedCalls = 0;
-    duringAlert = [&] {
-        if (nestedCalls++ == 0) TextureFromResource("Other", &inner, &innerWidth, &innerHeight);
-    };
-    std::uint32_t texture = 0;
-    int width = 0;
-    int height = 0;
-    TextureFromResource("NoSuchPicture", &texture, &width, &height);
-    // Only the first call's two alerts and one panel; the nested call changed nothing.
-    EXPECT_EQ(alerts.size(), 2u);
-    EXPECT_EQ(panelsOpened, 1);
-    EXPECT_EQ(inner, 99u);
-    EXPECT_EQ(innerWidth, 7);
-    EXPECT_EQ(innerHeight, 8);
-    glDeleteTextures(1, &texture);
-
+    int innerWidth = 7, innerHeight = 8;
+    int calls = 0;
+    duringAlert = [&] { calls++ ? void() : TextureFromResource("Other", &inner, &innerWidth, &innerHeight); };
+    load("NoSuchPicture");
+    // Only the first call's two alerts and one panel; the inner call changed nothing.
+    EXPECT_EQ(alerts, (std::vector<std::string>{kLocate, kSubstitute}));
+    EXPECT_EQ(panels, 1);
+    EXPECT_EQ(std::tuple(inner, innerWidth, innerHeight), std::tuple(99u, 7, 8));
     // Once the first call is over, calls work again.
-    duringAlert = nullptr;
-    alerts.clear();
-    TextureFromResource("Other", &inner, &innerWidth, &innerHeight);
-    EXPECT_EQ(alerts.size(), 2u);
+    load("NoSuchPicture");
+    EXPECT_EQ(alerts.size(), 4u);
 }
 
-TEST_F(NamedImage, OverlongNameIsCutToFitTheMessage) {
-    // A name of 3000 characters with a two-byte character where the cut falls.
-    std::string name(2021, 'n');
-    name += "\xC3\xA9";
-    name += std::string(977, 'm');
-    std::uint32_t texture = 0;
-    int width = 0;
-    int height = 0;
-    TextureFromResource(name.c_str(), &texture, &width, &height);
+TEST_F(NamedImage, OverlongNameIsCutWholeCharactersToFitTheMessage) {
+    // 3000 bytes with a two-byte character where the cut falls: it is left out rather than split.
+    load(std::string(2021, 'n') + "\xC3\xA9" + std::string(977, 'm'));
     ASSERT_FALSE(alerts.empty());
-    const std::string& message = alerts[0].message;
-    EXPECT_EQ(message.rfind("Please locate resource = nnn", 0), 0u);
-    EXPECT_LE(message.size(), 2047u);
-    // The two-byte character did not fit whole, so it was left out rather than split.
-    EXPECT_EQ(message.size(), 25u + 2021u);
-    glDeleteTextures(1, &texture);
+    EXPECT_EQ(alerts[0], "Alert|Please locate resource = " + std::string(2021, 'n') + "|OK");
 }
