@@ -1,58 +1,50 @@
-// A view and a host that record what the engine asks of them, and helpers that build a
-// game's records by hand.
+// A view and a host that record what the engine asks of them, a fixture over both, and
+// helpers that build a game's records by hand.
 #pragma once
 
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "engine/EngineContext.h"
 #include "engine/Host.h"
 #include "engine/View.h"
-#include "rules/GameInfo.h"
 
 namespace tolvar::testing {
 
-struct AnimatedMove {
-    std::uint32_t pieceID, startX, startY, endX, endY;
-    bool operator==(const AnimatedMove&) const = default;
-};
-
-class RecordingView : public View {
-public:
+struct RecordingView : View {
     void drawBoard() override { ++draws; }
-    void animatePiece(const BoardPiece& piece, std::uint32_t sx, std::uint32_t sy, std::uint32_t ex,
+    void animatePiece(const BoardPiece& p, std::uint32_t sx, std::uint32_t sy, std::uint32_t ex,
                       std::uint32_t ey) override {
-        moves.push_back({piece.pieceID, sx, sy, ex, ey});
+        moves.push_back(std::to_string(p.pieceID) + ": " + std::to_string(sx) + "," +
+                        std::to_string(sy) + " -> " + std::to_string(ex) + "," + std::to_string(ey));
     }
-    void displayScores(const Value& scores, int h) override {
-        shownScores = scores;
-        highlight = h;
-        ++scoreScreens;
-    }
+    void displayScores(const Value&, int h) override { highlight = h; }
     void clearPieceSprites(int) override { ++spriteClears; }
     void pauseForFlash() override { ++flashFrames; }
-
-    int draws = 0;
-    int flashFrames = 0;
-    int spriteClears = 0;
-    int scoreScreens = 0;
-    int highlight = -2;
-    Value shownScores;
-    std::vector<AnimatedMove> moves;
+    int draws = 0, flashFrames = 0, spriteClears = 0, highlight = -2;
+    std::vector<std::string> moves;  // "piece: from -> to"
 };
 
-struct Alert {
-    std::string title, message, button;
-};
-
-class RecordingHost : public Host {
-public:
-    RecordingHost();
-    ~RecordingHost() override;
-
+struct RecordingHost : Host {
+    RecordingHost() {
+        static std::atomic<int> counter{0};
+        folder /= "tolvar-engine-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
+        std::filesystem::create_directories(folder);
+    }
+    ~RecordingHost() override {
+        std::error_code ec;
+        std::filesystem::remove_all(folder, ec);
+    }
     CurrentEvent currentEvent() override { return event; }
     void runAlert(const std::string& t, const std::string& m, const std::string& b) override {
-        alerts.push_back({t, m, b});
+        alerts.push_back(t + "|" + m + "|" + b);
     }
     bool scoresTimerRunning() const override { return scoresTimer; }
     void startScoresTimer(const Value&) override { scoresTimer = true; }
@@ -66,30 +58,106 @@ public:
     std::string dataFolder() override { return folder.string(); }
 
     CurrentEvent event;
-    std::vector<Alert> alerts;
-    bool scoresTimer = false;
-    int projectionResets = 0;
-    bool gameWindowShown = false;
-    bool mainWindowShown = true;
-    int timerSchedules = 0;
-    std::filesystem::path folder;  // a fresh temporary folder, removed afterwards
+    std::vector<std::string> alerts;  // title|message|button
+    bool scoresTimer = false, gameWindowShown = false, mainWindowShown = true;
+    int projectionResets = 0, timerSchedules = 0;
+    std::filesystem::path folder = std::filesystem::temp_directory_path();  // removed afterwards
 };
 
-// A game of w x h cells with every piece empty (x, y set), one colour each as given
-// column by column by colours (0 = empty cell). Piece numbers as set-up gives them.
-std::unique_ptr<GameInfo> makeGame(int w, int h, const std::vector<int>& colours = {});
+// Each test starts without a game and leaves none behind.
+struct EngineFixture : ::testing::Test {
+    void TearDown() override { gameInfo.reset(); }
+    RecordingView view;
+    RecordingHost host;
+    EngineContext ctx{view, host};
+};
 
-// Sets gameInfo to a game built by makeGame and returns it.
-GameInfo& installGame(int w, int h, const std::vector<int>& colours = {});
+inline std::string stdoutOf(const std::function<void()>& f) {
+    ::testing::internal::CaptureStdout();
+    f();
+    return ::testing::internal::GetCapturedStdout();
+}
 
-// Appends an action at the end of an action chain (so it runs after those before it).
-GameAction& appendAction(std::shared_ptr<GameAction>& list, std::uint32_t id, std::uint32_t type);
-// Pushes a rules event at the head of game's events.
-SupportedEvent& addEvent(GameInfo& game, std::uint32_t id, std::uint32_t type);
-SupportedUserEvent& addUserEvent(GameInfo& game, std::uint32_t id, std::uint32_t type);
+inline std::string stderrOf(const std::function<void()>& f) {  // standard output is dropped
+    ::testing::internal::CaptureStderr();
+    stdoutOf(f);
+    return ::testing::internal::GetCapturedStderr();
+}
 
-// The colour numbers of a column by column, bottom to top, "." for an empty cell, "|" between
-// columns.
-std::string boardPicture(const GameInfo& game);
+// A game of w x h cells, colours given column by column, bottom to top (0 = an empty cell,
+// default 1), pieces numbered from 1 in that order as set-up numbers them.
+inline std::unique_ptr<GameInfo> makeGame(int w, int h, const std::vector<int>& colours = {}) {
+    auto game = std::make_unique<GameInfo>();
+    game->boardWidth = static_cast<std::uint8_t>(w);
+    game->boardHeight = static_cast<std::uint8_t>(h);
+    game->numColors = 4;
+    game->numShapes = game->setupRandomFill = game->scoreMultiplier = 1;
+    game->board.resize(static_cast<std::size_t>(w) * h);
+    for (std::size_t n = 0; n < game->board.size(); ++n) {
+        BoardPiece& p = game->board[n];
+        const int c = n < colours.size() ? colours[n] : 1;
+        p.x = static_cast<std::uint32_t>(n / h);
+        p.y = static_cast<std::uint32_t>(n % h);
+        p.colorIndex = static_cast<std::uint8_t>(c);
+        p.shapeIndex = 1;
+        p.pieceID = c == 0 ? 0 : static_cast<std::uint32_t>(n + 1);
+    }
+    return game;
+}
+
+inline GameInfo& installGame(int w, int h, const std::vector<int>& colours = {}) {
+    return *(gameInfo = makeGame(w, h, colours));
+}
+
+// Appends an action at the end of a chain, so that it runs after those before it.
+inline GameAction& appendAction(std::shared_ptr<GameAction>& list, std::uint32_t id,
+                                std::uint32_t type) {
+    auto a = std::make_unique<GameAction>();
+    a->actionID = id;
+    a->actionType = type;
+    GameAction& ref = *a;
+    if (!list) return list = std::move(a), ref;
+    auto* tail = &list->next;
+    while (*tail) tail = &(*tail)->next;
+    *tail = std::move(a);
+    return ref;
+}
+
+// Rules events go to the head of their list, as the loader leaves the last one listed.
+inline SupportedEvent& addEvent(GameInfo& game, std::uint32_t id, std::uint32_t type) {
+    auto e = std::make_unique<SupportedEvent>();
+    e->eventID = id;
+    e->eventType = type;
+    e->next = std::move(game.events);
+    return *(game.events = std::move(e));
+}
+
+inline SupportedUserEvent& addUserEvent(GameInfo& game, std::uint32_t id, std::uint32_t type) {
+    auto e = std::make_unique<SupportedUserEvent>();
+    e->userEventID = id;
+    e->userEventType = type;
+    e->next = std::move(game.userEvents);
+    return *(game.userEvents = std::move(e));
+}
+
+// Colour numbers column by column, bottom to top, "." for an empty cell, "|" between columns.
+inline std::string boardPicture(const GameInfo& game) {
+    std::string text;
+    for (std::size_t n = 0; n < game.board.size(); ++n) {
+        if (n && n % game.boardHeight == 0) text += '|';
+        text += game.board[n].pieceID ? std::to_string(game.board[n].colorIndex) : ".";
+    }
+    return text;
+}
+
+inline int queued(const GameInfo& game) {
+    int n = 0;
+    for (auto* e = game.eventQueue.get(); e; e = e->next.get()) ++n;
+    return n;
+}
+
+inline long selectedCount(const GameInfo& game) {
+    return std::count_if(game.board.begin(), game.board.end(), [](auto& p) { return p.selected; });
+}
 
 }  // namespace tolvar::testing

@@ -5,6 +5,7 @@ the score charged and the best-score file.
     run_scenarios.py TOLVAR_SIM SCENARIO_DIR [--update]
 
 --update rewrites the expected transcripts (*.out) from the runner."""
+import datetime
 import os
 import plistlib
 import re
@@ -13,14 +14,12 @@ import sys
 import tempfile
 
 SIM, DIR = sys.argv[1], sys.argv[2]
-UPDATE = "--update" in sys.argv[3:]
 NO_MOVES = "alert: No more moves!  Press the 'esc' key to play again after clicking 'OK'. [OK]"
 SWEET = "alert: You got one of the best scores! [Sweet!]"
-GAMES = {
-    "vexamor": ("Vexamor", "vexamor-4x4.dict", True),
-    "trindle": ("Trindle", "trindle-4x4.dict", True),
-    "glimmet": ("Glimmet", "glimmet-5x5.dict", False),
-}
+# key: (game, rules file, lower is better)
+GAMES = {"vexamor": ("Vexamor", "vexamor-4x4.dict", True),
+         "trindle": ("Trindle", "trindle-4x4.dict", True),
+         "glimmet": ("Glimmet", "glimmet-5x5.dict", False)}
 failures = []
 
 
@@ -30,134 +29,115 @@ def check(condition, what):
         print("FAIL:", what)
 
 
+def read(name, mode="r"):
+    with open(os.path.join(DIR, name), mode) as f:
+        return f.read()
+
+
 def sim(home, args, script):
     return subprocess.run([SIM] + args, input=script, capture_output=True, text=True,
                           env=dict(os.environ, XDG_DATA_HOME=home), timeout=120, check=False)
 
 
-def read(name):
-    with open(os.path.join(DIR, name)) as f:
-        return f.read()
+def play(key, home, rules=None):
+    return sim(home, ["--seed", read(key + ".seed").strip(), "--rules",
+                      rules or os.path.join(DIR, GAMES[key][1])], read(key + ".script"))
 
 
-def play(key, home):
-    name, rules, _ = GAMES[key]
-    seed = read(key + ".seed").strip()
-    return sim(home, ["--seed", seed, "--rules", os.path.join(DIR, rules)], read(key + ".script"))
+def scores_path(home):
+    return os.path.join(home, "Tolvar", "BestScores.dict")
 
 
-def scores_file(home):
-    with open(os.path.join(home, "Tolvar", "BestScores.dict"), "rb") as f:
-        return plistlib.load(f)
+def stored(home, name):
+    with open(scores_path(home), "rb") as f:
+        return [e["Score"] for e in plistlib.load(f)[name]]
+
+
+def plant(home, table):
+    os.makedirs(os.path.join(home, "Tolvar"))
+    with open(scores_path(home), "wb") as f:
+        plistlib.dump(table, f)
 
 
 def final_score(out):
     return int(re.findall(r"^state score=(\d+)", out, re.M)[-1])
 
 
-def final_cells(out):
-    return [l for l in out.splitlines() if l.startswith("cell ")]
-
-
 def whole_games():
     for key, (name, _, lower) in GAMES.items():
-        with tempfile.TemporaryDirectory() as home:
-            first = play(key, home)
-            check(first.returncode == 0, key + ": exit status " + str(first.returncode))
-            out = first.stdout
-            golden = os.path.join(DIR, key + ".out")
-            if UPDATE:
-                with open(golden, "w") as f:
+        with tempfile.TemporaryDirectory() as home, tempfile.TemporaryDirectory() as other:
+            run = play(key, home)
+            out = run.stdout
+            check(run.returncode == 0, "%s: exit status %d" % (key, run.returncode))
+            if "--update" in sys.argv[3:]:
+                with open(os.path.join(DIR, key + ".out"), "w") as f:
                     f.write(out)
             check(out == read(key + ".out"), key + ": transcript differs from " + key + ".out")
+            check(play(key, other).stdout == out, key + ": a second run differs")
             check(out.count(NO_MOVES) == 1, key + ": the no-moves alert once")
             score = final_score(out)
-            check(("scores highlight=0: %d\n" % score) in out, key + ": the scores line")
+            check("scores highlight=0: %d\n" % score in out, key + ": the scores line")
             check(SWEET in out, key + ": congratulated")
             removals = out.count("processing event 2\n")
-            cells = final_cells(out)
-            remaining = sum(1 for c in cells if " id=0 " not in c)
-            if lower:
-                # One point per removal, then ten per remaining piece.
+            cells = [l for l in out.splitlines() if l.startswith("cell ")]
+            left = sum(1 for c in cells if " id=0 " not in c)
+            if lower:  # one point per removal, then ten per remaining piece
                 check("multiplier=10" in out, key + ": multiplier raised to 10")
-                check(score == removals + 10 * remaining,
-                      "%s: score %d != %d removals + 10 x %d left" % (key, score, removals, remaining))
+                check(score == removals + 10 * left,
+                      "%s: score %d != %d removals + 10 x %d left" % (key, score, removals, left))
             else:
                 check(score == removals, "%s: score %d != %d clears" % (key, score, removals))
-                check(remaining == len(cells) and "action 7\n" in out, key + ": the board refilled")
-            table = scores_file(home)[name]
-            check([e["Score"] for e in table] == [score], key + ": one best score stored")
-            # The same seed and script give the same transcript, byte for byte.
-            with tempfile.TemporaryDirectory() as other:
-                again = play(key, other)
-                check(again.stdout == out, key + ": a second run differs")
-
-            # A second game with the same score goes after the equal one.
-            second = play(key, home)
-            check("scores highlight=1: %d %d\n" % (score, score) in second.stdout,
-                  key + ": second equal score at index 1")
-            check([e["Score"] for e in scores_file(home)[name]] == [score, score],
-                  key + ": two scores stored")
+                check(left == len(cells) and "action 7\n" in out, key + ": the board refilled")
+            check(stored(home, name) == [score], key + ": one best score stored")
+            second = play(key, home).stdout  # an equal score goes after the first
+            check("scores highlight=1: %d %d\n" % (score, score) in second, key + ": second at 1")
+            check(stored(home, name) == [score, score], key + ": two scores stored")
 
 
 def insertion_order():
     for key, (name, _, lower) in GAMES.items():
         with tempfile.TemporaryDirectory() as home:
             score = final_score(read(key + ".out"))
-            stored = [score - 1, score + 5] if lower else [score + 3, score - 1]
-            os.makedirs(os.path.join(home, "Tolvar"))
-            with open(os.path.join(home, "Tolvar", "BestScores.dict"), "wb") as f:
-                plistlib.dump({name: [{"Score": s, "Date": __import__("datetime").datetime(2025, 1, 1)}
-                                      for s in stored], "Other": []}, f)
+            day = datetime.datetime(2025, 1, 1)
+            old = [score - 1, score + 5] if lower else [score + 3, score - 1]
+            plant(home, {name: [{"Score": s, "Date": day} for s in old], "Other": []})
             out = play(key, home).stdout
             check("scores highlight=1:" in out, key + ": inserted at index 1")
             if not lower:
-                check("got on list at index 1, score %d\n" % score in out, key + ": got on list line")
-            got = [e["Score"] for e in scores_file(home)[name]]
+                check("got on list at index 1, score %d\n" % score in out, key + ": got on list")
+            got = stored(home, name)
             check(got == sorted(got, reverse=not lower), key + ": table ordered " + str(got))
             check(len(got) == 3 and got[1] == score, key + ": new score at index 1 " + str(got))
-            check("Other" in scores_file(home), key + ": other games kept")
+            check(stored(home, "Other") == [], key + ": other games kept")
 
 
-def full_table():
-    key = "trindle"
-    name = GAMES[key][0]
+def full_and_broken_tables():
     with tempfile.TemporaryDirectory() as home:
-        score = final_score(read(key + ".out"))
-        os.makedirs(os.path.join(home, "Tolvar"))
-        path = os.path.join(home, "Tolvar", "BestScores.dict")
-        with open(path, "wb") as f:
-            plistlib.dump({name: [{"Score": score - 1, "Date": __import__("datetime").datetime(2025, 1, 1)}] * 20}, f)
-        before = open(path, "rb").read()
-        out = play(key, home).stdout
-        check(("scores highlight=-1:" + (" %d" % (score - 1)) * 20 + "\n") in out,
-              "full table: refused, twenty shown")
+        score = final_score(read("trindle.out"))
+        plant(home, {"Trindle": [{"Score": score - 1, "Date": datetime.datetime(2025, 1, 1)}] * 20})
+        before = open(scores_path(home), "rb").read()
+        out = play("trindle", home).stdout
+        check("scores highlight=-1:" + " %d" % (score - 1) * 20 + "\n" in out, "full: refused")
         check(SWEET not in out, "full table: no congratulation")
-        check(open(path, "rb").read() == before, "full table: file untouched")
-
-
-def broken_table():
-    key = "vexamor"
+        check(open(scores_path(home), "rb").read() == before, "full table: file untouched")
     with tempfile.TemporaryDirectory() as home:
         os.makedirs(os.path.join(home, "Tolvar"))
-        path = os.path.join(home, "Tolvar", "BestScores.dict")
         junk = bytes(range(256)) * 3
-        with open(path, "wb") as f:
+        with open(scores_path(home), "wb") as f:
             f.write(junk)
-        run = play(key, home)
+        run = play("vexamor", home)
         check(run.returncode == 0, "broken table: exit status")
         check(".unreadable" in run.stderr and "BestScores.dict" in run.stderr,
               "broken table: a line on standard error: " + run.stderr)
-        check(open(path + ".unreadable", "rb").read() == junk, "broken table: kept aside intact")
-        check(len(scores_file(home)["Vexamor"]) == 1, "broken table: a new table written")
+        check(open(scores_path(home) + ".unreadable", "rb").read() == junk, "broken: kept intact")
+        check(len(stored(home, "Vexamor")) == 1, "broken table: a new table written")
 
 
 def refusals_and_errors():
     with tempfile.TemporaryDirectory() as home:
-        rules = os.path.join(home, "bad.dict")
-        with open(os.path.join(DIR, "vexamor-4x4.dict"), "rb") as f:
-            game = plistlib.load(f)
+        game = plistlib.loads(read("vexamor-4x4.dict", "rb"))
         game["Vexamor"]["BoardWidth"] = 0
+        rules = os.path.join(home, "bad.dict")
         with open(rules, "wb") as f:
             plistlib.dump(game, f)
         run = sim(home, ["--seed", "3", "--rules", rules],
@@ -167,27 +147,19 @@ def refusals_and_errors():
               "unplayable: the alert names the rule: " + run.stdout[-300:])
         check(run.stdout.endswith("state score=0 multiplier=0 started=0 paused=1\n"),
               "unplayable: nothing started")
-
-        cases = [
-            ("select Vexamor\nstart\nfly 1 2\n", "line 3: "),
-            ("select Nowhere\n", "line 1: "),
-            ("# a comment\n\nmenu 9\n", "line 3: "),
-            ("down 1 x\n", "line 1: "),
-            ("key spacebar\n", "line 1: "),
-            ("tick -1\n", "line 1: "),
-        ]
-        for script, where in cases:
+        for script, line in [("select Vexamor\nstart\nfly 1 2\n", 3), ("select Nowhere\n", 1),
+                             ("# a comment\n\nmenu 9\n", 3), ("down 1 x\n", 1),
+                             ("key spacebar\n", 1), ("tick -1\n", 1)]:
             run = sim(home, ["--seed", "1", "--rules", os.path.join(DIR, "vexamor-4x4.dict")], script)
-            check(run.returncode == 2, "error status for " + repr(script))
-            check(run.stderr.startswith("tolvar-sim: " + where), "error line for %r: %r" % (script, run.stderr))
+            check(run.returncode == 2 and run.stderr.startswith("tolvar-sim: line %d: " % line),
+                  "error for %r: %d %r" % (script, run.returncode, run.stderr))
         missing = sim(home, ["--rules", os.path.join(home, "none.dict")], "")
         check(missing.returncode == 2 and "none.dict" in missing.stderr, "unreadable rules file")
 
 
 whole_games()
 insertion_order()
-full_table()
-broken_table()
+full_and_broken_tables()
 refusals_and_errors()
 print("%d failure(s)" % len(failures))
 sys.exit(1 if failures else 0)

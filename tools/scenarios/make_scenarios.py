@@ -5,8 +5,9 @@ transcripts they give.
 
     make_scenarios.py TOLVAR_SIM [OUT_DIR]
 
-Run it again only when the engine's transcript changes on purpose; run_scenarios.py checks
-that the runner still plays every script to the same end."""
+OUT_DIR defaults to tests/unit/engine/sim. Run it again only when the engine's transcript
+changes on purpose; tests/unit/engine/sim/run_scenarios.py checks that the runner still plays
+every script to the same end."""
 import os
 import plistlib
 import random
@@ -15,7 +16,8 @@ import sys
 import tempfile
 
 SIM = sys.argv[1]
-OUT = sys.argv[2] if len(sys.argv) > 2 else os.path.dirname(os.path.abspath(__file__))
+OUT = sys.argv[2] if len(sys.argv) > 2 else os.path.join(
+    os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "unit", "engine", "sim")
 
 NO_MOVES = "alert: No more moves!  Press the 'esc' key to play again after clicking 'OK'. [OK]"
 
