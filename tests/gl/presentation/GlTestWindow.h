@@ -1,6 +1,5 @@
-// A 1024 x 768 window with the game window's OpenGL state, drawn into and read back from its back
-// buffer, with pixel probes and recording stand-ins for the host and window (also used by the
-// drawing benchmark).
+// A 1024 x 768 window in the game window's OpenGL state, drawn into and read back from its back
+// buffer; pixel probes; stand-ins for the host and the window. Shared with the drawing benchmark.
 #pragma once
 
 #include <functional>
@@ -11,14 +10,12 @@
 
 namespace tolvar::test {
 
-// Opens the window on first use; false with the reason when there is no display.
-bool openTestWindow(std::string& why);
+bool openTestWindow(std::string& why);  // false, with the reason, when there is no display
 
 struct Rgb {
     int r = 0, g = 0, b = 0;
 };
-Rgb pixelAt(int x, int y);
-// Pixels of [x0, x1] x [y0, y1] (origin lower left) for which test holds.
+Rgb pixelAt(int x, int y);  // origin lower left
 int countPixels(int x0, int y0, int x1, int y1, const std::function<bool(const Rgb&)>& test);
 bool near(const Rgb& p, int r, int g, int b, int tolerance);
 bool saveWindowPicture(const std::string& path);  // PNG, top row first
@@ -26,20 +23,19 @@ bool saveWindowPicture(const std::string& path);  // PNG, top row first
 class RecordingHost : public Host {
 public:
     CurrentEvent currentEvent() override { return {}; }
-    void runAlert(const std::string&, const std::string&, const std::string&) override { ++alerts; }
+    void runAlert(const std::string&, const std::string&, const std::string&) override {}
     bool scoresTimerRunning() const override { return timerRunning; }
     void startScoresTimer(const Value&) override { timerRunning = true, ++timerStarts; }
     void stopScoresTimer() override { timerRunning = false; }
     void resetProjection() override {}
+    void scheduleEngineTimers() override {}
     void showGameWindow() override {}
     void hideGameWindow() override {}
     void showMainWindow() override {}
     void hideMainWindow() override {}
-    void scheduleEngineTimers() override {}
     std::string dataFolder() override { return "."; }
-
     bool timerRunning = false;
-    int timerStarts = 0, alerts = 0;
+    int timerStarts = 0;
 };
 
 struct CountingWindow {
