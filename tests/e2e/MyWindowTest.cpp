@@ -5,26 +5,34 @@
 #include <SDL.h>
 #include <SDL_opengl.h>
 
-#include <memory>
+#include <array>
 
 #include "MyWindow.h"
 
 namespace tolvar {
 namespace {
 
+std::array<GLubyte, 4> frontPixel(int x, int y) {
+    std::array<GLubyte, 4> p{9, 9, 9, 9};
+    glReadBuffer(GL_FRONT);
+    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, p.data());
+    return p;
+}
+
 class GameWindow : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO), 0) << SDL_GetError(); }
     // SDL stays initialised: shutting it down would unload the OpenGL driver before the leak
     // checker runs.
+    static void SetUpTestSuite() { ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO), 0) << SDL_GetError(); }
+    void SetUp() override {
+        ASSERT_TRUE(window.valid()) << SDL_GetError();
+        window.orderFront();
+        window.makeCurrentContext();
+    }
+    MyWindow window{"Tolvar", 1024, 768};
 };
 
 TEST_F(GameWindow, HasATitledFixedContentAreaAndASingleBufferedLegacyContext) {
-    MyWindow window("Tolvar", 1024, 768);
-    ASSERT_TRUE(window.valid()) << SDL_GetError();
-    window.orderFront();
-    window.makeCurrentContext();
-
     int w = 0, h = 0;
     SDL_GetWindowSize(window.sdlWindow(), &w, &h);
     EXPECT_EQ(w, 1024);
@@ -34,26 +42,23 @@ TEST_F(GameWindow, HasATitledFixedContentAreaAndASingleBufferedLegacyContext) {
     EXPECT_EQ(flags & SDL_WINDOW_BORDERLESS, 0u) << "the window has a title bar";
     EXPECT_STREQ(SDL_GetWindowTitle(window.sdlWindow()), "Tolvar");
 
-    int doubleBuffer = -1, depth = 0, red = 0, green = 0, blue = 0, alpha = 0, profile = 0;
-    SDL_GL_GetAttribute(SDL_GL_DOUBLEBUFFER, &doubleBuffer);
-    SDL_GL_GetAttribute(SDL_GL_DEPTH_SIZE, &depth);
-    SDL_GL_GetAttribute(SDL_GL_RED_SIZE, &red);
-    SDL_GL_GetAttribute(SDL_GL_GREEN_SIZE, &green);
-    SDL_GL_GetAttribute(SDL_GL_BLUE_SIZE, &blue);
-    SDL_GL_GetAttribute(SDL_GL_ALPHA_SIZE, &alpha);
-    SDL_GL_GetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, &profile);
-    EXPECT_EQ(doubleBuffer, 0) << "single-buffered: a frame is shown by glFlush";
-    EXPECT_GT(depth, 0);
-    EXPECT_EQ(red + green + blue, 24);
-    EXPECT_EQ(alpha, 8);
-    EXPECT_NE(profile, SDL_GL_CONTEXT_PROFILE_CORE);
+    const auto attr = [](SDL_GLattr a) {
+        int v = -1;
+        SDL_GL_GetAttribute(a, &v);
+        return v;
+    };
+    EXPECT_EQ(attr(SDL_GL_DOUBLEBUFFER), 0) << "single-buffered: a frame is shown by glFlush";
+    EXPECT_GT(attr(SDL_GL_DEPTH_SIZE), 0);
+    EXPECT_EQ(attr(SDL_GL_RED_SIZE) + attr(SDL_GL_GREEN_SIZE) + attr(SDL_GL_BLUE_SIZE), 24);
+    EXPECT_EQ(attr(SDL_GL_ALPHA_SIZE), 8);
+    EXPECT_NE(attr(SDL_GL_CONTEXT_PROFILE_MASK), SDL_GL_CONTEXT_PROFILE_CORE);
     EXPECT_TRUE(window.samples() == 4 || window.samples() == 0);
     RecordProperty("samples", window.samples());
     GLint samples = -1;
     glGetIntegerv(GL_SAMPLES, &samples);
     EXPECT_EQ(samples, window.samples()) << "the context has the samples that were asked for";
 
-    // Legacy fixed-function state is there: lights, matrix stacks, rectangle textures.
+    // Legacy fixed-function state is there: matrix stacks, rectangle textures.
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
     glOrtho(0.0, 1024.0, 0.0, 768.0, 500.0, -500.0);
@@ -75,27 +80,19 @@ TEST_F(GameWindow, HasATitledFixedContentAreaAndASingleBufferedLegacyContext) {
     glEnd();
     glFlush();
     window.flushBuffer();
-    GLubyte hit[4] = {0, 0, 0, 0}, miss[4] = {9, 9, 9, 9};
-    glReadBuffer(GL_FRONT);
-    glReadPixels(100, 50, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, hit);
-    glReadPixels(100, 60, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, miss);
+    const auto hit = frontPixel(100, 50);
     EXPECT_GT(hit[0], 200);
     EXPECT_GT(hit[1], 200);
     EXPECT_LT(hit[2], 50);
-    EXPECT_LT(miss[0], 50);
+    EXPECT_LT(frontPixel(100, 60)[0], 50);
 
-    // Showing the last frame again keeps it as it was.
+    // Showing the last frame again keeps it, and leaves the state as it found it.
     window.redisplay();
-    GLubyte again[4] = {0, 0, 0, 0};
-    glReadPixels(100, 50, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, again);
-    EXPECT_EQ(again[0], hit[0]);
-    EXPECT_EQ(again[1], hit[1]);
+    EXPECT_EQ(frontPixel(100, 50), hit);
     GLint mode = 0;
     glGetIntegerv(GL_MATRIX_MODE, &mode);
-    EXPECT_EQ(mode, GL_MODELVIEW) << "redisplay leaves the matrix mode as it found it";
-    GLboolean depthTest = GL_TRUE;
-    glGetBooleanv(GL_DEPTH_TEST, &depthTest);
-    EXPECT_EQ(depthTest, GL_FALSE) << "and the rest of the state";
+    EXPECT_EQ(mode, GL_MODELVIEW);
+    EXPECT_FALSE(glIsEnabled(GL_DEPTH_TEST));
 
     window.orderOut();
     EXPECT_FALSE(window.isVisible());
@@ -104,9 +101,6 @@ TEST_F(GameWindow, HasATitledFixedContentAreaAndASingleBufferedLegacyContext) {
 }
 
 TEST_F(GameWindow, MouseLocationIsInScreenCoordinatesFromTheLowerLeft) {
-    MyWindow window("Tolvar", 1024, 768);
-    ASSERT_TRUE(window.valid());
-    window.orderFront();
     SDL_Rect bounds{};
     ASSERT_EQ(SDL_GetDisplayBounds(0, &bounds), 0);
     SDL_WarpMouseGlobal(40, 30);

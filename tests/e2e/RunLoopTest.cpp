@@ -2,92 +2,70 @@
 // after the thread was blocked (an alert, the removal flash, a falling piece).
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "platform/RunLoop.h"
 
 namespace tolvar {
 namespace {
 
-struct FakeClock {
+struct TimersTest : ::testing::Test {
     double now = 100.0;
+    Timers timers{[this] { return now; }};
+    int fireAfter(double seconds) {
+        now += seconds;
+        return timers.fireDue();
+    }
 };
 
-TEST(Timers, FireOncePerIntervalAndReportTheNextDueTime) {
-    FakeClock clock;
-    Timers timers([&] { return clock.now; });
+TEST_F(TimersTest, FireOncePerIntervalAndReportTheNextDueTime) {
     EXPECT_LT(timers.secondsUntilNextDue(), 0.0) << "no timer: the loop may sleep until an event";
     int ticks = 0;
     timers.schedule(0.033, [&] { ++ticks; });
     EXPECT_NEAR(timers.secondsUntilNextDue(), 0.033, 1e-9);
-    EXPECT_EQ(timers.fireDue(), 0);
-    clock.now += 0.020;
-    EXPECT_EQ(timers.fireDue(), 0);
+    EXPECT_EQ(fireAfter(0.020), 0);
     EXPECT_NEAR(timers.secondsUntilNextDue(), 0.013, 1e-9);
-    clock.now += 0.013;
-    EXPECT_EQ(timers.fireDue(), 1);
-    EXPECT_EQ(ticks, 1);
-    // Ten intervals of steady running give ten ticks.
-    for (int i = 0; i < 10; ++i) {
-        clock.now += 0.033;
-        timers.fireDue();
-    }
-    EXPECT_EQ(ticks, 11);
+    EXPECT_EQ(fireAfter(0.013), 1);
+    for (int i = 0; i < 10; ++i) fireAfter(0.033);
+    EXPECT_EQ(ticks, 11) << "ten intervals of steady running give ten ticks";
 }
 
-TEST(Timers, ABlockedThreadResumesWithoutABurstOfMissedTicks) {
-    FakeClock clock;
-    Timers timers([&] { return clock.now; });
+TEST_F(TimersTest, ABlockedThreadResumesWithoutABurstOfMissedTicks) {
     int eventTicks = 0, scoreTicks = 0;
-    bool block = true;
     timers.schedule(0.033, [&] {
-        ++eventTicks;
-        if (block) {  // an alert stays up for two seconds
-            clock.now += 2.0;
-            block = false;
-        }
+        if (++eventTicks == 1) now += 2.0;  // an alert stays up for two seconds
     });
     timers.schedule(0.033, [&] { ++scoreTicks; });
-    clock.now += 0.033;
-    timers.fireDue();
+    fireAfter(0.033);
     EXPECT_EQ(eventTicks, 1);
-    // The other timer was due when the alert went up: it fires once, not sixty times.
-    const int scoresAfterBlock = scoreTicks;
-    EXPECT_LE(scoresAfterBlock, 1);
+    EXPECT_LE(scoreTicks, 1) << "due when the alert went up: it fires once, not sixty times";
     int fired = 0;
     for (int i = 0; i < 5; ++i) fired += timers.fireDue();
     EXPECT_LE(fired, 2) << "missed ticks must not be fired in a burst";
     EXPECT_LE(eventTicks + scoreTicks, 4);
-    // And each timer is next due within one interval.
-    EXPECT_LE(timers.secondsUntilNextDue(), 0.033 + 1e-9);
+    EXPECT_LE(timers.secondsUntilNextDue(), 0.033 + 1e-9) << "each timer is next due within one interval";
 }
 
-TEST(Timers, AnActionMayStopItselfOrAnotherTimer) {
-    FakeClock clock;
-    Timers timers([&] { return clock.now; });
-    int a = 0, b = 0;
-    Timers::Id idB = 0;
-    Timers::Id idA = timers.schedule(0.01, [&] {
+TEST_F(TimersTest, AnActionMayStopItselfOrAnotherTimer) {
+    int a = 0, b = 0, c = 0;
+    Timers::Id idB = 0, self = 0;
+    const Timers::Id idA = timers.schedule(0.01, [&] {
         ++a;
         timers.invalidate(idB);
     });
     idB = timers.schedule(0.01, [&] { ++b; });
-    EXPECT_TRUE(timers.isValid(idA));
     EXPECT_TRUE(timers.isValid(idB));
-    clock.now += 0.01;
-    timers.fireDue();
+    fireAfter(0.01);
     EXPECT_EQ(a, 1);
     EXPECT_EQ(b, 0) << "stopped before its turn in the same pass";
     EXPECT_FALSE(timers.isValid(idB));
 
-    Timers::Id self = 0;
-    int c = 0;
     self = timers.schedule(0.01, [&] {
         ++c;
         timers.invalidate(self);
     });
-    clock.now += 0.01;
-    timers.fireDue();
-    clock.now += 0.01;
-    timers.fireDue();
+    fireAfter(0.01);
+    fireAfter(0.01);
     EXPECT_EQ(c, 1);
     EXPECT_FALSE(timers.isValid(self));
     timers.invalidate(0);      // no timer: ignored
@@ -95,22 +73,15 @@ TEST(Timers, AnActionMayStopItselfOrAnotherTimer) {
     EXPECT_TRUE(timers.isValid(idA));
 }
 
-TEST(Timers, ATimerScheduledFromAnActionWaitsAWholeInterval) {
-    FakeClock clock;
-    Timers timers([&] { return clock.now; });
+TEST_F(TimersTest, ATimerScheduledFromAnActionWaitsAWholeInterval) {
     int scores = 0;
     bool started = false;
     timers.schedule(0.033, [&] {
-        if (!started) {
-            started = true;
-            timers.schedule(0.033, [&] { ++scores; });
-        }
+        if (!std::exchange(started, true)) timers.schedule(0.033, [&] { ++scores; });
     });
-    clock.now += 0.033;
-    timers.fireDue();
+    fireAfter(0.033);
     EXPECT_EQ(scores, 0);
-    clock.now += 0.033;
-    timers.fireDue();
+    fireAfter(0.033);
     EXPECT_EQ(scores, 1);
 }
 

@@ -6,21 +6,20 @@
 """
 
 import argparse
-import copy
 import os
 import plistlib
 import subprocess
 import sys
 import time
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+# The program is driven by the end-to-end tests' driver.
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "e2e"))
 from tolvar_driver import MAIN_H, MAIN_W, MENU_BAR_H, WIN_H, WIN_W, Layout, Tolvar  # noqa: E402
 
 
 def save(t, path, x, y, w, h):
-    raw = t.shot().raw
-    subprocess.run(["convert", "-size", "1280x1024", "-depth", "8", "rgb:-", "-crop", "%dx%d+%d+%d" % (w, h, x, y),
-                    "+repage", path], input=raw, check=True)
+    subprocess.run(["convert", "-size", "1280x1024", "-depth", "8", "bgra:-", "-alpha", "off", "-crop",
+                    "%dx%d+%d+%d" % (w, h, x, y), "+repage", path], input=t.shot().raw, check=True)
     print("wrote", path)
 
 
@@ -39,13 +38,11 @@ def main():
             if index != 1:
                 t.choose_game(index)
             t.press_start()
-            t.wait_for(lambda: t.mapped(t.game), 10, "the game window")
             time.sleep(1.0)
-            gx, gy = t.game_origin()
+            gx, gy = t.geometry(t.game)
             if name == "vexamor":
                 # A region selected, to show its outline.
-                lay = Layout(8, 8)
-                t.click(*lay.cell_center_screen((gx, gy), 3, 3))
+                t.click(*Layout(8, 8, (gx, gy)).centre(3, 3))
                 time.sleep(0.5)
             save(t, os.path.join(out, "window-%s.png" % name), gx, gy, WIN_W, WIN_H)
             t.key("ctrl+w")
@@ -61,26 +58,21 @@ def main():
         rules_path = os.path.join(t.folder, "RulesDict.dict")
         with open(rules_path, "rb") as f:
             rules = plistlib.load(f)
-        quick = copy.deepcopy(rules["Vexamor"])
-        quick["BoardWidth"], quick["BoardHeight"], quick["NumColors"] = 2, 1, 1
-        rules["Vexamor"] = quick
+        rules["Vexamor"] = dict(rules["Vexamor"], BoardWidth=2, BoardHeight=1, NumColors=1)
         with open(rules_path, "wb") as f:
             plistlib.dump(rules, f, sort_keys=False)
         t.launch()
         t.choose_game(1)
         t.press_start()
-        t.wait_for(lambda: t.mapped(t.game), 10, "the game window")
         time.sleep(0.5)
-        gx, gy = t.game_origin()
-        lay = Layout(2, 1)
-        t.click(*lay.cell_center_screen((gx, gy), 0, 0))
+        gx, gy = t.geometry(t.game)
+        t.click(*Layout(2, 1, (gx, gy)).centre(0, 0))
         time.sleep(0.3)
         t.key("space")
-        t.dismiss_alerts(expect=1)
         deadline = time.monotonic() + 10
         while time.monotonic() < deadline and not os.path.exists(os.path.join(t.folder, "BestScores.dict")):
-            if t.alert_windows():
-                t.dismiss_alerts(expect=1)
+            if t.alerts():
+                t.dismiss_alert()
             time.sleep(0.1)
         time.sleep(1.0)
         save(t, os.path.join(out, "window-scores.png"), gx, gy, WIN_W, WIN_H)
