@@ -1,5 +1,4 @@
-// A view and a host that record what the engine asks of them, a fixture over both, and
-// helpers that build a game's records by hand.
+// A view and a host that record what the engine asks, a fixture, and hand-built games.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,8 +8,6 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "engine/EngineContext.h"
 #include "engine/Host.h"
@@ -20,16 +17,16 @@ namespace tolvar::testing {
 
 struct RecordingView : View {
     void drawBoard() override { ++draws; }
-    void animatePiece(const BoardPiece& p, std::uint32_t sx, std::uint32_t sy, std::uint32_t ex,
-                      std::uint32_t ey) override {
-        moves.push_back(std::to_string(p.pieceID) + ": " + std::to_string(sx) + "," +
-                        std::to_string(sy) + " -> " + std::to_string(ex) + "," + std::to_string(ey));
+    void animatePiece(const BoardPiece& p, std::uint32_t x, std::uint32_t y, std::uint32_t toX,
+                      std::uint32_t toY) override {  // "piece: from -> to"
+        auto text = [](auto... n) { return ((std::to_string(n) + " ") + ...); };
+        moves.push_back(text(p.pieceID) + "from " + text(x, y) + "to " + text(toX, toY));
     }
-    void displayScores(const Value&, int h) override { highlight = h; }
+    void displayScores(const Value&, int) override {}
     void clearPieceSprites(int) override { ++spriteClears; }
     void pauseForFlash() override { ++flashFrames; }
-    int draws = 0, flashFrames = 0, spriteClears = 0, highlight = -2;
-    std::vector<std::string> moves;  // "piece: from -> to"
+    int draws = 0, flashFrames = 0, spriteClears = 0;
+    std::vector<std::string> moves;
 };
 
 struct RecordingHost : Host {
@@ -38,10 +35,7 @@ struct RecordingHost : Host {
         folder /= "tolvar-engine-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
         std::filesystem::create_directories(folder);
     }
-    ~RecordingHost() override {
-        std::error_code ec;
-        std::filesystem::remove_all(folder, ec);
-    }
+    ~RecordingHost() override { std::error_code ec; std::filesystem::remove_all(folder, ec); }
     CurrentEvent currentEvent() override { return event; }
     void runAlert(const std::string& t, const std::string& m, const std::string& b) override {
         alerts.push_back(t + "|" + m + "|" + b);
@@ -64,9 +58,8 @@ struct RecordingHost : Host {
     std::filesystem::path folder = std::filesystem::temp_directory_path();  // removed afterwards
 };
 
-// Each test starts without a game and leaves none behind.
 struct EngineFixture : ::testing::Test {
-    void TearDown() override { gameInfo.reset(); }
+    void TearDown() override { gameInfo.reset(); }  // no game left behind
     RecordingView view;
     RecordingHost host;
     EngineContext ctx{view, host};
@@ -78,7 +71,7 @@ inline std::string stdoutOf(const std::function<void()>& f) {
     return ::testing::internal::GetCapturedStdout();
 }
 
-inline std::string stderrOf(const std::function<void()>& f) {  // standard output is dropped
+inline std::string stderrOf(const std::function<void()>& f) {  // drops standard output
     ::testing::internal::CaptureStderr();
     stdoutOf(f);
     return ::testing::internal::GetCapturedStderr();
@@ -96,10 +89,8 @@ inline std::unique_ptr<GameInfo> makeGame(int w, int h, const std::vector<int>& 
     for (std::size_t n = 0; n < game->board.size(); ++n) {
         BoardPiece& p = game->board[n];
         const int c = n < colours.size() ? colours[n] : 1;
-        p.x = static_cast<std::uint32_t>(n / h);
-        p.y = static_cast<std::uint32_t>(n % h);
-        p.colorIndex = static_cast<std::uint8_t>(c);
-        p.shapeIndex = 1;
+        p.x = static_cast<std::uint32_t>(n / h), p.y = static_cast<std::uint32_t>(n % h);
+        p.colorIndex = static_cast<std::uint8_t>(c), p.shapeIndex = 1;
         p.pieceID = c == 0 ? 0 : static_cast<std::uint32_t>(n + 1);
     }
     return game;
@@ -113,29 +104,25 @@ inline GameInfo& installGame(int w, int h, const std::vector<int>& colours = {})
 inline GameAction& appendAction(std::shared_ptr<GameAction>& list, std::uint32_t id,
                                 std::uint32_t type) {
     auto a = std::make_unique<GameAction>();
-    a->actionID = id;
-    a->actionType = type;
+    a->actionID = id, a->actionType = type;
     GameAction& ref = *a;
     if (!list) return list = std::move(a), ref;
     auto* tail = &list->next;
     while (*tail) tail = &(*tail)->next;
-    *tail = std::move(a);
-    return ref;
+    return *(*tail = std::move(a));
 }
 
 // Rules events go to the head of their list, as the loader leaves the last one listed.
 inline SupportedEvent& addEvent(GameInfo& game, std::uint32_t id, std::uint32_t type) {
     auto e = std::make_unique<SupportedEvent>();
-    e->eventID = id;
-    e->eventType = type;
+    e->eventID = id, e->eventType = type;
     e->next = std::move(game.events);
     return *(game.events = std::move(e));
 }
 
 inline SupportedUserEvent& addUserEvent(GameInfo& game, std::uint32_t id, std::uint32_t type) {
     auto e = std::make_unique<SupportedUserEvent>();
-    e->userEventID = id;
-    e->userEventType = type;
+    e->userEventID = id, e->userEventType = type;
     e->next = std::move(game.userEvents);
     return *(game.userEvents = std::move(e));
 }

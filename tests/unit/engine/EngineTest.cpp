@@ -1,54 +1,215 @@
-// The game lifecycle through the engine's facade (starts, unplayable rules, the menu) and the
-// best-score table (where a score goes, a broken file kept aside).
+// The event tick (action order, completion with several pending removals), the input poll
+// (new events only, gestures, keys, Escape), starting games, and the best-score table.
 #include <sys/stat.h>
 
 #include <variant>
 
 #include "EngineFakes.h"
 #include "engine/Completion.h"
+#include "engine/Dispatcher.h"
 #include "engine/Engine.h"
+#include "engine/EventQueue.h"
+#include "engine/UserInput.h"
 #include "platform/PlistFile.h"
 #include "rules/BuiltinGames.h"
 
 namespace tolvar {
 namespace {
 
-using testing::stdoutOf;
+using namespace testing;
+
+struct DispatcherTest : EngineFixture {
+    void SetUp() override { installGame(2, 2, {1, 2, 3, 4}), ctx.gamePaused = 0; }
+    std::string tick() { return stdoutOf([&] { dispatcher.processEvents(); }); }
+    void queue(const SupportedEvent& e) { EventQueue(*gameInfo).addEventToQueue(e.copyForQueue()); }
+    Dispatcher dispatcher{ctx};
+};
+
+TEST_F(DispatcherTest, ActionsRunInListOrderAndUnknownOnesAreSkipped) {
+    SupportedEvent& start = addEvent(*gameInfo, 1, kEventGameStarted);
+    appendAction(start.actions, 30, 2).amount = 4;  // multiplier 1 + 4
+    appendAction(start.actions, 31, 0);
+    appendAction(start.actions, 32, 1).amount = -1;  // score -= multiplier
+    appendAction(start.actions, 33, 25);
+    ctx.gameStarted = 1;
+    EXPECT_EQ(tick(), "processing event 1\naction 30\naction 31\nunknown action specified.\n"
+                      "action 32\naction 33\nunknown action specified.\n");
+    EXPECT_EQ(gameInfo->scoreMultiplier, 5u);
+    EXPECT_EQ(gameInfo->score, static_cast<std::uint64_t>(-5));  // wrapped below zero
+    EXPECT_EQ(ctx.gameStarted, 0);
+    EXPECT_EQ(view.draws, 2);  // action 1 and the end of the tick
+}
+
+TEST_F(DispatcherTest, StartEventReplacesWhateverWasPendingAndIsOptional) {
+    GameInfo& game = *gameInfo;
+    ctx.gameStarted = 1;
+    EXPECT_EQ(tick(), "");  // no start event: only the flag goes
+    EXPECT_EQ(ctx.gameStarted, 0);
+    addEvent(game, 1, kEventGameStarted);
+    addEvent(game, 4, kEventPiecesRemoved);
+    queue(addEvent(game, 2, kEventPiecesRemoved));  // listed last: the one found
+    EXPECT_EQ(EventQueue(game).isEventSupported(kEventPiecesRemoved)->eventID, 2u);
+    ctx.gameStarted = 1;
+    EXPECT_EQ(tick(), "processing event 1\n");
+    EXPECT_EQ(game.eventQueue, nullptr);
+}
+
+TEST_F(DispatcherTest, CompletionRunsOnlyForTheLastPendingRemoval) {
+    SupportedEvent& removed = addEvent(*gameInfo, 2, kEventPiecesRemoved);
+    appendAction(removed.actions, 21, 21);  // no criterion: every completion test ends the game
+    appendAction(addEvent(*gameInfo, 3, kEventNoMovesLeft).actions, 40, 3);
+    queue(removed);
+    queue(removed);
+    EXPECT_EQ(tick(), "processing event 2\naction 21\nprocessing event 2\naction 21\n"
+                      "processing event 3\naction 40\n");
+    queue(removed);
+    EXPECT_EQ(tick(), "processing event 2\naction 21\nprocessing event 3\naction 40\n");
+}
+
+TEST_F(DispatcherTest, CompletionInAnotherEventWaitsForPendingRemovals) {
+    SupportedEvent& removed = addEvent(*gameInfo, 2, kEventPiecesRemoved);
+    SupportedEvent& other = addEvent(*gameInfo, 5, 99);
+    appendAction(other.actions, 21, 21);
+    appendAction(other.actions, 22, 26).variableID = 6;  // no such variable: skipped
+    addEvent(*gameInfo, 3, kEventNoMovesLeft);
+    queue(other);
+    queue(removed);
+    EXPECT_EQ(tick(), "processing event 5\naction 21\naction 22\nprocessing event 2\n");
+    queue(other);
+    EXPECT_EQ(tick(), "processing event 5\naction 21\naction 22\nprocessing event 3\n");
+}
+
+struct UserInputTest : EngineFixture {
+    // Cells of an 8 x 8 board are 93.5 wide from (138, 10); events land inside them.
+    void poll(std::int64_t type, int x, int y, std::uint16_t code = 0, const char* text = "") {
+        host.event = CurrentEvent{type, code, text, 178 + 93.5f * x, 50 + 93.5f * y};
+        input.checkUserEvents();
+    }
+    void key(std::int64_t type, std::uint16_t code, const char* s) { poll(type, 0, 0, code, s); }
+    void click(int x, int y) { poll(kEventTypeMouseDown, x, y), poll(kEventTypeMouseUp, x, y); }
+    // A checkerboard with a region of three at (0,0), (0,1), (1,0); space removes the selection.
+    GameInfo& game(std::uint32_t kind = kUserEventSelectColorRegion) {
+        std::vector<int> colours(64);
+        for (int n = 0; n < 64; ++n) colours[n] = 1 + (n + n / 8) % 2;
+        colours[0] = colours[1] = colours[8] = 3;
+        GameInfo& game = installGame(8, 8, colours);
+        addUserEvent(game, 1, kUserEventRemoveSelection).userEventCharacter = ' ';
+        addUserEvent(game, 2, kind).minimumPieces = 2;
+        addEvent(game, 2, kEventPiecesRemoved);
+        ctx.gamePaused = 0;
+        return game;
+    }
+    UserInput input{ctx};
+};
+
+TEST_F(UserInputTest, ClicksSelectAndDeselectARegionAndAHeldKeyDoesNotRepeat) {
+    GameInfo& g = game();
+    click(3, 3);  // a lone piece
+    EXPECT_EQ(selectedCount(g), 0);
+    click(1, 0);
+    EXPECT_EQ(selectedCount(g), 3);
+    click(0, 1);
+    EXPECT_EQ(selectedCount(g), 0);
+    click(0, 0);
+    key(kEventTypeKeyDown, 49, " ");
+    EXPECT_EQ(boardPicture(g).substr(0, 10), "..121212|.");
+    EXPECT_EQ(g.board[0].selected, 1);  // removal leaves the mark
+    EXPECT_EQ(queued(g), 1);
+    key(kEventTypeKeyDown, 49, " ");  // the same key again with nothing between: a repeat
+    EXPECT_EQ(queued(g), 1);
+    key(kEventTypeKeyUp, 49, " ");  // released and pressed again: the marks queue once more
+    key(kEventTypeKeyDown, 49, " ");
+    EXPECT_EQ(queued(g), 2);
+    addUserEvent(g, 3, kUserEventRemoveSelection).userEventCharacter = 'x';
+    key(kEventTypeKeyDown, 7, "x");  // another key while the first is held is new
+    EXPECT_EQ(queued(g), 3);
+}
+
+TEST_F(UserInputTest, APointOutsideAHoleTheSameMouseEventTwiceOrAKeyWithoutAPieceDoNothing) {
+    GameInfo& g = game();
+    poll(kEventTypeMouseUp, -2, 0);
+    EXPECT_EQ(ctx.upPiece, nullptr);
+    g.board[9].pieceID = 0;  // (1,1)
+    click(1, 1);
+    EXPECT_EQ(selectedCount(g), 0);
+    click(5, 5);
+    EXPECT_EQ(ctx.upPiece, &g.board[45]);
+    poll(kEventTypeMouseUp, 6, 6);  // a second mouse-up in a row is the same event
+    EXPECT_EQ(ctx.upPiece, &g.board[45]);
+    ctx.forgetGesture();  // a region reached from a key without a mouse-up does nothing
+    EXPECT_EQ(input.charIsUserAction(0)->userEventID, 2u);  // the one without a key
+    g.userEvents->userEventCharacter = 'r';
+    key(kEventTypeKeyDown, 8, "r");
+    EXPECT_EQ(selectedCount(g), 0);
+}
+
+TEST_F(UserInputTest, KeysWaitForThePauseButMouseAndEscapeDoNot) {
+    GameInfo& g = game();
+    ctx.gamePaused = 1;
+    click(1, 0);
+    EXPECT_EQ(selectedCount(g), 3);
+    key(kEventTypeKeyDown, 49, " ");
+    EXPECT_EQ(queued(g), 0);
+    host.scoresTimer = true;
+    key(kEventTypeKeyUp, 49, " ");
+    key(kEventTypeKeyDown, 49, " ");
+    EXPECT_FALSE(host.scoresTimer);  // the space bar stops the score screen
+    g.score = 77, g.scoreMultiplier = 10;
+    host.scoresTimer = true;
+    key(kEventTypeKeyDown, kKeyCodeEscape, "\x1b");
+    EXPECT_EQ(std::pair(g.score, g.scoreMultiplier), std::pair(0ul, 1ul));
+    EXPECT_TRUE(!host.scoresTimer && host.projectionResets == 1);
+    EXPECT_EQ(std::pair(ctx.gameStarted, ctx.gamePaused), std::pair(1, 0));
+    EXPECT_EQ(ctx.upPiece, nullptr);  // the old board is gone
+    EXPECT_EQ(g.board.size(), 64u);
+    click(1, 0);  // until the next tick the poll ignores input
+    EXPECT_EQ(ctx.upPiece, nullptr);
+}
+
+TEST_F(UserInputTest, DragSwapsNeighboursOfDifferentColoursOnly) {
+    GameInfo& g = game(kUserEventSwapAdjacent);
+    g.userEvents->triggerAction = std::make_shared<GameAction>();
+    g.userEvents->triggerAction->actionCriteria = 0x10;
+    poll(kEventTypeMouseDown, 0, 1);
+    EXPECT_EQ(g.board[1].selected, 1);
+    poll(kEventTypeMouseUp, 0, 2);
+    EXPECT_EQ(boardPicture(g).substr(0, 3), "313");  // numbers stay with the cells
+    EXPECT_EQ(g.board[1].pieceID, 2u);
+    const std::string before = boardPicture(g);
+    poll(kEventTypeMouseDown, 2, 2);  // diagonal
+    poll(kEventTypeMouseUp, 3, 3);
+    poll(kEventTypeMouseDown, 0, 0);  // one colour
+    poll(kEventTypeMouseUp, 1, 0);
+    EXPECT_EQ(queued(g), 1);  // the first swap's trigger only
+    EXPECT_EQ(selectedCount(g), 0);
+    EXPECT_EQ(boardPicture(g), before);
+}
 
 struct EngineTest : ::testing::Test {
     void TearDown() override { gameInfo.reset(); }
     void start(const Value& rules) { stdoutOf([&] { engine.startGame(&rules, menu); }); }
-    testing::RecordingView view;
-    testing::RecordingHost host;
+    RecordingView view;
+    RecordingHost host;
     Engine engine{view, host};
     ActionsMenu menu;
 };
 
 TEST_F(EngineTest, StartBuildsTheBoardTheFirstTickStartsAndNoGameOnlyDiscards) {
-    EXPECT_EQ(engine.gamePaused(), 1);  // as launched
     start(createTestGameOne());
-    ASSERT_NE(gameInfo, nullptr);
-    EXPECT_EQ(gameInfo->board.size(), 64u);
+    ASSERT_TRUE(gameInfo && gameInfo->board.size() == 64u);
     EXPECT_EQ(engine.gamePaused(), 0);
     EXPECT_TRUE(host.gameWindowShown && !host.mainWindowShown);
-    EXPECT_EQ(stdoutOf([&] { engine.processEvents(); }), "processing event 1\naction 2\naction 1\n");
+    EXPECT_EQ(stdoutOf([&] { engine.processEvents(); }),
+              "processing event 1\naction 2\naction 1\n");
     host.scoresTimer = true;
     start(createTestGameTwo());
     EXPECT_EQ(gameInfo->board.size(), 144u);
     EXPECT_EQ(engine.gameStarted(), 1);
     EXPECT_FALSE(host.scoresTimer);
     EXPECT_EQ(host.timerSchedules, 1);  // scheduled once per run
-    engine.returnToMain();
-    EXPECT_TRUE(!host.gameWindowShown && host.mainWindowShown && gameInfo);
     engine.startGame(nullptr, menu);
-    EXPECT_EQ(gameInfo, nullptr);
-    EXPECT_EQ(engine.downPiece(), nullptr);
-    EXPECT_EQ(stdoutOf([&] {  // the ticks, the poll and the menu then do nothing
-                  engine.processEvents();
-                  engine.checkUserEvents();
-                  engine.checkMenuAction(menu, 0);
-              }),
-              "");
+    EXPECT_TRUE(!gameInfo && !engine.downPiece());  // no game: the old one is only discarded
+    EXPECT_EQ(stdoutOf([&] { engine.processEvents(), engine.checkUserEvents(); }), "");
 }
 
 TEST_F(EngineTest, UnplayableRulesAreRefusedWithTheirKeyAndValue) {
@@ -70,31 +231,13 @@ TEST_F(EngineTest, UnplayableRulesAreRefusedWithTheirKeyAndValue) {
         host.alerts.clear();
         start(with(createTestGameThree(), key, value));
         EXPECT_EQ(gameInfo, nullptr);
-        EXPECT_EQ(host.alerts, std::vector<std::string>{" |The game \"Glimmet\" cannot be played: " +
-                                                        std::string(says) + ".|OK"});
+        const std::string alert = " |The game \"Glimmet\" cannot be played: " + std::string(says);
+        EXPECT_EQ(host.alerts, std::vector<std::string>{alert + ".|OK"});
         EXPECT_EQ(stdoutOf([&] { engine.processEvents(); }), "");
     }
     host.alerts.clear();
     start(with(createTestGameTwo(), "NumColors", 1));  // playable without a run limit
     EXPECT_TRUE(host.alerts.empty() && gameInfo);
-}
-
-TEST_F(EngineTest, MenuItemsRunTheirUserEventOnlyWhenPlayingAndNotFromAKey) {
-    start(createTestGameOne());
-    stdoutOf([&] { engine.processEvents(); });
-    ASSERT_TRUE(menu.item(0).enabled);  // the space bar's Remove Selection
-    gameInfo->board[0].selected = 1;
-    host.event.type = kEventTypeKeyDown;
-    engine.checkMenuAction(menu, 0);
-    EXPECT_EQ(gameInfo->eventQueue, nullptr);
-    host.event.type = kEventTypeKeyUp;
-    engine.checkMenuAction(menu, 3);  // disabled
-    EXPECT_EQ(gameInfo->eventQueue, nullptr);
-    engine.checkMenuAction(menu, 0);
-    ASSERT_NE(gameInfo->eventQueue, nullptr);
-    EXPECT_EQ(gameInfo->eventQueue->eventType, kEventPiecesRemoved);
-    EXPECT_TRUE(engine.performKeyEquivalent(CurrentEvent{kEventTypeKeyDown, 49, " "}));
-    EXPECT_FALSE(engine.performKeyEquivalent(CurrentEvent{kEventTypeKeyDown, 12, "q"}));
 }
 
 TEST(BestScoreIndexTest, InsertionCases) {
@@ -131,10 +274,10 @@ TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
     Dictionary wrongKind;
     wrongKind.set("Vexamor", Value::string("not a list"));
     for (int pipe = 0; pipe < 2; ++pipe) {  // a pipe would block whoever opens it
-        testing::RecordingView view;
-        testing::RecordingHost host;
+        RecordingView view;
+        RecordingHost host;
         EngineContext ctx{view, host};
-        testing::installGame(2, 2).gameName = "Vexamor";
+        installGame(2, 2).gameName = "Vexamor";
         gameInfo->score = 30;
         const std::string path = (host.folder / "BestScores.dict").string();
         ASSERT_TRUE(pipe ? mkfifo(path.c_str(), 0600) == 0
@@ -142,7 +285,7 @@ TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
         GameAction action;
         action.lowerIsBetter = static_cast<std::uint32_t>(pipe);
         const std::string err =
-            testing::stderrOf([&] { BestScores{ctx}.performActionCheckBestScores(action); });
+            stderrOf([&] { BestScores{ctx}.performActionCheckBestScores(action); });
         EXPECT_NE(err.find("BestScores.dict.unreadable"), std::string::npos) << err;
         EXPECT_EQ(std::filesystem::status(path + ".unreadable").type(),
                   pipe ? std::filesystem::file_type::fifo : std::filesystem::file_type::regular);
@@ -150,7 +293,6 @@ TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
         const Value* scores = std::get<Value>(read).asDictionary()->find("Vexamor");
         ASSERT_TRUE(scores && scores->asArray() && scores->asArray()->size() == 1);
         EXPECT_EQ(*scores->asArray()->front().asDictionary()->find("Score")->asInteger(), 30);
-        EXPECT_EQ(view.highlight, 0);
         gameInfo.reset();
     }
 }
