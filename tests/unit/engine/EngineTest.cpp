@@ -264,9 +264,10 @@ TEST(BestScoreIndexTest, InsertionCases) {
             d.set("Date", Value::date(Date::fromUnixTime(1.7e9)));
             table.push_back(Value::dictionary(std::move(d)));
         }
-        int got = -2;
-        EXPECT_EQ(stdoutOf([&] { got = bestScoreInsertionIndex(table, score, lower); }), says);
-        EXPECT_EQ(got, at) << score << (lower ? " lower" : " higher");
+        int place = -2;
+        auto find = [&, s = score, l = lower] { place = bestScoreInsertionIndex(table, s, l); };
+        EXPECT_EQ(stdoutOf(find), says);
+        EXPECT_EQ(place, at) << score << (lower ? " lower" : " higher");
     }
 }
 
