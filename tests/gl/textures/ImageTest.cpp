@@ -8,10 +8,8 @@ using namespace texturetest;
 
 [[maybe_unused]] static testing::Environment* const kGL = testing::AddGlobalTestEnvironment(new GLEnvironment);
 
-namespace {
-
 // 4 x 4 pixels of 16-bit grey, pixel i at level 4 i of 255.
-const std::vector<std::uint8_t> kGrey16PNG = {
+static const std::vector<std::uint8_t> kGrey16PNG = {
     0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0x00, 0x00, 0x00, 0x0D, 0x49, 0x48, 0x44, 0x52, 0x00, 0x00,
     0x00, 0x04, 0x00, 0x00, 0x00, 0x04, 0x10, 0x00, 0x00, 0x00, 0x00, 0xDC, 0x0A, 0x1D, 0xE1, 0x00, 0x00, 0x00,
     0x2B, 0x49, 0x44, 0x41, 0x54, 0x78, 0xDA, 0x05, 0xC1, 0xA1, 0x01, 0x00, 0x10, 0x00, 0x00, 0xB0, 0x05, 0x41,
@@ -19,38 +17,16 @@ const std::vector<std::uint8_t> kGrey16PNG = {
     0x46, 0x37, 0x4C, 0x8B, 0xED, 0xB8, 0x9E, 0x0F, 0x16, 0xF4, 0x01, 0xE1, 0xD4, 0xDE, 0xA9, 0x39, 0x00, 0x00,
     0x00, 0x00, 0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82};
 
-// The file route's texture (all bits set when refused) and what it printed.
-std::uint32_t fileTexture(const std::filesystem::path& path, std::string& printed) {
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    const std::uint32_t name = createTextureFromFile(path.c_str());
-    testing::internal::GetCapturedStderr();
-    printed = testing::internal::GetCapturedStdout();
-    return name;
-}
-
-}  // namespace
-
 TEST(ImageRoute, LowerLeftPowerOfTwoBlockUpright) {
-    for (auto [n, power] : {std::pair{0u, 1u}, {3u, 2u}, {256u, 256u}, {1000u, 512u}, {0xFFFFFFFFu, 0x80000000u}})
-        EXPECT_EQ(truncPowerOf2(n), power) << n;
-    struct Case { const char* file; int width, height; bool alpha; int bytesPerRow, sideX, sideY; };
+    struct Case { int width, height; bool alpha; int bytesPerRow, sideX, sideY; };
     // 301 RGB pixels take 903 bytes: rows padded to 904 and 912 bytes. An RGBA texture gets the name given in.
-    for (const Case& c : {Case{nullptr, 300, 200, false, 900, 256, 128}, Case{nullptr, 70, 33, true, 280, 64, 32},
-                          Case{nullptr, 301, 130, false, 904, 256, 128}, Case{nullptr, 301, 130, false, 912, 256, 128},
-                          Case{"a.png", 301, 200, false, 0, 256, 128}, Case{"a.bmp", 301, 200, false, 0, 256, 128},
-                          Case{"alpha.png", 20, 10, true, 0, 16, 8}}) {
-        SCOPED_TRACE(testing::Message() << (c.file ? c.file : "memory") << " " << c.width << " " << c.bytesPerRow);
-        Image image = patternImage(c.width, c.height, c.alpha, c.bytesPerRow);
-        if (c.file) {
-            saveImage(scratchFolder() / c.file, c.width, c.height, c.alpha ? 32 : 24);
-            ASSERT_TRUE(loadImageFile((scratchFolder() / c.file).c_str(), image = {}));
-        }
-        std::uint32_t given = 0, name = 0;
-        glGenTextures(c.alpha ? 1 : 0, &given);
+    for (const Case& c : {Case{300, 200, false, 900, 256, 128}, Case{70, 33, true, 280, 64, 32},
+                          Case{301, 130, false, 904, 256, 128}, Case{301, 130, false, 912, 256, 128}}) {
+        SCOPED_TRACE(testing::Message() << c.width << " " << c.bytesPerRow);
+        std::uint32_t name = c.alpha ? 7777 : 0;
         int width = -1, height = -1;
-        TextureFromNSImage(image, &(name = given), &width, &height);
-        EXPECT_TRUE(c.alpha ? name == given : name != 0);
+        TextureFromNSImage(patternImage(c.width, c.height, c.alpha, c.bytesPerRow), &name, &width, &height);
+        EXPECT_TRUE(c.alpha ? name == 7777 : name != 0);
         EXPECT_EQ(std::pair(width, height), std::pair(c.sideX, c.sideY));
         const TextureLevel level = readTexture(name);
         ASSERT_EQ(std::pair(level.width, level.height), std::pair(c.sideX, c.sideY));
@@ -65,53 +41,49 @@ TEST(ImageRoute, LowerLeftPowerOfTwoBlockUpright) {
 TEST(FileRoute, SquareFilesKeepTheirSizeAndRowsOblongOnesAreRefused) {
     // The image route leaves an unpack row length of 300 pixels behind, which must not skew these rows.
     std::uint32_t wide = 0;
-    int side = 0;
-    TextureFromNSImage(patternImage(300, 2, false), &wide, &side, &side);
+    TextureFromNSImage(patternImage(300, 2, false), &wide, nullptr, nullptr);
     glDeleteTextures(1, &wide);
-    // 101 RGB pixels make BMP rows of 303 bytes stored padded; 16-bit grey is taken too; resources are BMPs.
-    const std::string resource = "texture-test-" + std::to_string(getpid());
-    struct Case { std::filesystem::path path; int side, bits; };
-    for (const Case& c : {Case{scratchFolder() / "a.png", 100, 24}, Case{scratchFolder() / "a.bmp", 101, 24},
-                          Case{scratchFolder() / "alpha.png", 50, 32}, Case{scratchFolder() / "grey.png", 4, 16},
-                          Case{std::filesystem::path(resourceFolder()) / (resource + ".bmp"), 16, 24}}) {
-        SCOPED_TRACE(c.path);
-        c.bits == 16 ? writeBytes(c.path, kGrey16PNG) : saveImage(c.path, c.side, c.side, c.bits);
-        const bool isResource = c.path.stem() == resource;
+    // 101 RGB pixels make BMP rows of 303 bytes stored padded; 16-bit grey is taken too.
+    struct Case { const char* file; int side, bits; };
+    for (const Case& c : std::initializer_list<Case>{{"a.png", 100, 24}, {"a.bmp", 101, 24}, {"alpha.png", 50, 32},
+                                                     {"grey.png", 4, 16}}) {
+        SCOPED_TRACE(c.file);
+        const auto path = scratchFolder() / c.file;
+        c.bits == 16 ? writeBytes(path, kGrey16PNG) : saveImage(path, c.side, c.side, c.bits);
         testing::internal::CaptureStdout();
-        const std::uint32_t name = isResource ? createTextureFromFileResource(resource.c_str())
-                                              : createTextureFromFile(c.path.c_str());
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), isResource ? "resource: " + c.path.string() + "\n" : "");
-        if (isResource) std::filesystem::remove(c.path);
+        const std::uint32_t name = createTextureFromFile(path.c_str());
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
         const TextureLevel level = readTexture(name);
         ASSERT_EQ(std::pair(level.width, level.height), std::pair(c.side, c.side));
         if (c.bits == 16)  // pixel 9 has level 36 in every channel
-            EXPECT_EQ(std::vector<std::uint8_t>(&level.rgba[36], &level.rgba[40]), (std::vector<std::uint8_t>{36, 36, 36, 255}));
-        else
-            EXPECT_EQ(patternMismatches(level, c.bits == 32, 0, 1), 0);
+            EXPECT_EQ(std::vector<int>(&level.rgba[36], &level.rgba[40]), std::vector<int>({36, 36, 36, 255}));
+        else EXPECT_EQ(patternMismatches(level, c.bits == 32, 0, 1), 0);
         GLint filter = 0, wrap = 0;
         glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &filter);
         glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, &wrap);
-        EXPECT_EQ(filter, GL_LINEAR);
-        EXPECT_EQ(wrap, GL_REPEAT);
+        EXPECT_EQ(std::pair(filter, wrap), std::pair(GLint{GL_LINEAR}, GLint{GL_REPEAT}));
         glDeleteTextures(1, &name);
     }
-    const auto oblong = scratchFolder() / "oblong.png", absent = scratchFolder() / "absent.png";
-    saveImage(oblong, 128, 64, 24);
-    std::string printed;
-    EXPECT_EQ(fileTexture(oblong, printed), 0xFFFFFFFFu);
-    EXPECT_EQ(printed, "Not a square texture.\n");
-    EXPECT_EQ(fileTexture(absent, printed), 0xFFFFFFFFu);
-    EXPECT_EQ(printed, "No file exists at " + absent.string() + "\n");
+    saveImage(scratchFolder() / "oblong.png", 128, 64, 24);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(createTextureFromFile((scratchFolder() / "oblong.png").c_str()), 0xFFFFFFFFu);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Not a square texture.\n");
 }
 
 TEST(ImageFiles, BadInputIsRefusedWithoutACrash) {
-    std::vector<std::uint8_t> hugePNG = kGrey16PNG, hugeBMP(54);  // 100000 x 100000 and 60000 x 60000 pixels
-    for (int at : {17, 21}) std::copy_n("\x01\x86\xA0", 3, &hugePNG[at]);
-    for (auto [at, byte] : std::initializer_list<std::pair<int, int>>{
-             {0, 'B'}, {1, 'M'}, {10, 54}, {14, 40}, {18, 0x60}, {19, 0xEA}, {22, 0x60}, {23, 0xEA}, {26, 1}, {28, 24}})
-        hugeBMP[at] = static_cast<std::uint8_t>(byte);
+    std::vector<std::uint8_t> hugePNG = kGrey16PNG, hugeBMP = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40,
+                                                               0, 0, 0, 0x60, 0xEA, 0, 0, 0x60, 0xEA, 0, 0, 1, 0, 24};
+    hugeBMP.resize(54);  // 60000 x 60000 pixels claimed
+    for (int at : {17, 21}) std::copy_n("\x01\x86\xA0", 3, &hugePNG[at]);  // 100000 x 100000
     const auto bytes = [](std::vector<std::uint8_t> b) { return [b](const auto& path) { writeBytes(path, b); }; };
     const auto indexed = [](const auto& path) { saveImage(path, 16, 16, 8); };
+    const auto expectRefused = [](const Image& image) {  // a given name, a zero name and the sizes all kept
+        std::uint32_t name = 4242, fresh = 0;
+        int width = -3, height = -5;
+        TextureFromNSImage(image, &name, &width, &height);
+        TextureFromNSImage(image, &fresh, &width, &height);
+        EXPECT_EQ(std::vector<int>({int(name), int(fresh), width, height}), (std::vector<int>{4242, 0, -3, -5}));
+    };
     struct Case { const char* file; std::function<void(const std::filesystem::path&)> make; int bits; };
     // The loader refuses most; grey and indexed images it reads, but the image route refuses them.
     const Case cases[] = {
@@ -129,17 +101,16 @@ TEST(ImageFiles, BadInputIsRefusedWithoutACrash) {
         const bool loaded = loadImageFile(path.c_str(), image);
         const std::string complaint = testing::internal::GetCapturedStderr();
         EXPECT_EQ(loaded ? image.bitsPerPixel : 0, c.bits);
-        std::uint32_t name = 4242, fresh = 0;
-        int width = -3, height = -5;
-        TextureFromNSImage(image, &name, &width, &height);
-        TextureFromNSImage(image, &fresh, &width, &height);
-        EXPECT_EQ(std::vector<int>({int(name), int(fresh), width, height}), (std::vector<int>{4242, 0, -3, -5}));
+        expectRefused(image);
         if (loaded) continue;
         EXPECT_NE(complaint.find(path.string()), std::string::npos) << complaint;
         const auto start = std::chrono::steady_clock::now();
-        std::string printed;
-        EXPECT_EQ(fileTexture(path, printed), 0xFFFFFFFFu);
-        EXPECT_EQ(printed, "Error opening image file " + path.string() + "\n");
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(createTextureFromFile(path.c_str()), 0xFFFFFFFFu);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error opening image file " + path.string() + "\n");
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
     }
+    Image shortPixels = patternImage(64, 64, false), narrowRows = shortPixels, noRows = shortPixels;  // do not add up
+    shortPixels.pixels.resize(100), narrowRows.bytesPerRow = 100, noRows.height = 0;
+    for (const Image& image : {shortPixels, narrowRows, noRows}) expectRefused(image);
 }

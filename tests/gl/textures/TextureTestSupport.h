@@ -28,10 +28,8 @@ class GLEnvironment : public testing::Environment {
         ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO), 0) << SDL_GetError();
         window_.reset(SDL_CreateWindow("texture tests", 0, 0, kWindowWidth, kWindowHeight,
                                        SDL_WINDOW_OPENGL | SDL_WINDOW_SHOWN));
-        ASSERT_TRUE(window_) << SDL_GetError();
         context_.reset(SDL_GL_CreateContext(window_.get()));
-        ASSERT_TRUE(context_) << SDL_GetError();
-        for (int i = 0; i < 20; ++i, SDL_Delay(10)) SDL_PumpEvents();  // let the window appear
+        ASSERT_TRUE(window_ && context_) << SDL_GetError();
         std::filesystem::create_directories(scratchFolder());
     }
     void TearDown() override {
@@ -44,8 +42,7 @@ class GLEnvironment : public testing::Environment {
 };
 
 inline void writeBytes(const std::filesystem::path& path, const std::vector<std::uint8_t>& bytes) {
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
-                                                static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
 }
 
 // Channel c (R G B A) of the test pattern's pixel (x, y), counted from the top left.
@@ -56,12 +53,11 @@ inline std::uint8_t pattern(int x, int y, int c) {
 
 // The pattern as an image record, rows top first, each padded to bytesPerRow (0: unpadded).
 inline Image patternImage(int width, int height, bool alpha, int bytesPerRow = 0) {
-    const int bytes = alpha ? 4 : 3;
-    Image image{width, height, alpha, bytes * 8, bytesPerRow ? bytesPerRow : width * bytes, {}};
-    image.pixels.assign(static_cast<std::size_t>(image.bytesPerRow) * height, 0xEE);
+    const int bytes = alpha ? 4 : 3, row = bytesPerRow ? bytesPerRow : width * bytes;
+    Image image{width, height, alpha, bytes * 8, row, decltype(Image::pixels)(std::size_t(row) * height, 0xEE)};
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width * bytes; ++x)
-            image.pixels[static_cast<std::size_t>(y) * image.bytesPerRow + x] = pattern(x / bytes, y, x % bytes);
+            image.pixels[std::size_t(y) * row + x] = pattern(x / bytes, y, x % bytes);
     return image;
 }
 
@@ -89,8 +85,7 @@ inline TextureLevel readTexture(std::uint32_t name) {
     glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &level.width);
     glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &level.height);
     level.rgba.resize(static_cast<std::size_t>(std::max(level.width * level.height, 0)) * 4);
-    glPixelStorei(GL_PACK_ROW_LENGTH, 0);
-    if (!level.rgba.empty()) glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, level.rgba.data());
+    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, level.rgba.data());
     return level;
 }
 
@@ -98,7 +93,7 @@ inline TextureLevel readTexture(std::uint32_t name) {
 inline int patternMismatches(const TextureLevel& level, bool alpha, int firstRow, int rowStep) {
     int wrong = 0;
     for (std::size_t i = 0; i < level.rgba.size(); ++i) {
-        const int x = static_cast<int>(i / 4) % level.width, y = firstRow + static_cast<int>(i / 4) / level.width * rowStep;
+        const int t = static_cast<int>(i / 4), x = t % level.width, y = firstRow + t / level.width * rowStep;
         if (level.rgba[i] != (i % 4 < 3 || alpha ? pattern(x, y, i % 4) : 255) && ++wrong <= 3)
             ADD_FAILURE() << "texel " << i / 4 << " channel " << i % 4 << " is " << int(level.rgba[i]);
     }
