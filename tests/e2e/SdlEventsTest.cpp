@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <tuple>
 
 #include "platform/SdlEvents.h"
 
@@ -11,10 +12,7 @@ namespace {
 
 SDL_Event key(Uint32 type, SDL_Keycode sym, SDL_Scancode scancode, Uint8 repeat = 0) {
     SDL_Event e{};
-    e.type = type;
-    e.key.keysym.sym = sym;
-    e.key.keysym.scancode = scancode;
-    e.key.repeat = repeat;
+    e.key = SDL_KeyboardEvent{type, 0, 0, SDL_PRESSED, repeat, 0, 0, SDL_Keysym{scancode, sym, KMOD_NONE, 0}};
     return e;
 }
 
@@ -27,16 +25,12 @@ TEST(CurrentEvent, EscapeIsKey53AndEveryOtherKeyHasACodeOfItsOwn) {
 }
 
 TEST(CurrentEvent, KeysCarryTheirText) {
-    const struct {
-        SDL_Keycode key;
-        Uint16 mod;
-        const char* text;
-    } cases[] = {{SDLK_SPACE, KMOD_NONE, " "},   {SDLK_ESCAPE, KMOD_NONE, "\x1b"}, {SDLK_RETURN, KMOD_NONE, "\r"},
-                 {SDLK_a, KMOD_NONE, "a"},       {SDLK_a, KMOD_LSHIFT, "A"},      {SDLK_a, KMOD_CAPS, "A"},
-                 {SDLK_a, KMOD_CAPS | KMOD_RSHIFT, "a"}, {SDLK_1, KMOD_NONE, "1"}, {SDLK_1, KMOD_SHIFT, "!"},
-                 {SDLK_SLASH, KMOD_SHIFT, "?"},  {SDLK_LEFT, KMOD_NONE, ""},      {SDLK_F5, KMOD_NONE, ""},
-                 {SDLK_LSHIFT, KMOD_NONE, ""}};
-    for (const auto& c : cases) EXPECT_EQ(charactersForKey(c.key, c.mod), c.text) << "key " << c.key << " mod " << c.mod;
+    const std::tuple<SDL_Keycode, Uint16, const char*> cases[] = {
+        {SDLK_SPACE, KMOD_NONE, " "}, {SDLK_ESCAPE, KMOD_NONE, "\x1b"}, {SDLK_RETURN, KMOD_NONE, "\r"},
+        {SDLK_a, KMOD_NONE, "a"}, {SDLK_a, KMOD_LSHIFT, "A"}, {SDLK_a, KMOD_CAPS, "A"}, {SDLK_1, KMOD_NONE, "1"},
+        {SDLK_a, KMOD_CAPS | KMOD_RSHIFT, "a"}, {SDLK_1, KMOD_SHIFT, "!"}, {SDLK_SLASH, KMOD_SHIFT, "?"},
+        {SDLK_LEFT, KMOD_NONE, ""}, {SDLK_F5, KMOD_NONE, ""}, {SDLK_LSHIFT, KMOD_NONE, ""}};
+    for (const auto& [key, mod, text] : cases) EXPECT_EQ(charactersForKey(key, mod), text) << key << " mod " << mod;
 }
 
 TEST(CurrentEvent, KeyDownAndUpButNoRepeats) {
@@ -54,39 +48,29 @@ TEST(CurrentEvent, KeyDownAndUpButNoRepeats) {
 }
 
 TEST(CurrentEvent, MouseLocationHasItsOriginAtTheLowerLeft) {
-    const struct {
-        Uint32 type;
-        Uint8 button;
-        int x, y;
-        std::int64_t expected;
-        float flippedY;
-    } cases[] = {{SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT, 100, 18, kEventTypeMouseDown, 750.0f},
-                 {SDL_MOUSEBUTTONUP, SDL_BUTTON_LEFT, 0, 767, kEventTypeMouseUp, 1.0f},
-                 {SDL_MOUSEBUTTONDOWN, SDL_BUTTON_RIGHT, 5, 5, kEventTypeRightMouseDown, 763.0f},
-                 {SDL_MOUSEBUTTONUP, SDL_BUTTON_RIGHT, 5, 5, kEventTypeRightMouseUp, 763.0f},
-                 {SDL_MOUSEMOTION, 0, 10, 700, kEventTypeMouseMoved, 68.0f}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.expected);
+    // The SDL event, its button, where SDL puts it; the game's event and its height from the bottom.
+    const std::tuple<Uint32, Uint8, int, int, std::int64_t, float> cases[] = {
+        {SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT, 100, 18, kEventTypeMouseDown, 750.0f},
+        {SDL_MOUSEBUTTONUP, SDL_BUTTON_LEFT, 0, 767, kEventTypeMouseUp, 1.0f},
+        {SDL_MOUSEBUTTONDOWN, SDL_BUTTON_RIGHT, 5, 5, kEventTypeRightMouseDown, 763.0f},
+        {SDL_MOUSEBUTTONUP, SDL_BUTTON_RIGHT, 5, 5, kEventTypeRightMouseUp, 763.0f},
+        {SDL_MOUSEMOTION, 0, 10, 700, kEventTypeMouseMoved, 68.0f}};
+    for (const auto& [type, button, x, y, expected, flippedY] : cases) {
+        SCOPED_TRACE(expected);
         SDL_Event e{};
-        e.type = c.type;
-        if (c.type == SDL_MOUSEMOTION) {
-            e.motion.x = c.x;
-            e.motion.y = c.y;
-        } else {
-            e.button.button = c.button;
-            e.button.x = c.x;
-            e.button.y = c.y;
-        }
+        if (type == SDL_MOUSEMOTION)
+            e.motion = SDL_MouseMotionEvent{type, 0, 0, 0, 0, x, y, 0, 0};
+        else
+            e.button = SDL_MouseButtonEvent{type, 0, 0, 0, button, SDL_PRESSED, 1, 0, x, y};
         const auto event = currentEventFromSdl(e, 768);
         ASSERT_TRUE(event);
-        EXPECT_EQ(event->type, c.expected);
-        EXPECT_FLOAT_EQ(event->x, static_cast<float>(c.x));
-        EXPECT_FLOAT_EQ(event->y, c.flippedY);
+        EXPECT_EQ(event->type, expected);
+        EXPECT_FLOAT_EQ(event->x, static_cast<float>(x));
+        EXPECT_FLOAT_EQ(event->y, flippedY);
     }
     SDL_Event other{};
-    other.type = SDL_MOUSEBUTTONDOWN;
-    other.button.button = SDL_BUTTON_MIDDLE;
-    EXPECT_FALSE(currentEventFromSdl(other, 768));
+    other.button = SDL_MouseButtonEvent{SDL_MOUSEBUTTONDOWN, 0, 0, 0, SDL_BUTTON_MIDDLE, SDL_PRESSED, 1, 0, 5, 5};
+    EXPECT_FALSE(currentEventFromSdl(other, 768)) << "the middle button";
     other.type = SDL_WINDOWEVENT;
     EXPECT_FALSE(currentEventFromSdl(other, 768));
 }

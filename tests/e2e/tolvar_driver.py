@@ -1,6 +1,5 @@
-"""Drives the real game under a private Xvfb: starts the program, finds its windows with xwininfo,
-clicks and types with xdotool and reads the screen back with Xlib. Probe positions come from the
-game's layout, never from pictures the program made."""
+"""Plays the real game under a private Xvfb: finds its windows with xwininfo, clicks and types with xdotool,
+reads the screen through Xlib at positions from the game's layout, never from pictures the program made."""
 
 import ctypes
 import os
@@ -14,9 +13,8 @@ SCREEN_W, SCREEN_H, WIN_W, WIN_H, MAIN_W, MAIN_H = 1280, 1024, 1024, 768, 640, 5
 MAIN_PAD_X, MAIN_PAD_Y, FONT_PX, ITEM_SPACING_Y = 16, 14, 17, 10
 FRAME_H = FONT_PX + 2 * 6   # a button or the pop-up: the font and its frame padding
 MENU_BAR_H = FRAME_H - 2    # the menu bar, less its own inset
-# The "Actions" menu of the game window: eight actions, a separator, "Return to Main Window".
-POPUP_W, POPUP_PAD, POPUP_ROW, POPUP_ITEMS, POPUP_SEP = 260, 6, 30, 8, 9
-POPUP_H = 2 * POPUP_PAD + (POPUP_ITEMS + 1) * POPUP_ROW + POPUP_SEP
+POPUP_W, POPUP_PAD, POPUP_ROW = 260, 6, 30  # the game window's "Actions" menu: 8 actions, a separator, "Return..."
+POPUP_H = 2 * POPUP_PAD + 9 * POPUP_ROW + 9
 COLOURS = ("red", "green", "blue", "purple")
 P, INT, ULONG = ctypes.c_void_p, ctypes.c_int, ctypes.c_ulong
 XLIB = ctypes.CDLL("libX11.so.6")
@@ -27,9 +25,8 @@ XLIB.XCloseDisplay.argtypes = XLIB.XFree.argtypes = [P]
 
 
 class XImage(ctypes.Structure):
-    _fields_ = [("width", INT), ("height", INT), ("xoffset", INT), ("format", INT), ("data", P)] + [
-        (n, INT) for n in ("byte_order", "unit", "bit_order", "pad", "depth", "bytes_per_line", "bpp")] + [
-        ("red_mask", ULONG)]
+    _fields_ = [(n, INT) for n in "width height xoffset format".split()] + [("data", P)] + [(n, INT) for n in (
+        "byte_order unit bit_order pad depth bytes_per_line bpp".split())] + [("red_mask", ULONG)]
 
 
 class Failure(Exception):
@@ -41,14 +38,21 @@ def check(condition, message):
         raise Failure(message)
 
 
-def output(*args):
-    return subprocess.run([str(a) for a in args], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                          timeout=30).stdout.decode("utf-8", "replace")
+def near(colour, target, tolerance=30):
+    return all(abs(a - b) <= tolerance for a, b in zip(colour, target))
 
 
-class Screen:
-    """One screenshot of the whole display: B, G, R and a pad byte a pixel."""
+def classify(p):  # the pieces are lit in pure colours; the nebula behind them, shading and stars are not
+    r, g, b = p
+    if max(p) < 70 or min(p) * 3 > max(p):
+        return None
+    if r > g + 50 and b > g + 50 and abs(r - b) < 90:
+        return "purple"
+    return next((name for name, c, o1, o2 in (("red", r, g, b), ("green", g, r, b), ("blue", b, r, g))
+                 if c > o1 + 50 and c > o2 + 50), None)
 
+
+class Screen:  # one screenshot of the whole display: B, G, R and a pad byte a pixel
     def __init__(self, dpy):
         ptr = XLIB.XGetImage(dpy, XLIB.XDefaultRootWindow(dpy), 0, 0, SCREEN_W, SCREEN_H, 0xffffffff, 2)
         check(ptr, "no screenshot")
@@ -69,33 +73,15 @@ class Screen:
                    if predicate(self.pixel(x, y)))
 
 
-def near(colour, target, tolerance=30):
-    return all(abs(a - b) <= tolerance for a, b in zip(colour, target))
-
-
-def classify(p):
-    """The piece colour a pixel shows, or None: the pieces are lit in pure colours; the nebula
-    behind them, shading and stars are dark or greyish."""
-    r, g, b = p
-    if max(p) < 70 or min(p) * 3 > max(p):
-        return None
-    if r > g + 50 and b > g + 50 and abs(r - b) < 90:
-        return "purple"
-    return next((name for name, c, o1, o2 in (("red", r, g, b), ("green", g, r, b), ("blue", b, r, g))
-                 if c > o1 + 50 and c > o2 + 50), None)
-
-
 class Layout:
     """Where the board lies in the game window at origin (screen): square cells filling the height
     less a 10-pixel margin, centred across; window coordinates start at the lower left."""
-
     def __init__(self, board_w, board_h, origin):
         self.board_w, self.board_h, self.origin, self.m = board_w, board_h, origin, 10.0
         self.w = (WIN_H - 2 * self.m) / board_h
         self.pw, self.left = self.w - 3, (WIN_W - self.w * board_w) / 2
 
-    def cell_rect(self, x, y):
-        """The piece rectangle of cell (x, y) in window coordinates."""
+    def cell_rect(self, x, y):  # the piece's rectangle, in window coordinates
         return (x * self.w + self.left, y * self.w + self.m, self.pw, self.pw)
 
     def to_screen(self, X, Y):
@@ -105,8 +91,7 @@ class Layout:
         X, Y, W, H = self.cell_rect(x, y)
         return self.to_screen(X + W / 2, Y + H / 2)
 
-    def colours(self, screen):
-        """[x][y]: the colour of each cell's piece, by a vote of the pixels round its centre."""
+    def colours(self, screen):  # [x][y]: each cell's piece colour, by a vote of the pixels round its centre
         def vote(cx, cy, r=int(self.pw * 0.3)):
             votes = [classify(screen.pixel(px, py)) for py in range(int(cy - r), int(cy + r), max(2, r // 12))
                      for px in range(int(cx - r), int(cx + r), max(2, r // 12))]
@@ -115,41 +100,34 @@ class Layout:
         return [[vote(*self.centre(x, y)) for y in range(self.board_h)] for x in range(self.board_w)]
 
 
-class Tolvar:
-    """The program on a display of its own, with an empty data folder."""
-
+class Tolvar:  # the program on a display of its own, with an empty data folder
     def __init__(self, program, name, seed=7):
         self.program, self.proc, self.xvfb, self.dpy, self.runs = program, None, None, None, 0
         self.work = tempfile.mkdtemp(prefix="tolvar-e2e-%s-" % name)
         self.folder = os.path.join(self.work, "data", "Tolvar")
         try:
             for _ in range(3):  # another server may race for the same display number
-                if self.start_xvfb():
+                if self.xvfb:
+                    self.xvfb.terminate()
+                    self.xvfb.wait()
+                r, w = os.pipe()
+                self.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "%dx%dx24" % (
+                    SCREEN_W, SCREEN_H), "-nolisten", "tcp", "-noreset"], pass_fds=(w,), stderr=subprocess.DEVNULL)
+                os.close(w)
+                with os.fdopen(r, "rb") as f:
+                    self.display = ":" + f.readline().strip().decode()
+                self.dpy = XLIB.XOpenDisplay(self.display.encode())  # for screenshots
+                if self.dpy:
                     break
             check(self.dpy, "the X server does not answer")
             self.env = dict(os.environ, DISPLAY=self.display, XDG_DATA_HOME=os.path.dirname(self.folder),
                             TOLVAR_SEED=str(seed), LC_ALL="C", SDL_VIDEODRIVER="x11")
-            self.env.pop("WAYLAND_DISPLAY", None)
             self.launch()
         except BaseException:
             self.close()
             raise
 
-    def start_xvfb(self):
-        r, w = os.pipe()
-        self.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "%dx%dx24" % (SCREEN_W, SCREEN_H),
-                                      "-nolisten", "tcp", "-noreset"], pass_fds=(w,), stderr=subprocess.DEVNULL)
-        os.close(w)
-        with os.fdopen(r, "rb") as f:
-            self.display = ":" + f.readline().strip().decode()
-        self.dpy = XLIB.XOpenDisplay(self.display.encode())
-        if not self.dpy:
-            self.xvfb.terminate()
-            self.xvfb.wait()
-        return self.dpy
-
-    def launch(self):
-        """Starts the program (again) on this display, with this data folder."""
+    def launch(self):  # (again) on this display, with this data folder
         self.runs += 1
         self.out_path, self.err_path = (os.path.join(self.work, "%s-%d.txt" % (s, self.runs)) for s in ("out", "err"))
         t0 = time.monotonic()
@@ -160,8 +138,7 @@ class Tolvar:
         self.game = self.find_window(WIN_W, WIN_H)
         check(self.game, "no game window was made")
 
-    def finish(self):
-        """Ends the program as the desktop would (SIGTERM, taken as Quit)."""
+    def finish(self):  # as the desktop ends it: SIGTERM, taken as Quit
         check(self.proc.poll() is None, "the program is still running at the end")
         self.proc.terminate()
         self.ended()
@@ -170,9 +147,8 @@ class Tolvar:
         self.xdo("windowfocus", "--sync", self.main, "key", "ctrl+q")
         self.ended()
 
-    def ended(self):
-        """Status 0 and no report of the sanitizers."""
-        status, err = self.proc.wait(timeout=20), self.text(self.err_path)
+    def ended(self):  # status 0 and no report of the sanitizers
+        status, err = self.proc.wait(timeout=20), self.stdout(self.err_path)
         for marker in ("AddressSanitizer", "LeakSanitizer", "runtime error:"):
             check(marker not in err, "the sanitizers report a fault:\n" + err[-3000:])
         check(status == 0, "the program ended with status %s\n%s" % (status, err[-2000:]))
@@ -180,27 +156,20 @@ class Tolvar:
     def close(self):
         if self.dpy:
             XLIB.XCloseDisplay(self.dpy)
-        for p in (self.proc, self.xvfb):
-            if p and p.poll() is None:
-                p.terminate()
-                try:
-                    p.wait(timeout=10)
-                except subprocess.TimeoutExpired:
-                    p.kill()
-                    p.wait()
+        for p in filter(None, (self.proc, self.xvfb)):
+            p.terminate()
+            try:
+                p.wait(timeout=10)
+            except subprocess.TimeoutExpired:
+                p.kill()
         if not os.environ.get("TOLVAR_E2E_KEEP"):
             shutil.rmtree(self.work, ignore_errors=True)
 
-    @staticmethod
-    def text(path):
-        with open(path, "rb") as f:
+    def stdout(self, path=None):
+        with open(path or self.out_path, "rb") as f:
             return f.read().decode("utf-8", "replace")
 
-    def stdout(self):
-        return self.text(self.out_path)
-
-    def cpu_percent(self, seconds):
-        """Processor time (user + system) used over the next seconds, in % of one core."""
+    def cpu_percent(self, seconds):  # user + system time over the next seconds, in % of one core
         def used():
             with open("/proc/%d/stat" % self.proc.pid) as f:
                 fields = f.read().rsplit(")", 1)[1].split()
@@ -210,34 +179,17 @@ class Tolvar:
 
     def wait_for(self, condition, timeout, what):
         deadline = time.monotonic() + timeout
-        while True:
+        while not (value := condition()):
             check(self.proc.poll() is None, "the program ended (status %s) while waiting for %s\n%s"
-                  % (self.proc.returncode, what, self.text(self.err_path)[-2000:]))
-            value = condition()
-            if value:
-                return value
+                  % (self.proc.returncode, what, self.stdout(self.err_path)[-2000:]))
             check(time.monotonic() < deadline, "timed out waiting for " + what)
             time.sleep(0.05)
+        return value
 
-    def xdo(self, *args):
-        subprocess.run(["xdotool"] + [str(a) for a in args], env=self.env, check=True, timeout=20,
-                       stdout=subprocess.DEVNULL)
-
-    def click(self, x, y, button=1):
-        self.xdo("mousemove", int(round(x)), int(round(y)), "click", button)
-
-    def key(self, name):
-        self.xdo("key", name)
-
-    def shot(self):
-        return Screen(self.dpy)
-
-    def wait_shot(self, predicate, what, timeout=10):
-        """Waits for a screenshot that satisfies predicate and returns it."""
+    def wait_shot(self, predicate, what, timeout=10):  # returns the screenshot
         return self.wait_for(lambda: (lambda s: predicate(s) and s)(self.shot()), timeout, what)
 
-    def settle(self):
-        """Waits until the screen stops changing (falling pieces have landed)."""
+    def settle(self):  # until the screen stops changing: falling pieces have landed
         last = [self.shot().raw]
 
         def still():
@@ -246,46 +198,51 @@ class Tolvar:
             return same
         self.wait_for(still, 20, "the screen to settle")
 
-    def windows(self):
-        """Top-level windows: (id, name, width, height)."""
+    def shot(self):
+        return Screen(self.dpy)
+
+    def xdo(self, *args):
+        subprocess.run(["xdotool"] + [str(a) for a in args], env=self.env, check=True, timeout=20,
+                       stdout=subprocess.DEVNULL)
+
+    def click(self, x, y, button=1):
+        self.xdo("mousemove", int(round(x)), int(round(y)), "click", button)
+
+    def xwininfo(self, *args):
+        return subprocess.run(["xwininfo", "-display", self.display] + list(args), stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, timeout=30).stdout.decode("utf-8", "replace")
+
+    def windows(self):  # the top-level ones: (id, name, width, height)
         return [(m[1], m[2][1:-1] if m[2].startswith('"') else "", int(m[3]), int(m[4])) for m in re.finditer(
-            r'(0x[0-9a-f]+) ("[^"\n]*"|\(has no name\)).*?\s(\d+)x(\d+)\+-?\d+\+-?\d+',
-            output("xwininfo", "-display", self.display, "-root", "-children"))]
+            r'(0x[0-9a-f]+) ("[^"\n]*"|\(has no name\)).*?\s(\d+)x(\d+)\+', self.xwininfo("-root", "-children"))]
 
     def mapped(self, wid):
-        return "IsViewable" in output("xwininfo", "-display", self.display, "-id", wid)
+        return "IsViewable" in self.xwininfo("-id", wid)
 
     def geometry(self, wid):
-        info = output("xwininfo", "-display", self.display, "-id", wid)
+        info = self.xwininfo("-id", wid)
         return tuple(int(re.search(r"Absolute upper-left %s:\s+(-?\d+)" % a, info)[1]) for a in "XY")
 
     def find_window(self, w, h, mapped=None):
         return next((wid for wid, _n, ww, hh in self.windows()
                      if (ww, hh) == (w, h) and mapped in (None, self.mapped(wid))), None)
 
-    def alerts(self):
-        """Mapped windows that are none of the game's own: the alert panels, with their titles."""
+    def alerts(self):  # mapped windows that are none of the game's own, with their titles
         return [(wid, name) for wid, name, w, h in self.windows()
                 if w not in (WIN_W, MAIN_W, POPUP_W) and w > 1 and h > 1 and self.mapped(wid)]
 
-    def dismiss_alert(self):
-        """Waits for an alert panel and presses its button with Return; returns its title."""
+    def dismiss_alert(self):  # presses the button of the next alert panel with Return; returns its title
         wid, name = self.wait_for(self.alerts, 15, "an alert panel")[0]
         self.xdo("windowfocus", "--sync", wid, "key", "--window", wid, "Return")
         self.wait_for(lambda: wid not in dict(self.alerts()), 15, "the alert to close")
         return name
 
     # The main window's fixed controls.
-    def main_origin(self):
-        return self.geometry(self.main)
-
-    def combo_centre(self):
-        mx, my = self.main_origin()  # under the menu bar, the padding, a spacer and its gap
+    def combo_centre(self):  # under the menu bar, the padding, a spacer and its gap
+        mx, my = self.geometry(self.main)
         return mx + MAIN_W / 2 + 40, my + MENU_BAR_H + MAIN_PAD_Y + 2 + ITEM_SPACING_Y + FRAME_H / 2
 
-    def choose_game(self, index):
-        """Opens the game pop-up and chooses its index-th entry ("None" is 0): the list opens under
-        the control, one row an entry."""
+    def choose_game(self, index):  # the index-th entry ("None" is 0) of the game pop-up, listed under it
         cx, cy = self.combo_centre()
         self.click(cx, cy)
         time.sleep(0.3)
@@ -293,12 +250,11 @@ class Tolvar:
         time.sleep(0.3)
 
     def press_start(self):
-        mx, my = self.main_origin()
+        mx, my = self.geometry(self.main)
         self.click(mx + MAIN_W - MAIN_PAD_X - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)
         self.wait_for(lambda: self.mapped(self.game), 10, "the game window to show")
 
-    def start(self, index, board_w, board_h):
-        """Chooses a game, presses Start and waits for its board: returns the board's layout."""
+    def start(self, index, board_w, board_h):  # waits for the board; returns its layout
         self.choose_game(index)
         self.press_start()
         self.wait_for(lambda: not self.mapped(self.main), 10, "the main window to hide")

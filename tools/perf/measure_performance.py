@@ -50,7 +50,7 @@ def main():
         t.start(1, 8, 8)
         time.sleep(1.0)
         print("running Vexamor, no input: %.1f %% of one core" % cpu_percent(t.proc.pid, args.seconds))
-        t.key("ctrl+w")
+        t.xdo("key", "ctrl+w")
         t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
         time.sleep(1.0)
         print("game window hidden after Return (game kept), no input: %.1f %% of one core"

@@ -32,7 +32,7 @@ def main():
     t = Tolvar(os.path.abspath(args.program), "pictures")
     try:
         t.choose_game(1)
-        mx, my = t.main_origin()
+        mx, my = t.geometry(t.main)
         save(t, os.path.join(out, "main-window.png"), mx, my, MAIN_W, MAIN_H)
         for index, name in ((1, "vexamor"), (2, "trindle"), (3, "glimmet")):
             if index != 1:
@@ -45,7 +45,7 @@ def main():
                 t.click(*Layout(8, 8, (gx, gy)).centre(3, 3))
                 time.sleep(0.5)
             save(t, os.path.join(out, "window-%s.png" % name), gx, gy, WIN_W, WIN_H)
-            t.key("ctrl+w")
+            t.xdo("key", "ctrl+w")
             t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
             time.sleep(0.3)
         # The "Actions" menu of the main window, bound by the first game.
@@ -68,7 +68,7 @@ def main():
         gx, gy = t.geometry(t.game)
         t.click(*Layout(2, 1, (gx, gy)).centre(0, 0))
         time.sleep(0.3)
-        t.key("space")
+        t.xdo("key", "space")
         deadline = time.monotonic() + 10
         while time.monotonic() < deadline and not os.path.exists(os.path.join(t.folder, "BestScores.dict")):
             if t.alerts():
