@@ -235,7 +235,7 @@ TEST(RulesDict, EveryListRunsInReverseOfItsArrayWithItsLines) {
     EXPECT_EQ(out, "Adding action 1 to event 7\nAdding action 2 to event 7\nAdding action 0 to event 7\n"
                    "Adding action 0 to event 7\nsetting action to amount.\nsetting lower is better.\n"
                    "Adding action 9 to event 8\nsetting action to amount.\n");
-    EXPECT_EQ(collect(info->events.get(), &SupportedEvent::eventID), (Ints{0, 8, 7}));
+    ASSERT_EQ(collect(info->events.get(), &SupportedEvent::eventID), (Ints{0, 8, 7}));
     const SupportedEvent* seven = info->events->next->next.get();
     EXPECT_EQ(seven->eventType, 12u);
     EXPECT_EQ(collect(seven->actions.get(), &GameAction::actionType), (Ints{0, 0, 20, 10}));
