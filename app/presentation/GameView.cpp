@@ -59,7 +59,7 @@ GameView::GameView(Host& host, Window window) : host_(host), window_(std::move(w
 
 GameView::~GameView() = default;
 
-void GameView::initWindowState() {
+void setGameWindowGLState() {
     // One unit per pixel, origin at the lower left; z = -500 on the near plane, 500 on the far.
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
@@ -100,7 +100,10 @@ void GameView::initWindowState() {
     glEnable(GL_CULL_FACE);
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
+}
 
+void GameView::initWindowState() {
+    setGameWindowGLState();
     if (window_.flushBuffer) window_.flushBuffer();
     glPushAttrib(GL_ALL_ATTRIB_BITS);
 }

@@ -16,6 +16,12 @@
 
 namespace tolvar {
 
+// The fixed OpenGL state of the game window, on the current context: the projection (one unit a
+// pixel, origin at the lower left, z = -500 near and 500 far), rectangle textures, the grey clear,
+// the two lights and the material, colour material, normalising, back-face culling and the depth
+// test. Anything that wants to draw as the game window does starts from it.
+void setGameWindowGLState();
+
 class GameView : public View {
 public:
     // What the drawing needs from the window that owns the context.

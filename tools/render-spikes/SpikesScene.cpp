@@ -6,38 +6,7 @@
 #include <vector>
 
 #include "DXFtoSprite.h"
-
-namespace {
-
-// The game window's lights and material: two directional lights, colour material, normalised
-// normals, back faces culled, depth tested.
-void gameLights() {
-    const GLfloat ambient[4] = {0.15f, 0.15f, 0.15f, 1.0f};
-    const GLfloat diffuse[4] = {0.75f, 0.75f, 0.75f, 1.0f};
-    const GLfloat light0[4] = {SpikesView::kWidth / 4.0f, SpikesView::kHeight / 4.0f, 100.0f, 0.0f};
-    const GLfloat light1[4] = {SpikesView::kWidth / 2.0f, SpikesView::kHeight / 2.0f, 70.0f, 0.0f};
-    const GLfloat white[4] = {1.0f, 1.0f, 1.0f, 1.0f};
-    glLightfv(GL_LIGHT0, GL_AMBIENT, ambient);
-    glLightfv(GL_LIGHT0, GL_DIFFUSE, diffuse);
-    glLightfv(GL_LIGHT0, GL_POSITION, light0);
-    glLightfv(GL_LIGHT1, GL_AMBIENT, ambient);
-    glLightfv(GL_LIGHT1, GL_DIFFUSE, diffuse);
-    glLightfv(GL_LIGHT1, GL_POSITION, light1);
-    glMaterialfv(GL_FRONT, GL_DIFFUSE, white);
-    glMaterialf(GL_FRONT, GL_SHININESS, 128.0f);
-    glEnable(GL_LIGHT0);
-    glEnable(GL_LIGHT1);
-    glEnable(GL_LIGHTING);
-    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, ambient);
-    glEnable(GL_COLOR_MATERIAL);
-    glColorMaterial(GL_FRONT, GL_AMBIENT_AND_DIFFUSE);
-    glEnable(GL_NORMALIZE);
-    glEnable(GL_CULL_FACE);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-}
-
-}  // namespace
+#include "presentation/GameView.h"
 
 SpikesView::SpikesView() {
     if (SDL_WasInit(SDL_INIT_VIDEO) == 0 && SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
@@ -59,16 +28,8 @@ SpikesView::SpikesView() {
     glViewport(0, 0, kWidth, kHeight);
     glReadBuffer(GL_BACK);
     glDrawBuffer(GL_BACK);
-    // One unit a pixel, origin at the lower left, near plane at z = -500 and far at z = 500.
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glOrtho(0, kWidth, 0, kHeight, 500.0, -500.0);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    gameLights();
-    glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
-    glClearDepth(1.0);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    // The projection, lights and material of the game window, cleared to its grey.
+    tolvar::setGameWindowGLState();
 }
 
 SpritePtr loadSpikes() { return readDXFResourceFileintoSprite("Spikes"); }
