@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/Alerts.h"
+#include "AlertPanel.h"
 #include "platform/DataFolder.h"
 #include "platform/FontLookup.h"
 #include "platform/SdlEvents.h"

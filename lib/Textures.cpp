@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "AlertPanel.h"
 #include "FileIO.h"
 #include "ImageFile.h"
 #include "TextPixels.h"
@@ -28,25 +29,6 @@ constexpr std::size_t kMessageBufferSize = 2048;
 constexpr const char* kLocatePrefix = "Please locate resource = ";
 constexpr const char* kSubstituteMessage =
     "Warning: Substituting a different texture.  This may affect results.";
-
-void showAlertWithSDL(const std::string& title, const std::string& message, const std::string& button) {
-    SDL_MessageBoxButtonData buttons[1] = {};
-    buttons[0].flags =
-        SDL_MESSAGEBOX_BUTTON_RETURNKEY_DEFAULT | SDL_MESSAGEBOX_BUTTON_ESCAPEKEY_DEFAULT;
-    buttons[0].buttonid = 0;
-    buttons[0].text = button.c_str();
-    SDL_MessageBoxData box = {};
-    box.flags = SDL_MESSAGEBOX_INFORMATION;
-    box.window = nullptr;
-    box.title = title.c_str();
-    box.message = message.c_str();
-    box.numbuttons = 1;
-    box.buttons = buttons;
-    int pressed = -1;
-    if (SDL_ShowMessageBox(&box, &pressed) != 0)
-        std::fprintf(stderr, "%s: %s (the alert could not be shown: %s)\n", title.c_str(),
-                     message.c_str(), SDL_GetError());
-}
 
 bool zenityInstalled() {
     const char* path = std::getenv("PATH");
@@ -98,7 +80,7 @@ void alert(const std::string& message) {
     if (alertHook())
         alertHook()("Alert", message, "OK");
     else
-        showAlertWithSDL("Alert", message, "OK");
+        runAlertPanel(nullptr, "Alert", message, "OK");
 }
 
 std::string runOpenPanel() { return openPanelHook() ? openPanelHook()() : openPanelWithZenity(); }

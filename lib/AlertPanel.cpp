@@ -1,8 +1,6 @@
-#include "platform/Alerts.h"
+#include "AlertPanel.h"
 
 #include <cstdio>
-
-namespace tolvar {
 
 void runAlertPanel(SDL_Window* parent, const std::string& title, const std::string& message,
                    const std::string& button) {
@@ -21,7 +19,5 @@ void runAlertPanel(SDL_Window* parent, const std::string& title, const std::stri
     data.buttons = buttons;
     int pressed = -1;
     if (SDL_ShowMessageBox(&data, &pressed) != 0)
-        std::fprintf(stderr, "tolvar: could not show the alert \"%s\": %s\n", message.c_str(), SDL_GetError());
+        std::fprintf(stderr, "%s (the alert could not be shown: %s)\n", message.c_str(), SDL_GetError());
 }
-
-}  // namespace tolvar
