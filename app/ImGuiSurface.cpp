@@ -69,6 +69,7 @@ ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, in
     style.FrameBorderSize = 1.0f;
     style.PopupBorderSize = 1.0f;
     style.Colors[ImGuiCol_WindowBg] = ImVec4(0.94f, 0.94f, 0.95f, 1.0f);
+    style.Colors[ImGuiCol_PopupBg] = ImVec4(1.0f, 1.0f, 1.0f, 1.0f);  // menus hide what lies below
     style.Colors[ImGuiCol_MenuBarBg] = ImVec4(0.88f, 0.88f, 0.90f, 1.0f);
     style.Colors[ImGuiCol_Button] = ImVec4(0.98f, 0.98f, 0.99f, 1.0f);
     style.Colors[ImGuiCol_ButtonHovered] = ImVec4(0.80f, 0.87f, 0.97f, 1.0f);
