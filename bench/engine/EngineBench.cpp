@@ -18,6 +18,7 @@
 #include "engine/Completion.h"
 #include "engine/Engine.h"
 #include "engine/EngineContext.h"
+#include "engine/QuietShell.h"
 #include "rules/BuiltinGames.h"
 #include "rules/GameLibrary.h"
 #include "rules/RulesDict.h"
@@ -49,34 +50,6 @@ private:
     int saved_;
 };
 
-class NullView : public View {
-public:
-    void drawBoard() override {}
-    void animatePiece(const BoardPiece&, std::uint32_t, std::uint32_t, std::uint32_t,
-                      std::uint32_t) override {}
-    void displayScores(const Value&, int) override {}
-    void clearPieceSprites(int) override {}
-    void pauseForFlash() override {}
-};
-
-class NullHost : public Host {
-public:
-    CurrentEvent currentEvent() override { return event; }
-    void runAlert(const std::string&, const std::string&, const std::string&) override {}
-    bool scoresTimerRunning() const override { return false; }
-    void startScoresTimer(const Value&) override {}
-    void stopScoresTimer() override {}
-    void resetProjection() override {}
-    void showGameWindow() override {}
-    void hideGameWindow() override {}
-    void showMainWindow() override {}
-    void hideMainWindow() override {}
-    void scheduleEngineTimers() override {}
-    std::string dataFolder() override { return folder; }
-    CurrentEvent event;
-    std::string folder = std::filesystem::temp_directory_path().string();
-};
-
 Value builtin(int which) {
     return which == 1 ? createTestGameOne() : which == 2 ? createTestGameTwo() : createTestGameThree();
 }
@@ -88,7 +61,7 @@ void installGame(int which, int size) {
     rules.asDictionary()->set("BoardHeight", Value::integer(size));
     ActionsMenu menu;
     gameInfo = createStructsFromRulesDict(&rules, menu);
-    NullView view;
+    QuietView view;
     srandom(12345);
     setupGame(*gameInfo, view);
 }
@@ -109,8 +82,8 @@ void completion(benchmark::State& state, bool worstCase) {
     const int size = static_cast<int>(state.range(1));
     installGame(which, size);
     if (worstCase) noMoveBoard();
-    NullView view;
-    NullHost host;
+    QuietView view;
+    QuietHost host(std::filesystem::temp_directory_path().string());
     EngineContext ctx(view, host);
     Completion test(ctx);
     for (auto _ : state) {
@@ -143,8 +116,8 @@ void BM_ResolveMatches(benchmark::State& state) {
     const bool planted = state.range(1) != 0;
     installGame(3, size);
     const std::vector<BoardPiece> fresh = gameInfo->board;
-    NullView view;
-    NullHost host;
+    QuietView view;
+    QuietHost host(std::filesystem::temp_directory_path().string());
     EngineContext ctx(view, host);
     BoardActions actions(ctx);
     for (auto _ : state) {
@@ -175,8 +148,8 @@ void BM_FallingPieces(benchmark::State& state) {
     for (BoardPiece& p : gameInfo->board)
         if (random() % 4 == 0) p.pieceID = 0;
     const std::vector<BoardPiece> holed = gameInfo->board;
-    NullView view;
-    NullHost host;
+    QuietView view;
+    QuietHost host(std::filesystem::temp_directory_path().string());
     EngineContext ctx(view, host);
     BoardActions actions(ctx);
     for (auto _ : state) {
@@ -226,8 +199,8 @@ void BM_WholeGameFromScript(benchmark::State& state) {
         std::filesystem::create_directories(folder);
         state.ResumeTiming();
         srandom(seed);
-        NullView view;
-        NullHost host;
+        QuietView view;
+        QuietHost host;
         host.folder = folder.string();
         ActionsMenu menu;
         Engine engine(view, host);

@@ -14,42 +14,19 @@
 
 #include "engine/Completion.h"
 #include "engine/EngineContext.h"
+#include "engine/QuietShell.h"
 #include "platform/PlistFile.h"
 
 namespace {
 
 using namespace tolvar;
 
-class QuietView : public View {
+// The score screen must get a list whenever it highlights a row.
+class CheckingView : public QuietView {
 public:
-    void drawBoard() override {}
-    void animatePiece(const BoardPiece&, std::uint32_t, std::uint32_t, std::uint32_t,
-                      std::uint32_t) override {}
     void displayScores(const Value& scores, int highlight) override {
         if (highlight >= 0 && !scores.asArray()) std::abort();
     }
-    void clearPieceSprites(int) override {}
-    void pauseForFlash() override {}
-};
-
-class QuietHost : public Host {
-public:
-    explicit QuietHost(std::string folder) : folder_(std::move(folder)) {}
-    CurrentEvent currentEvent() override { return {}; }
-    void runAlert(const std::string&, const std::string&, const std::string&) override {}
-    bool scoresTimerRunning() const override { return false; }
-    void startScoresTimer(const Value&) override {}
-    void stopScoresTimer() override {}
-    void resetProjection() override {}
-    void showGameWindow() override {}
-    void hideGameWindow() override {}
-    void showMainWindow() override {}
-    void hideMainWindow() override {}
-    void scheduleEngineTimers() override {}
-    std::string dataFolder() override { return folder_; }
-
-private:
-    std::string folder_;
 };
 
 std::string slurp(const std::string& path) {
@@ -82,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     gameInfo = std::make_unique<GameInfo>();
     gameInfo->gameName = size > 0 && (data[0] & 1) ? "Glimmet" : "Vexamor";
     gameInfo->score = size > 1 ? static_cast<std::uint64_t>(data[1]) * 7 : 30;
-    QuietView view;
+    CheckingView view;
     QuietHost host(folder());
     EngineContext ctx(view, host);
     GameAction action;

@@ -1,0 +1,46 @@
+// A desktop that shows nothing: every view and host operation does nothing, the current event
+// is whatever was last put in `event`, and best scores go to `folder`. The headless runner, the
+// benchmarks and the fuzz targets build on it and override what they need to see.
+#pragma once
+
+#include <string>
+
+#include "engine/Host.h"
+#include "engine/View.h"
+
+namespace tolvar {
+
+class QuietView : public View {
+public:
+    void drawBoard() override {}
+    void animatePiece(const BoardPiece&, std::uint32_t, std::uint32_t, std::uint32_t,
+                      std::uint32_t) override {}
+    void displayScores(const Value&, int) override {}
+    void clearPieceSprites(int) override {}
+    void pauseForFlash() override {}
+};
+
+class QuietHost : public Host {
+public:
+    QuietHost() = default;
+    explicit QuietHost(std::string dataFolder) : folder(std::move(dataFolder)) {}
+
+    CurrentEvent currentEvent() override { return event; }
+    void runAlert(const std::string&, const std::string&, const std::string&) override {}
+    bool scoresTimerRunning() const override { return scoresTimer; }
+    void startScoresTimer(const Value&) override { scoresTimer = true; }
+    void stopScoresTimer() override { scoresTimer = false; }
+    void resetProjection() override {}
+    void showGameWindow() override {}
+    void hideGameWindow() override {}
+    void showMainWindow() override {}
+    void hideMainWindow() override {}
+    void scheduleEngineTimers() override {}
+    std::string dataFolder() override { return folder; }
+
+    CurrentEvent event;   // what the game window last saw
+    std::string folder;   // where "BestScores.dict" lives
+    bool scoresTimer = false;
+};
+
+}  // namespace tolvar
