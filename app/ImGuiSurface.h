@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/SdlHandles.h"
+
 struct ImGuiContext;
 struct ImFont;
 
@@ -40,14 +42,8 @@ public:
     void hide();
 
 private:
-    struct WindowDeleter {
-        void operator()(SDL_Window* w) const { SDL_DestroyWindow(w); }
-    };
-    struct ContextDeleter {
-        void operator()(void* c) const { SDL_GL_DeleteContext(c); }
-    };
-    std::unique_ptr<SDL_Window, WindowDeleter> window_;
-    std::unique_ptr<void, ContextDeleter> context_;
+    SdlWindowPtr window_;
+    SdlGlContextPtr context_;
     ImGuiContext* imgui_ = nullptr;  // owned: destroyed with ImGui::DestroyContext
     bool interfaceFont_ = false;
     ImFont* boldFont_ = nullptr;

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/SdlHandles.h"
+
 #include "engine/Host.h"
 
 namespace tolvar {
@@ -47,14 +49,8 @@ public:
     static bool performKeyEquivalent(const Engine& engine, const CurrentEvent& event);
 
 private:
-    struct WindowDeleter {
-        void operator()(SDL_Window* w) const { SDL_DestroyWindow(w); }
-    };
-    struct ContextDeleter {
-        void operator()(void* c) const { SDL_GL_DeleteContext(c); }
-    };
-    std::unique_ptr<SDL_Window, WindowDeleter> window_;
-    std::unique_ptr<void, ContextDeleter> context_;
+    SdlWindowPtr window_;
+    SdlGlContextPtr context_;
     int samples_ = 0;
 };
 
