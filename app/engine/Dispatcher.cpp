@@ -38,33 +38,30 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
         std::printf("action %d\n", static_cast<int>(a->actionID));
         const std::uint64_t amount = static_cast<std::uint64_t>(static_cast<std::int64_t>(a->amount));
         switch (a->actionType) {
-            case 1:
+            case kActionAddScore:
                 game.score += amount * game.scoreMultiplier;
                 ctx_.view.drawBoard();
                 break;
-            case 2:
+            case kActionAddMultiplier:
                 game.scoreMultiplier += amount;
                 break;
-            case 3: case 4: case 5: case 6: case 7: case 9:
-            case 11: case 12: case 13: case 14: case 15: case 16: case 17: case 18:
-                break;
-            case 8:
+            case kActionCollapseInDirection:
                 ctx_.view.drawBoard();
                 actions_.performActionCollapseInDirection(a->direction);
                 ctx_.view.drawBoard();
                 break;
-            case 10:
+            case kActionSelectColor:
                 actions_.performActionSelectColor(*a);
                 break;
-            case 19:
+            case kActionCollapseEmptyRows:
                 actions_.performActionCollapseEmptyRows(a->direction);
                 ctx_.view.drawBoard();
                 break;
-            case 20:
+            case kActionCollapseFullRows:
                 actions_.performActionCollapseFullRows(a->direction);
                 ctx_.view.drawBoard();
                 break;
-            case 21: {
+            case kActionCheckForGameCompletion: {
                 // Only the last of several pending pieces-removed events runs the test.
                 const SupportedEvent* head = game.eventQueue.get();
                 if (!EventQueue::queueContains(head, kEventPiecesRemoved) ||
@@ -73,29 +70,29 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
                     completion_.performActionCheckForGameCompletion();
                 break;
             }
-            case 22:
+            case kActionCheckBestScores:
                 bestScores_.performActionCheckBestScores(*a);
                 break;
-            case 23:
+            case kActionShowMessage:
                 ctx_.view.drawBoard();
                 ctx_.host.runAlert(" ", a->message.value_or(std::string()), "OK");
                 break;
-            case 26:
+            case kActionAddVariableToScore:
                 if (const GameVariable* v = actions_.getVariable(a->variableID))
                     game.score += v->variableValue * game.scoreMultiplier;
                 break;
-            case 27:
+            case kActionGetRemainingPieceCount:
                 if (GameVariable* v = actions_.getVariable(a->variableID))
                     actions_.performActionGetRemainingPieceCount(v);
                 break;
-            case 28:
+            case kActionFillSpacesRandomly:
                 actions_.performActionFillSpacesRandomly();
                 break;
-            case 29:
+            case kActionResolveMatches:
                 actions_.performActionResolveMatches();
                 break;
             default:
-                std::printf("unknown action specified.\n");
+                if (!isInertActionType(a->actionType)) std::printf("unknown action specified.\n");
                 break;
         }
     }

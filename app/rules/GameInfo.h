@@ -23,6 +23,31 @@ enum EventType : std::uint32_t {
 };
 constexpr std::uint32_t kUserTriggerEventID = 200;
 
+// Action types the dispatcher runs.
+enum ActionType : std::uint32_t {
+    kActionAddScore = 1,             // amount x multiplier onto the score
+    kActionAddMultiplier = 2,        // amount onto the score multiplier
+    kActionCollapseInDirection = 8,  // pieces fall toward the direction
+    kActionSelectColor = 10,         // select pieces by the action's criteria
+    kActionCollapseEmptyRows = 19,
+    kActionCollapseFullRows = 20,
+    kActionCheckForGameCompletion = 21,
+    kActionCheckBestScores = 22,
+    kActionShowMessage = 23,
+    kActionAddVariableToScore = 26,
+    kActionGetRemainingPieceCount = 27,
+    kActionFillSpacesRandomly = 28,
+    kActionResolveMatches = 29,
+};
+
+// Action types a rules file may name that do nothing when run (3 to 7, 9, 11 to 18); any other
+// unlisted type is reported as unknown.
+constexpr bool isInertActionType(std::uint32_t type) {
+    constexpr std::uint32_t kInertLow = 3, kInertHigh = 18;
+    if (type < kInertLow || type > kInertHigh) return false;
+    return type != kActionCollapseInDirection && type != kActionSelectColor;
+}
+
 // Action criteria bits.
 enum ActionCriteria : std::uint32_t {
     kCriteriaDownPiece = 0x01,
