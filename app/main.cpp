@@ -6,8 +6,23 @@
 #include <cstdio>
 
 #include "TolvarAppDelegate.h"
+#include "platform/CommandLine.h"
+
+namespace {
+
+constexpr const char* kHelp =
+    "usage: tolvar [--help] [--version]\n"
+    "Plays the puzzle games of the rules file RulesDict.dict in $XDG_DATA_HOME/Tolvar\n"
+    "(~/.local/share/Tolvar): pick a game in the main window and press Start.\n"
+    "The engine's diagnostics are printed on standard output.\n"
+    "\n"
+    "  --help     show this help and exit\n"
+    "  --version  show the version and exit\n";
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar", kHelp)) return 0;
     // Diagnostic lines reach a pipe or a log as they are printed.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     // Dates on the score screen follow the player's locale.

@@ -16,5 +16,5 @@ add_executable(tolvar
 )
 target_include_directories(tolvar PRIVATE ${CMAKE_CURRENT_LIST_DIR})
 target_link_libraries(tolvar PRIVATE tolvar_shell_platform tolvar_presentation tolvar_engine
-  tolvar_rules tolvar_platform_core tolvar_textures tolvar3d
+  tolvar_rules tolvar_platform_core tolvar_command_line tolvar_textures tolvar3d
   PkgConfig::SDL2 PkgConfig::GL PkgConfig::GLUT PkgConfig::IMGUI PkgConfig::FONTCONFIG)

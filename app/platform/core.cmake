@@ -5,3 +5,8 @@ add_library(tolvar_platform_core STATIC
 )
 target_include_directories(tolvar_platform_core PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(tolvar_platform_core PRIVATE PkgConfig::PLIST)
+
+# --help and --version for every program, the version being the project's.
+add_library(tolvar_command_line STATIC ${CMAKE_CURRENT_LIST_DIR}/CommandLine.cpp)
+target_include_directories(tolvar_command_line PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_compile_definitions(tolvar_command_line PRIVATE TOLVAR_VERSION="${PROJECT_VERSION}")

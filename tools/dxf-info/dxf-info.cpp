@@ -4,8 +4,22 @@
 
 #include "3DSpriteLib.h"
 #include "DXFtoSprite.h"
+#include "platform/CommandLine.h"
+
+namespace {
+
+constexpr const char* kHelp =
+    "usage: dxf-info FILE\n"
+    "Reads the model FILE as the game does and lists its vertex count, its box and every\n"
+    "face with its normal.\n"
+    "\n"
+    "  --help     show this help and exit\n"
+    "  --version  show the version and exit\n";
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    if (tolvar::answerHelpOrVersion(argc, argv, "dxf-info", kHelp)) return 0;
     if (argc != 2) {
         fprintf(stderr, "usage: dxf-info FILE\n");
         return 2;

@@ -11,8 +11,19 @@
 #include <string>
 
 #include "ScriptRunner.h"
+#include "platform/CommandLine.h"
 
 namespace {
+
+constexpr const char* kHelp =
+    "usage: tolvar-sim [--seed N] [--rules FILE] [SCRIPT]\n"
+    "Plays the game engine without a window, driven by the script SCRIPT (or standard\n"
+    "input), and prints the engine's diagnostics.\n"
+    "\n"
+    "  --seed N      fix the random sequence (board, refills, flash)\n"
+    "  --rules FILE  read the games from FILE instead of the data folder\n"
+    "  --help        show this help and exit\n"
+    "  --version     show the version and exit\n";
 
 int usage(const char* why) {
     std::fprintf(stderr, "tolvar-sim: %s\nusage: tolvar-sim [--seed N] [--rules FILE] [SCRIPT]\n",
@@ -26,6 +37,7 @@ int main(int argc, char** argv) {
     // Line-buffered output, so the diagnostics and the runner's errors interleave sanely
     // when both go to one pipe.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar-sim", kHelp)) return 0;
 
     bool seeded = false;
     unsigned long seed = 0;

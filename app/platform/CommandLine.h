@@ -1,0 +1,16 @@
+// What every Tolvar program answers on its command line: --help and --version.
+#pragma once
+
+#include <string_view>
+
+namespace tolvar {
+
+// The version of the game and its tools ("0.1").
+const char* tolvarVersion();
+
+// When an argument is --help or --version, prints the help text or "PROGRAM VERSION" on standard
+// output and returns true: the program then ends with status 0. Otherwise returns false and
+// prints nothing, and the program reads its arguments as usual.
+bool answerHelpOrVersion(int argc, char** argv, std::string_view program, std::string_view help);
+
+}  // namespace tolvar
