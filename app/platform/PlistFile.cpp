@@ -432,14 +432,10 @@ std::string toXmlPropertyList(const Value& value) {
     return std::string(xml.get(), length);
 }
 
-bool writePropertyListFile(const std::string& path, const Value& value) {
+std::optional<FileWriteError> writePropertyListFile(const std::string& path, const Value& value) {
     const std::string xml = toXmlPropertyList(value);
-    if (xml.empty()) return false;
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) return false;
-    out.write(xml.data(), static_cast<std::streamsize>(xml.size()));
-    out.flush();
-    return static_cast<bool>(out);
+    if (xml.empty()) return FileWriteError{path, "nested too deeply to be written"};
+    return writeFileAtomically(path, xml);
 }
 
 }  // namespace tolvar

@@ -1,5 +1,6 @@
 #include "rules/BuiltinGames.h"
 
+#include <cstdio>
 #include <initializer_list>
 
 #include "platform/PlistFile.h"
@@ -170,9 +171,10 @@ Value createTestRulesDict(const std::string& rulesPath) {
     all.set("Trindle", createTestGameTwo());
     all.set("Glimmet", createTestGameThree());
     Value rules = Value::dictionary(std::move(all));
-    // A failed write is not reported: the games are played from memory and the file is tried
-    // again at the next launch.
-    (void)writePropertyListFile(rulesPath, rules);
+    // The games are played from memory either way.
+    if (const auto error = writePropertyListFile(rulesPath, rules))
+        std::fprintf(stderr, "%s: cannot be written (%s); the built-in games are played without it\n",
+                     rulesPath.c_str(), error->reason.c_str());
     return rules;
 }
 

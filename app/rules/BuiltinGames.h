@@ -11,8 +11,9 @@ Value createTestGameOne();    // "Vexamor"
 Value createTestGameTwo();    // "Trindle"
 Value createTestGameThree();  // "Glimmet"
 
-// createTestRulesDict: the three games under their names, written to rulesPath (not atomically;
-// a failed write is ignored). Returns the dictionary, which becomes allGameRules.
+// createTestRulesDict: the three games under their names, written to rulesPath in one step (a
+// failed write leaves no file; its reason goes to standard error and the file is tried again at
+// the next launch). Returns the dictionary, which becomes allGameRules.
 Value createTestRulesDict(const std::string& rulesPath);
 
 }  // namespace tolvar

@@ -282,7 +282,7 @@ TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
         gameInfo->score = 30;
         const std::string path = (host.folder / "BestScores.dict").string();
         ASSERT_TRUE(pipe ? mkfifo(path.c_str(), 0600) == 0
-                         : writePropertyListFile(path, Value::dictionary(wrongKind)));
+                         : !writePropertyListFile(path, Value::dictionary(wrongKind)));
         GameAction action;
         action.lowerIsBetter = static_cast<std::uint32_t>(pipe);
         const std::string err =

@@ -172,13 +172,14 @@ TEST(PlistRead, BrokenOrHostileBytesAreRefused) {
 }
 
 TEST_F(DataHome, PropertyListFilesReadBackAsWrittenAndOtherPathsFail) {
-    ASSERT_TRUE(writePropertyListFile(home_ + "/Sample.dict", sampleTree()));
+    ASSERT_EQ(writePropertyListFile(home_ + "/Sample.dict", sampleTree()), std::nullopt);
     EXPECT_EQ(ok(readPropertyListFile(home_ + "/Sample.dict")), sampleTree());
     EXPECT_EQ(refused(readPropertyListFile(home_ + "/absent.dict")), "no such file");
     EXPECT_EQ(refused(readPropertyListFile("/dev/zero")), "is not a regular file");
     ASSERT_EQ(mkfifo((home_ + "/pipe.dict").c_str(), 0600), 0);
     EXPECT_EQ(refused(readPropertyListFile(home_ + "/pipe.dict")), "is not a regular file");
-    EXPECT_FALSE(writePropertyListFile(home_ + "/no/such/folder/x.dict", sampleTree()));
+    const auto error = writePropertyListFile(home_ + "/no/such/folder/x.dict", sampleTree());
+    EXPECT_TRUE(error && error->message() == home_ + "/no/such/folder/x.dict: No such file or directory");
 }
 
 TEST(RulesDict, AnEmptyDictionaryGivesEveryDefault) {
@@ -328,6 +329,24 @@ TEST_F(DataHome, GamesAreOfferedInFileOrderAndChoosingOneShowsItsDescription) {
 }
 
 // A file that cannot be used leaves the menu and the file as they were, and one line says why.
+TEST_F(DataHome, AFirstWriteCutByAFullDiskLeavesNoRulesFileAndSaysWhy) {
+    GameLibrary first;
+    std::string err;
+    {
+        ScopedWriteFailure full(4096, ENOSPC);
+        testing::internal::CaptureStderr();
+        setup(first);
+        err = testing::internal::GetCapturedStderr();
+    }
+    EXPECT_EQ(err, rulesPath() + ": cannot be written (No space left on device); the built-in games are "
+                                 "played without it\n");
+    EXPECT_TRUE(std::filesystem::is_empty(home_ + "/share/Tolvar"));  // neither a cut file nor a temporary one
+    EXPECT_EQ(first.gameMenu(), kBuiltinMenu);                         // played from memory
+    GameLibrary next;  // the next launch writes the whole file
+    setup(next);
+    EXPECT_EQ(ok(readPropertyListFile(rulesPath())), *next.allGameRules());
+}
+
 TEST_F(DataHome, UnreadableFilesKeepTheMenuAndTheFileAndSayWhy) {
     const std::string games = toXmlPropertyList(dict({{"Vexamor", createTestGameOne()}}));
     const std::pair<const char*, std::optional<std::string>> files[] = {

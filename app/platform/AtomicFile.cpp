@@ -1,0 +1,150 @@
+#include "platform/AtomicFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+
+namespace tolvar {
+
+namespace {
+
+constexpr std::size_t kNoFailure = std::numeric_limits<std::size_t>::max();
+std::atomic<std::size_t> failAfterBytes{kNoFailure};
+std::atomic<int> failureErrno{0};
+
+// Closes the descriptor, and removes the file it was opened for unless kept.
+class OpenFile {
+public:
+    OpenFile(int fd, std::string path) : fd_(fd), path_(std::move(path)) {}
+    ~OpenFile() {
+        if (fd_ >= 0) ::close(fd_);
+        if (!kept_ && !path_.empty()) ::unlink(path_.c_str());
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    int fd() const { return fd_; }
+    // Closes the descriptor and keeps the file; returns the errno of a failed close, or 0.
+    int closeAndKeep() {
+        const int result = ::close(fd_);
+        fd_ = -1;
+        if (result != 0) return errno;
+        kept_ = true;
+        return 0;
+    }
+
+private:
+    int fd_;
+    std::string path_;
+    bool kept_ = false;
+};
+
+// Writes all of bytes; returns 0 or the errno of the failure.
+int writeAll(int fd, std::string_view bytes) {
+    const std::size_t limit = failAfterBytes.load();
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        std::size_t chunk = bytes.size() - done;
+        if (limit != kNoFailure) {
+            if (done >= limit) return failureErrno.load();
+            chunk = std::min(chunk, limit - done);
+        }
+        const ssize_t n = ::write(fd, bytes.data() + done, chunk);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            return errno;
+        }
+        done += static_cast<std::size_t>(n);
+    }
+    return 0;
+}
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    if (slash == 0) return "/";
+    return path.substr(0, slash);
+}
+
+std::string nameOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+FileWriteError failure(const std::string& path, int errorNumber) {
+    return FileWriteError{path, std::strerror(errorNumber)};
+}
+
+// Creates a file that did not exist, with the permissions 0666 less the umask.
+int createNew(const std::string& path) {
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+}
+
+// Creates a new hidden file beside path, so that the rename stays within one file system, and
+// returns its descriptor (or -1 with errno set) and its name.
+int createTemporaryBeside(const std::string& path, std::string& name) {
+    static std::atomic<unsigned> counter{0};
+    const std::string stem = folderOf(path) + "/." + nameOf(path) + "." + std::to_string(::getpid());
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        name = stem + "." + std::to_string(counter++);
+        const int fd = createNew(name);
+        if (fd >= 0 || errno != EEXIST) return fd;
+    }
+    return -1;  // errno is still EEXIST
+}
+
+}  // namespace
+
+std::optional<FileWriteError> writeFileAtomically(const std::string& path, std::string_view bytes) {
+    struct stat old {};
+    const bool replacing = ::stat(path.c_str(), &old) == 0;
+    if (replacing && S_ISDIR(old.st_mode)) return FileWriteError{path, "Is a directory"};
+
+    std::string temporary;
+    const int fd = createTemporaryBeside(path, temporary);
+    if (fd < 0) return failure(path, errno);
+    OpenFile file(fd, temporary);
+
+    if (replacing && S_ISREG(old.st_mode) && ::fchmod(file.fd(), old.st_mode & 07777) != 0)
+        return failure(path, errno);
+    if (const int error = writeAll(file.fd(), bytes)) return failure(path, error);
+    if (::fsync(file.fd()) != 0) return failure(path, errno);
+    if (const int error = file.closeAndKeep()) return failure(path, error);
+    if (::rename(temporary.c_str(), path.c_str()) != 0) {
+        const int error = errno;
+        ::unlink(temporary.c_str());
+        return failure(path, error);
+    }
+    // The rename itself reaches the disk with the folder.
+    const int folder = ::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        ::fsync(folder);
+        ::close(folder);
+    }
+    return std::nullopt;
+}
+
+std::optional<FileWriteError> writeNewFile(const std::string& path, std::string_view bytes) {
+    const int fd = createNew(path);
+    if (fd < 0) return failure(path, errno);
+    OpenFile file(fd, path);
+    if (const int error = writeAll(file.fd(), bytes)) return failure(path, error);
+    if (::fsync(file.fd()) != 0) return failure(path, errno);
+    if (const int error = file.closeAndKeep()) return failure(path, error);
+    return std::nullopt;
+}
+
+ScopedWriteFailure::ScopedWriteFailure(std::size_t bytesBeforeFailure, int errorNumber) {
+    failureErrno = errorNumber;
+    failAfterBytes = bytesBeforeFailure;
+}
+
+ScopedWriteFailure::~ScopedWriteFailure() { failAfterBytes = kNoFailure; }
+
+}  // namespace tolvar

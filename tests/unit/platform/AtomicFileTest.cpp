@@ -1,0 +1,121 @@
+// Whole-file replacement: the old file or the new one, never a cut or empty one, and a clear
+// reason when a write is refused.
+#include <signal.h>
+#include <sys/stat.h>
+
+#include "FileTestHelpers.h"
+#include "platform/AtomicFile.h"
+
+namespace tolvar {
+namespace {
+
+using namespace testing;
+
+using AtomicFile = ScratchFolder;
+
+mode_t modeOf(const std::string& path) {
+    struct stat info {};
+    EXPECT_EQ(stat(path.c_str(), &info), 0);
+    return info.st_mode & 07777;
+}
+
+TEST_F(AtomicFile, NewAndReplacedFilesHoldTheBytesAndKeepTheirPermissions) {
+    const mode_t oldMask = umask(027);
+    const std::string file = path("scores.dict");
+    EXPECT_EQ(writeFileAtomically(file, "first"), std::nullopt);
+    EXPECT_EQ(contentsOf(file), "first");
+    EXPECT_EQ(modeOf(file), 0640u);  // 0666 less the umask
+    ASSERT_EQ(chmod(file.c_str(), 0604), 0);
+    EXPECT_EQ(writeFileAtomically(file, std::string(100000, 'x')), std::nullopt);
+    EXPECT_EQ(contentsOf(file), std::string(100000, 'x'));
+    EXPECT_EQ(modeOf(file), 0604u);
+    EXPECT_EQ(writeFileAtomically(file, ""), std::nullopt);
+    EXPECT_EQ(contentsOf(file), "");
+    umask(oldMask);
+    EXPECT_EQ(names(), std::vector<std::string>{"scores.dict"});  // no temporary file is left
+}
+
+TEST_F(AtomicFile, RefusedWritesNameTheFileAndTheReasonAndLeaveTheOldFile) {
+    putFile(path("old.dict"), "old table");
+    putFile(path("plain"), "a file where a folder should be");
+    std::filesystem::create_directory(folder / "folder.dict");
+    struct Case {
+        const char* what;
+        std::string target;
+        std::size_t failAfter;  // bytes written before a full disk; SIZE_MAX for none
+        std::string reason;
+    };
+    const Case cases[] = {
+        {"disk full half-way", path("old.dict"), 4096, "No space left on device"},
+        {"disk full at once", path("old.dict"), 0, "No space left on device"},
+        {"a file in the folder's place", path("plain/new.dict"), SIZE_MAX, "Not a directory"},
+        {"no such folder", path("none/new.dict"), SIZE_MAX, "No such file or directory"},
+        {"a folder in the file's place", path("folder.dict"), SIZE_MAX, "Is a directory"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::optional<FileWriteError> error;
+        if (c.failAfter == SIZE_MAX) {
+            error = writeFileAtomically(c.target, std::string(10000, 'n'));
+        } else {
+            ScopedWriteFailure full(c.failAfter, ENOSPC);
+            error = writeFileAtomically(c.target, std::string(10000, 'n'));
+        }
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->message(), c.target + ": " + c.reason);
+        EXPECT_EQ(contentsOf(path("old.dict")), "old table");
+        EXPECT_EQ(names(), (std::vector<std::string>{"folder.dict", "old.dict", "plain"}));
+    }
+}
+
+TEST_F(AtomicFile, AReadOnlyFolderRefusesWithoutRights) {
+    putFile(path("old.dict"), "old table");
+    ASSERT_EQ(chmod(folder.c_str(), 0555), 0);
+    const std::string target = path("old.dict");
+    EXPECT_TRUE(trueWithoutRights([&] {
+        const auto error = writeFileAtomically(target, "new");
+        return error && error->message() == target + ": Permission denied";
+    }));
+    EXPECT_EQ(contentsOf(target), "old table");
+}
+
+TEST_F(AtomicFile, ANewFileNeverReplacesAnEarlierOne) {
+    EXPECT_EQ(writeNewFile(path("aside"), "first"), std::nullopt);
+    const auto error = writeNewFile(path("aside"), "second");
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->reason, "File exists");
+    EXPECT_EQ(contentsOf(path("aside")), "first");
+    ScopedWriteFailure full(3, ENOSPC);
+    EXPECT_TRUE(writeNewFile(path("cut"), "12345"));
+    EXPECT_EQ(names(), (std::vector<std::string>{"aside"}));  // a cut copy is not left behind
+}
+
+// A writer killed at any moment leaves one whole version: it writes two large versions in turn
+// and reports each finished write; it is killed right after a report, in the middle of the next.
+TEST_F(AtomicFile, AWriterKilledMidWriteLeavesTheOldOrTheNewFile) {
+    const std::string file = path("table.dict");
+    const std::string versions[] = {std::string(3 << 20, 'a'), std::string(2 << 20, 'b')};
+    for (int kills = 0; kills < 5; ++kills) {
+        int reports[2];
+        ASSERT_EQ(pipe(reports), 0);
+        const pid_t writer = fork();
+        if (writer == 0) {
+            close(reports[0]);
+            for (unsigned n = 0;; ++n) {
+                if (writeFileAtomically(file, versions[n % 2])) _exit(1);
+                if (write(reports[1], "w", 1) != 1) _exit(1);
+            }
+        }
+        close(reports[1]);
+        char report = 0;
+        for (int i = 0; i <= kills; ++i) ASSERT_EQ(read(reports[0], &report, 1), 1);
+        kill(writer, SIGKILL);
+        waitpid(writer, nullptr, 0);
+        close(reports[0]);
+        const std::string left = contentsOf(file);
+        EXPECT_TRUE(left == versions[0] || left == versions[1]) << "a file of " << left.size() << " bytes";
+    }
+}
+
+}  // namespace
+}  // namespace tolvar
