@@ -10,6 +10,7 @@
 #include "AlertPanel.h"
 #include "platform/DataFolder.h"
 #include "platform/FontLookup.h"
+#include "engine/RandomSequence.h"
 #include "platform/SdlEvents.h"
 
 namespace tolvar {
@@ -51,7 +52,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     unsigned int seed = static_cast<unsigned int>(tv.tv_usec);
     if (const char* fixed = std::getenv("TOLVAR_SEED"); fixed && *fixed)
         seed = static_cast<unsigned int>(std::strtoul(fixed, nullptr, 10));
-    srandom(seed);
+    gameRandom().seed(seed);
 
     // 2. No timers, no game, no background, paused (the engine starts so).
     eventTimer = 0;

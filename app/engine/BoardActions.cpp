@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/BoardSetup.h"
+#include "engine/RandomSequence.h"
 #include "engine/SelectColor.h"
 
 namespace tolvar {
@@ -179,9 +180,9 @@ void BoardActions::performActionSelectColor(const GameAction& action) {
 
 void BoardActions::flashAndRemove() {
     for (int frame = 0; frame < 6; ++frame) {
-        gSelectColor.red = static_cast<float>(random() % 100) * 0.01f;
-        gSelectColor.green = static_cast<float>(random() % 100) * 0.01f;
-        gSelectColor.blue = static_cast<float>(random() % 100) * 0.01f;
+        gSelectColor.red = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
+        gSelectColor.green = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
+        gSelectColor.blue = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
         ctx_.view.drawBoard();
         ctx_.view.pauseForFlash();
     }
@@ -229,8 +230,8 @@ void BoardActions::performActionFillSpacesRandomly() {
             const std::uint32_t id = nextFree < limit ? static_cast<std::uint32_t>(nextFree) : 0;
             if (id) used[id] = 1;
             piece.pieceID = id;
-            piece.colorIndex = static_cast<std::uint8_t>(random() % colors + 1);
-            piece.shapeIndex = static_cast<std::uint8_t>(random() % shapes + 1);
+            piece.colorIndex = static_cast<std::uint8_t>(static_cast<long>(gameRandom().next()) % colors + 1);
+            piece.shapeIndex = static_cast<std::uint8_t>(static_cast<long>(gameRandom().next()) % shapes + 1);
             piece.selected = 0;
             setPieceColor(game, piece);
         }

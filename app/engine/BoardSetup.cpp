@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "engine/Board.h"
+#include "engine/RandomSequence.h"
 
 namespace tolvar {
 
@@ -27,7 +28,7 @@ constexpr std::array<Rgb, 10> kColorTable{{
 
 // A draw from the game's random sequence, reduced to 1..count.
 unsigned drawNumber(unsigned count) {
-    return static_cast<unsigned>(random() % static_cast<long>(count == 0 ? 1 : count)) + 1;
+    return static_cast<unsigned>(static_cast<long>(gameRandom().next()) % static_cast<long>(count == 0 ? 1 : count)) + 1;
 }
 
 // Whether some colour other than the piece's own would bring its runs within the limit.
@@ -71,7 +72,7 @@ void setupGame(GameInfo& game, View& view) {
             piece.shapeIndex = static_cast<std::uint8_t>(drawNumber(game.numShapes));
             setPieceColor(game, piece);
             piece.pieceID = static_cast<std::uint32_t>(n + 1);
-            if (game.holesAllowed && random() % static_cast<long>(game.numColors ? game.numColors : 1) == 0)
+            if (game.holesAllowed && static_cast<long>(gameRandom().next()) % static_cast<long>(game.numColors ? game.numColors : 1) == 0)
                 piece.pieceID = 0;
         }
     }

@@ -17,6 +17,7 @@
 #include "DXFtoSprite.h"
 #include "FileIO.h"
 #include "engine/BoardLayout.h"
+#include "engine/RandomSequence.h"
 #include "engine/SelectColor.h"
 #include "presentation/DrawingGlobals.h"
 #include "presentation/ScoreText.h"
@@ -48,7 +49,7 @@ void drawText(float x, float y, const std::string& text) {
 float half(float v) { return static_cast<float>(static_cast<double>(v) / 2.0); }
 float third(float v) { return static_cast<float>(static_cast<double>(v) / 3.0); }
 
-std::int32_t sysRandom() { return static_cast<std::int32_t>(::random()); }
+std::int32_t sysRandom() { return gameRandom().next(); }
 
 // 0.00 to 1.00 in steps of 0.01.
 float randomShade() { return static_cast<float>((sysRandom() % 101) * 0.01); }

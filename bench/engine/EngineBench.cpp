@@ -19,6 +19,7 @@
 #include "engine/Engine.h"
 #include "engine/EngineContext.h"
 #include "engine/QuietShell.h"
+#include "engine/RandomSequence.h"
 #include "rules/BuiltinGames.h"
 #include "rules/GameLibrary.h"
 #include "rules/RulesDict.h"
@@ -62,7 +63,7 @@ void installGame(int which, int size) {
     ActionsMenu menu;
     gameInfo = createStructsFromRulesDict(&rules, menu);
     QuietView view;
-    srandom(12345);
+    gameRandom().seed(12345);
     setupGame(*gameInfo, view);
 }
 
@@ -144,9 +145,9 @@ void BM_FallingPieces(benchmark::State& state) {
     Silence quiet;
     const int size = static_cast<int>(state.range(0));
     installGame(1, size);
-    srandom(99);
+    gameRandom().seed(99);
     for (BoardPiece& p : gameInfo->board)
-        if (random() % 4 == 0) p.pieceID = 0;
+        if (gameRandom().next() % 4 == 0) p.pieceID = 0;
     const std::vector<BoardPiece> holed = gameInfo->board;
     QuietView view;
     QuietHost host(std::filesystem::temp_directory_path().string());
@@ -198,7 +199,7 @@ void BM_WholeGameFromScript(benchmark::State& state) {
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder);
         state.ResumeTiming();
-        srandom(seed);
+        gameRandom().seed(seed);
         QuietView view;
         QuietHost host;
         host.folder = folder.string();

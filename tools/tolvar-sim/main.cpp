@@ -11,6 +11,7 @@
 #include <string>
 
 #include "ScriptRunner.h"
+#include "engine/RandomSequence.h"
 #include "platform/CommandLine.h"
 
 namespace {
@@ -68,11 +69,11 @@ int main(int argc, char** argv) {
     }
 
     if (seeded) {
-        srandom(static_cast<unsigned>(seed));
+        tolvar::gameRandom().seed(static_cast<std::uint32_t>(seed));
     } else {
         timeval now{};
         gettimeofday(&now, nullptr);
-        srandom(static_cast<unsigned>(now.tv_usec));
+        tolvar::gameRandom().seed(static_cast<std::uint32_t>(now.tv_usec));
     }
 
     tolvar::GameLibrary library;

@@ -8,6 +8,7 @@
 #include "engine/BoardActions.h"
 #include "engine/BoardSetup.h"
 #include "engine/Completion.h"
+#include "engine/RandomSequence.h"
 #include "engine/SelectColor.h"
 
 namespace tolvar {
@@ -90,11 +91,11 @@ TEST(BoardSetupTest, NumbersRunDownTheColumnsAndEachCellDrawsColourThenShape) {
     auto game = freshGame(3, 2, 5);
     game->numShapes = 3;
     RecordingView view;
-    srandom(42);
+    gameRandom().seed(42);
     std::vector<long> want;  // number, place, colour, shape: a braced list draws in order
     for (long n = 0; n < 6; ++n)
-        want.insert(want.end(), {n + 1, n / 2, n % 2, random() % 5 + 1, random() % 3 + 1});
-    srandom(42);
+        want.insert(want.end(), {n + 1, n / 2, n % 2, gameRandom().next() % 5 + 1, gameRandom().next() % 3 + 1});
+    gameRandom().seed(42);
     setupGame(*game, view);
     EXPECT_EQ(view.spriteClears, 1);
     std::vector<long> got;
@@ -108,7 +109,7 @@ TEST(BoardSetupTest, RepairLeavesNoLineOfThreeKeepsShapesMatchedAndNeverLoops) {
     game->colorsMatchShapes = 1;
     RecordingView view;
     for (unsigned seed = 1; seed <= 20; ++seed) {
-        srandom(seed);
+        gameRandom().seed(seed);
         EXPECT_NE(stdoutOf([&] { setupGame(*game, view); }).find("Color count for piece 1 at 0,0"),
                   std::string::npos);
         Board board(*game);
@@ -123,7 +124,7 @@ TEST(BoardSetupTest, RepairLeavesNoLineOfThreeKeepsShapesMatchedAndNeverLoops) {
     }
     // With a limit of 1 a piece whose left and lower neighbours differ has no colour that fits.
     auto stuck = freshGame(6, 6, 3, 1);
-    srandom(11);
+    gameRandom().seed(11);
     EXPECT_NE(stderrOf([&] { setupGame(*stuck, view); }).find("no colour keeps the runs"),
               std::string::npos);
     EXPECT_EQ(stuck->board.size(), 36u);
@@ -135,10 +136,10 @@ TEST(BoardSetupTest, NoLimitCountsNothingAndNoFillGivesEmptyCells) {
     EXPECT_EQ(stdoutOf([&] { setupGame(*game, view); }), "");
     game->setupRandomFill = 0;
     game->board.clear();
-    const long before = (srandom(5), random());
-    srandom(5);
+    const long before = (gameRandom().seed(5), gameRandom().next());
+    gameRandom().seed(5);
     setupGame(*game, view);
-    EXPECT_EQ(random(), before);  // nothing was drawn
+    EXPECT_EQ(gameRandom().next(), before);  // nothing was drawn
     EXPECT_EQ(boardPicture(*game), "....|....|....");
     EXPECT_EQ(std::pair(game->board[7].x, game->board[7].y), std::pair(1u, 3u));
     EXPECT_EQ(stdoutOf([&] { printBoardColors(*makeGame(2, 3, {1, 2, 3, 4, 0, 1})); }),
@@ -236,7 +237,7 @@ TEST_F(BoardActionsTest, RefillHandsOutSmallestFreeNumbersInScanOrder) {
     game.numColors = 8;
     game.board[0].pieceID = game.board[5].pieceID = game.board[23].pieceID = 0;
     game.board[23].selected = 1;
-    srandom(9);
+    gameRandom().seed(9);
     actions.performActionFillSpacesRandomly();
     for (std::uint32_t n = 0; n < 24; ++n) EXPECT_EQ(game.board[n].pieceID, n + 1);
     EXPECT_EQ(game.board[23].selected, 0);
