@@ -12,6 +12,13 @@
 
 namespace tolvar {
 
+// A cell of the board by column and row (row 0 at the bottom).
+struct BoardCell {
+    std::uint32_t column = 0;
+    std::uint32_t row = 0;
+    bool operator==(const BoardCell&) const = default;
+};
+
 class Board {
 public:
     explicit Board(GameInfo& game) : game_(game) {}

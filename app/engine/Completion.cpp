@@ -21,29 +21,117 @@ const SupportedUserEvent* userEventOfType(const GameInfo& game, std::uint32_t ty
 }
 }  // namespace
 
+BoardPiece* findRegionMove(const Board& board, std::uint32_t minimumPieces) {
+    Flags flags = board.makeFlags();
+    for (int x = 0; x < board.width(); ++x) {
+        for (int y = 0; y < board.height(); ++y) {
+            BoardPiece& piece = board.getBoardPieceAtX(x, y);
+            if (piece.pieceID != 0 && board.getRegionColorCountForPiece(piece, flags) >= minimumPieces)
+                return &piece;
+            flags.clear();
+        }
+    }
+    return nullptr;
+}
+
+std::optional<LineMove> findLineMove(const Board& board, std::uint32_t limit) {
+    const int w = board.width(), h = board.height();
+    // Only the lengths of the runs matter here, so they are read without flags.
+    for (int x = 0; x < w; ++x) {
+        for (int y = 0; y < h; ++y) {
+            BoardPiece& p = board.getBoardPieceAtX(x, y);
+            if (p.pieceID == 0) continue;
+            if (board.straightRunLength(p) > limit) return LineMove{&p, nullptr};
+            // Neighbours in the order left, right, above, below.
+            const std::array<std::array<int, 2>, 4> steps{{{-1, 0}, {1, 0}, {0, 1}, {0, -1}}};
+            for (const auto& step : steps) {
+                const int qx = x + step[0], qy = y + step[1];
+                if (qx < 0 || qx >= w || qy < 0 || qy >= h) continue;
+                BoardPiece& q = board.getBoardPieceAtX(qx, qy);
+                // Swapping two pieces of one colour changes nothing.
+                if (q.pieceID == 0 || q.colorIndex == p.colorIndex) continue;
+                std::swap(p.colorIndex, q.colorIndex);
+                const std::uint32_t run = board.straightRunLength(p);
+                std::swap(p.colorIndex, q.colorIndex);
+                if (run > limit) return LineMove{&p, &q};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+namespace {
+BoardCell cellOf(const BoardPiece& piece) { return {piece.x, piece.y}; }
+
+// The first piece and neighbour of another colour whose swap gives either of them a colour
+// region of at least minimumPieces; else the first two neighbours of different colours, a swap
+// that moves the pieces on.
+std::optional<LineMove> findGroupingSwap(const Board& board, std::uint32_t minimumPieces) {
+    std::optional<LineMove> anySwap;
+    const int w = board.width(), h = board.height();
+    Flags flags = board.makeFlags();
+    auto regionOf = [&](const BoardPiece& piece) {
+        const std::uint32_t n = board.getRegionColorCountForPiece(piece, flags);
+        flags.clear();
+        return n;
+    };
+    for (int x = 0; x < w; ++x) {
+        for (int y = 0; y < h; ++y) {
+            BoardPiece& p = board.getBoardPieceAtX(x, y);
+            if (p.pieceID == 0) continue;
+            for (const auto& [dx, dy] : {std::pair{1, 0}, {0, 1}}) {
+                const int qx = x + dx, qy = y + dy;
+                if (qx >= w || qy >= h) continue;
+                BoardPiece& q = board.getBoardPieceAtX(qx, qy);
+                if (q.pieceID == 0 || q.colorIndex == p.colorIndex) continue;
+                std::swap(p.colorIndex, q.colorIndex);
+                const bool joins = regionOf(p) >= minimumPieces || regionOf(q) >= minimumPieces;
+                std::swap(p.colorIndex, q.colorIndex);
+                if (joins) return LineMove{&p, &q};
+                if (!anySwap) anySwap = LineMove{&p, &q};
+            }
+        }
+    }
+    return anySwap;
+}
+}  // namespace
+
+std::vector<BoardCell> findHint(GameInfo& game) {
+    if (!game.hasBoard()) return {};
+    Board board(game);
+    if (const SupportedUserEvent* select = userEventOfType(game, kUserEventSelectColorRegion)) {
+        if (const BoardPiece* piece = findRegionMove(board, select->minimumPieces)) {
+            Flags flags = board.makeFlags();
+            board.getRegionColorCountForPiece(*piece, flags);
+            std::vector<BoardCell> cells;
+            for (const std::uint32_t id : flags.setNumbers())
+                if (const BoardPiece* p = board.getPieceByID(id)) cells.push_back(cellOf(*p));
+            return cells;
+        }
+    }
+    if (const SupportedUserEvent* swap = userEventOfType(game, kUserEventSwapAdjacent)) {
+        std::optional<LineMove> move;
+        if (game.setupMaxLinearColors != 0) {
+            move = findLineMove(board, game.setupMaxLinearColors);
+        } else {
+            const GameAction* trigger = swap->triggerAction.get();
+            const std::int32_t least = trigger ? trigger->minPieces : 0;
+            move = findGroupingSwap(board, static_cast<std::uint32_t>(least > 1 ? least : 2));
+        }
+        if (move && move->partner) return {cellOf(*move->piece), cellOf(*move->partner)};
+        if (move) return {cellOf(*move->piece)};
+    }
+    return {};
+}
+
 void Completion::performActionCheckForGameCompletion() {
     GameInfo& game = ctx_.game();
     Board board(game);
-    const int w = board.width(), h = board.height();
     bool done = true;
     for (const CompletionCriterion* c = game.completionCriteria.get(); c; c = c->next.get()) {
         if (c->completionType != kCompletionNoMovesLeft) continue;
-        if (const SupportedUserEvent* select = userEventOfType(game, kUserEventSelectColorRegion)) {
-            Flags flags = board.makeFlags();
-            bool found = false;
-            for (int x = 0; x < w && !found; ++x) {
-                for (int y = 0; y < h && !found; ++y) {
-                    const BoardPiece& piece = board.getBoardPieceAtX(x, y);
-                    if (piece.pieceID != 0 &&
-                        board.getRegionColorCountForPiece(piece, flags) >= select->minimumPieces) {
-                        done = false;
-                        found = true;
-                    } else {
-                        flags.clear();
-                    }
-                }
-            }
-        }
+        if (const SupportedUserEvent* select = userEventOfType(game, kUserEventSelectColorRegion))
+            if (findRegionMove(board, select->minimumPieces)) done = false;
         if (userEventOfType(game, kUserEventSwapAdjacent)) {
             std::array<std::uint32_t, 256> perColor{};
             for (const BoardPiece& piece : game.board)
@@ -55,40 +143,10 @@ void Completion::performActionCheckForGameCompletion() {
             }
             done = many == 0 || (many == 1 && present == 1);
             if (!done && game.setupMaxLinearColors != 0) {
-                done = true;
-                // Only the lengths of the runs matter here, so they are read without flags.
-                const std::uint32_t limit = game.setupMaxLinearColors;
-                bool found = false;
-                for (int x = 0; x < w && !found; ++x) {
-                    for (int y = 0; y < h && !found; ++y) {
-                        BoardPiece& p = board.getBoardPieceAtX(x, y);
-                        if (p.pieceID == 0) continue;
-                        if (board.straightRunLength(p) > limit) {
-                            found = true;
-                            break;
-                        }
-                        // Neighbours in the order left, right, above, below.
-                        const std::array<std::array<int, 2>, 4> steps{
-                            {{-1, 0}, {1, 0}, {0, 1}, {0, -1}}};
-                        for (const auto& step : steps) {
-                            const int qx = x + step[0], qy = y + step[1];
-                            if (qx < 0 || qx >= w || qy < 0 || qy >= h) continue;
-                            BoardPiece& q = board.getBoardPieceAtX(qx, qy);
-                            // Swapping two pieces of one colour changes nothing.
-                            if (q.pieceID == 0 || q.colorIndex == p.colorIndex) continue;
-                            std::swap(p.colorIndex, q.colorIndex);
-                            const std::uint32_t run = board.straightRunLength(p);
-                            std::swap(p.colorIndex, q.colorIndex);
-                            if (run > limit) {
-                                found = true;
-                                break;
-                            }
-                        }
-                    }
-                }
-                if (found) {
+                if (findLineMove(board, game.setupMaxLinearColors)) {
                     done = false;
                 } else {
+                    done = true;
                     ctx_.view.drawBoard();
                 }
             }

@@ -1,12 +1,31 @@
 // The end of a game: the test for a move left, and the table of best scores.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
+#include "engine/Board.h"
 #include "engine/EngineContext.h"
 #include "platform/PropertyList.h"
 
 namespace tolvar {
+
+// The moves the end test looks for, found in its order (column by column, bottom to top).
+// The first piece whose colour region holds at least minimumPieces pieces, or nullptr.
+BoardPiece* findRegionMove(const Board& board, std::uint32_t minimumPieces);
+// A piece already on a straight run longer than limit (partner nullptr), or the first piece
+// and neighbour of another colour whose swap makes one.
+struct LineMove {
+    BoardPiece* piece = nullptr;
+    BoardPiece* partner = nullptr;
+};
+std::optional<LineMove> findLineMove(const Board& board, std::uint32_t limit);
+// A move for the player: the cells of the region the end test finds, or two neighbours to swap
+// (in a game without a line limit, the first swap that joins a group the swap's trigger
+// removes). Empty when the end test finds no move. Changes nothing.
+std::vector<BoardCell> findHint(GameInfo& game);
 
 class Completion {
 public:

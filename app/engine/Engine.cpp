@@ -1,10 +1,14 @@
 #include "engine/Engine.h"
 
+#include <algorithm>
 #include <string>
 
+#include "engine/BoardLayout.h"
 #include "engine/BoardSetup.h"
+#include "engine/Completion.h"
 #include "engine/Dispatcher.h"
 #include "engine/EngineContext.h"
+#include "engine/MoveHistory.h"
 #include "engine/UserInput.h"
 #include "rules/RulesDict.h"
 
@@ -16,6 +20,9 @@ struct Engine::Impl {
     EngineContext ctx;
     Dispatcher dispatcher;
     UserInput input;
+    MoveHistory history;
+    unsigned historyBoard = 0;  // the board the history belongs to
+    std::optional<BoardCell> cursor;
     bool timersScheduled = false;
     // Set while an engine operation runs, so a modal panel that lets the desktop deliver
     // another timer or action meanwhile cannot re-enter it.
@@ -28,6 +35,42 @@ struct Engine::Impl {
         Busy& operator=(const Busy&) = delete;
         bool& flag_;
     };
+
+    bool playing() const { return ctx.hasGame() && ctx.game().hasBoard() && ctx.gamePaused == 0; }
+
+    // Acts on one input and records what it changed as a move.
+    void play(const PlayerInput& in, bool redoing) {
+        history.beforeInput(ctx, in);
+        if (!in.fromMenu) {
+            input.handleEvent(in.event);
+        } else if (const SupportedUserEvent* u = input.charIsUserAction(in.menuCharacter)) {
+            input.processUserEvent(*u);
+        }
+        if (ctx.boardsDealt != historyBoard) {
+            forgetBoard();
+            return;
+        }
+        history.afterInput(ctx, in, redoing);
+    }
+
+    // What belonged to the board that went: its moves and the cursor.
+    void forgetBoard() {
+        history.forget();
+        cursor.reset();
+        historyBoard = ctx.boardsDealt;
+    }
+
+    // A mouse-down and mouse-up at the centre of the cursor's cell.
+    void pressCursor() {
+        const BoardLayout layout = computeBoardLayout(ctx.game());
+        CurrentEvent click;
+        click.x = layout.left + (static_cast<float>(cursor->column) + 0.5f) * layout.w;
+        click.y = layout.m + (static_cast<float>(cursor->row) + 0.5f) * layout.h;
+        click.type = kEventTypeMouseDown;
+        play({click}, false);
+        click.type = kEventTypeMouseUp;
+        if (cursor) play({click}, false);
+    }
 };
 
 namespace {
@@ -72,6 +115,8 @@ void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
     }
     ctx.host.showGameWindow();
     setupGame(*gameInfo, ctx.view);
+    ++ctx.boardsDealt;
+    impl_->forgetBoard();
     ctx.view.drawBoard();
     ctx.host.hideMainWindow();
     ctx.gameStarted = 1;
@@ -87,6 +132,7 @@ void Engine::returnToMain() {
     EngineContext& ctx = impl_->ctx;
     if (ctx.host.scoresTimerRunning()) ctx.host.stopScoresTimer();
     ctx.gamePaused = 0;
+    impl_->cursor.reset();
     ctx.host.hideGameWindow();
     ctx.host.showMainWindow();
 }
@@ -99,26 +145,105 @@ void Engine::checkMenuAction(const ActionsMenu& menu, int itemIndex) {
     const ActionsMenuItem& item = menu.item(itemIndex);
     if (!item.enabled) return;
     Impl::Busy busy(impl_->busy);
-    if (const SupportedUserEvent* u = impl_->input.charIsUserAction(item.keyEquivalent))
-        impl_->input.processUserEvent(*u);
+    PlayerInput chosen;
+    chosen.fromMenu = true;
+    chosen.menuCharacter = item.keyEquivalent;
+    impl_->play(chosen, false);
 }
 
 void Engine::processEvents() {
     if (impl_->busy) return;
     Impl::Busy busy(impl_->busy);
     impl_->dispatcher.processEvents();
+    // No undo past the best-score check of a finished game.
+    if (impl_->ctx.gamePaused != 0) impl_->history.forget();
 }
 
 void Engine::checkUserEvents() {
     if (impl_->busy) return;
     Impl::Busy busy(impl_->busy);
-    impl_->input.checkUserEvents();
+    const std::optional<CurrentEvent> event = impl_->input.newEvent();
+    if (!event) return;
+    if (event->type == kEventTypeMouseDown) impl_->cursor.reset();
+    if (event->type == kEventTypeMouseDown || event->type == kEventTypeMouseUp ||
+        event->type == kEventTypeKeyDown)
+        impl_->play({*event}, false);
 }
+
+void Engine::newGame() {
+    if (impl_->busy || !gameInfo || !gameInfo->hasBoard()) return;
+    Impl::Busy busy(impl_->busy);
+    impl_->input.restartGame();
+    impl_->forgetBoard();
+}
+
+bool Engine::canUndo() const { return impl_->playing() && impl_->history.canUndo(); }
+bool Engine::canRedo() const { return impl_->playing() && impl_->history.canRedo(); }
+
+bool Engine::undo() {
+    if (impl_->busy || !canUndo()) return false;
+    Impl::Busy busy(impl_->busy);
+    restoreSnapshot(impl_->ctx, impl_->history.undo()->before);
+    impl_->ctx.view.drawBoard();
+    return true;
+}
+
+bool Engine::redo() {
+    if (impl_->busy || !canRedo()) return false;
+    Impl::Busy busy(impl_->busy);
+    const std::optional<Move> move = impl_->history.takeRedo();
+    restoreSnapshot(impl_->ctx, move->before);
+    for (const PlayerInput& in : move->inputs) impl_->play(in, true);
+    impl_->ctx.view.drawBoard();
+    return true;
+}
+
+std::vector<BoardCell> Engine::hint() const {
+    if (!impl_->playing()) return {};
+    return findHint(*gameInfo);
+}
+
+bool Engine::cursorKey(const CurrentEvent& keyDown) {
+    Impl& im = *impl_;
+    if (im.busy || keyDown.type != kEventTypeKeyDown || !im.playing() || im.ctx.gameStarted != 0)
+        return false;
+    if (im.input.charIsUserAction(firstCharacter(keyDown))) return false;  // the rules' key
+    const GameInfo& game = *gameInfo;
+    const char32_t key = firstKeyCharacter(keyDown);
+    int dx = 0, dy = 0;
+    switch (key) {
+        case kKeyLeftArrow: dx = -1; break;
+        case kKeyRightArrow: dx = 1; break;
+        case kKeyUpArrow: dy = 1; break;
+        case kKeyDownArrow: dy = -1; break;
+        case kCharacterReturn:
+        case kCharacterEnter: {
+            if (!im.cursor) return false;
+            Impl::Busy busy(im.busy);
+            im.pressCursor();
+            return true;
+        }
+        default: return false;
+    }
+    if (!im.cursor) {
+        im.cursor = BoardCell{game.boardWidth / 2u, game.boardHeight / 2u};
+    } else {
+        const auto step = [](std::uint32_t at, int by, std::uint32_t size) {
+            const std::int64_t to = static_cast<std::int64_t>(at) + by;
+            return static_cast<std::uint32_t>(std::clamp<std::int64_t>(to, 0, size - 1));
+        };
+        im.cursor->column = step(im.cursor->column, dx, game.boardWidth);
+        im.cursor->row = step(im.cursor->row, dy, game.boardHeight);
+    }
+    im.ctx.view.drawBoard();
+    return true;
+}
+
+std::optional<BoardCell> Engine::cursor() const { return impl_->cursor; }
 
 bool Engine::performKeyEquivalent(const CurrentEvent& event) const {
     if (!gameInfo || event.type != kEventTypeKeyDown) return false;
-    const std::int8_t c = event.characters.empty() ? 0 : static_cast<std::int8_t>(event.characters[0]);
-    return impl_->input.charIsUserAction(c) != nullptr;
+    return impl_->input.charIsUserAction(firstCharacter(event)) != nullptr;
 }
 
 int Engine::gameStarted() const { return impl_->ctx.gameStarted; }

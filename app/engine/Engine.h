@@ -6,6 +6,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <vector>
+
+#include "engine/Board.h"
 
 #include "engine/Host.h"
 #include "engine/View.h"
@@ -40,6 +44,36 @@ public:
     // performKeyEquivalent: of the game window: true when a running game binds the key-down
     // event's first character to a user event, so no menu shortcut fires for it.
     bool performKeyEquivalent(const CurrentEvent& event) const;
+
+    // newGame: a new board of the running game (score 0, multiplier 1), as Escape deals it;
+    // also from the score screen. Forgets the moves and hides the cursor.
+    void newGame();
+
+    // Undo and redo of the player's moves on the running board. A move is what the player's
+    // inputs changed: a click or a drag counts once (mouse-down and mouse-up), a key or an
+    // "Actions" item once; inputs that change nothing are no move. undo puts the whole game back
+    // as it was before the last move (board, selection, score, variables, pending events, random
+    // sequence); redo plays the undone move's inputs again, so the board, refills and
+    // diagnostics are the same as the first time. A new move forgets what was undone; a new
+    // board, and the best-score check that ends a game, forget every move. Each returns whether
+    // it did something; the can... queries say whether it would (for menu items).
+    bool undo();
+    bool redo();
+    bool canUndo() const;
+    bool canRedo() const;
+
+    // hint: a move the game's own end test finds: the cells of a colour region, or the two
+    // neighbours to swap. Empty when there is none (or no game is being played). Changes nothing.
+    std::vector<BoardCell> hint() const;
+
+    // The keyboard cursor. cursorKey takes every key-down of the game window before the poll
+    // reads it, and returns true when it was a cursor key: an arrow shows the cursor (first
+    // in the middle of the board) or moves it one cell, never off the board; Return or Enter,
+    // while the cursor shows, is a mouse-down and mouse-up at the centre of its cell, so it
+    // selects and swaps exactly as the mouse does. A key that the rules bind is never a cursor
+    // key. A mouse-down, a new board or returning to the main window hide the cursor.
+    bool cursorKey(const CurrentEvent& keyDown);
+    std::optional<BoardCell> cursor() const;
 
     int gameStarted() const;
     int gamePaused() const;

@@ -21,6 +21,9 @@ struct EngineContext {
     // are forgotten whenever that board is released.
     BoardPiece* downPiece = nullptr;
     BoardPiece* upPiece = nullptr;
+    // Raised for every board dealt (a start, Escape, a new game), so what belongs to one board
+    // knows when it has gone.
+    unsigned boardsDealt = 0;
 
     bool hasGame() const { return gameInfo != nullptr; }
     GameInfo& game() const { return *gameInfo; }

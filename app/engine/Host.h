@@ -21,6 +21,30 @@ enum CurrentEventType : std::int64_t {
 };
 constexpr std::uint16_t kKeyCodeEscape = 53;
 
+// Keys that type no text still carry characters of their own, from the private-use area (so
+// the first byte of their UTF-8 form, 0xEF, is never 0 and never a typed character).
+enum KeyCharacter : char32_t {
+    kKeyUpArrow = 0xF700,
+    kKeyDownArrow = 0xF701,
+    kKeyLeftArrow = 0xF702,
+    kKeyRightArrow = 0xF703,
+    kKeyF1 = 0xF704,  // F1 to F24 follow one another
+    kKeyInsert = 0xF727,
+    kKeyDelete = 0xF728,  // the forward delete
+    kKeyHome = 0xF729,
+    kKeyEnd = 0xF72B,
+    kKeyPageUp = 0xF72C,
+    kKeyPageDown = 0xF72D,
+    kKeyPrintScreen = 0xF72E,
+    kKeyScrollLock = 0xF72F,
+    kKeyPause = 0xF730,
+    kKeyMenu = 0xF735,
+    kKeyHelp = 0xF746,
+};
+// Return and the keypad's Enter.
+constexpr char kCharacterReturn = '\r';
+constexpr char kCharacterEnter = '\x03';
+
 // The last event delivered to the game window.
 struct CurrentEvent {
     std::int64_t type = kEventTypeNone;
@@ -29,6 +53,18 @@ struct CurrentEvent {
     float x = 0.0f;             // location in the window, origin at the lower left
     float y = 0.0f;
 };
+
+// The first byte of a key event's characters as the signed character the rules compare with
+// "UserEventCharacter"; 0 when the characters are empty.
+inline std::int8_t firstCharacter(const CurrentEvent& event) {
+    return event.characters.empty() ? 0 : static_cast<std::int8_t>(event.characters[0]);
+}
+
+// The UTF-8 form of one character.
+std::string utf8(char32_t character);
+// The first character of a key event's characters, decoded from UTF-8 (0 when empty or not
+// UTF-8).
+char32_t firstKeyCharacter(const CurrentEvent& event);
 
 class Host {
 public:

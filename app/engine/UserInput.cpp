@@ -33,42 +33,49 @@ void UserInput::restartGame() {
     if (ctx_.host.scoresTimerRunning()) ctx_.host.stopScoresTimer();
     ctx_.host.resetProjection();
     setupGame(game, ctx_.view);
+    ++ctx_.boardsDealt;
     ctx_.view.drawBoard();
     ctx_.gameStarted = 1;
     ctx_.gamePaused = 0;
 }
 
-void UserInput::checkUserEvents() {
-    if (!ctx_.hasGame()) return;
+std::optional<CurrentEvent> UserInput::newEvent() {
+    if (!ctx_.hasGame()) return std::nullopt;
     const CurrentEvent event = ctx_.host.currentEvent();
-    if (ctx_.gameStarted != 0) return;
+    if (ctx_.gameStarted != 0) return std::nullopt;
     const std::int64_t t = event.type;
     const std::uint16_t k = t == kEventTypeKeyDown ? event.keyCode : 1;
     const bool isNew = t != prevEventType_ || (t == kEventTypeKeyDown && k != prevKeyCode_);
-    if (isNew) {
-        Board board(ctx_.game());
-        if (t == kEventTypeMouseDown) {
-            ctx_.downPiece = board.getBoardPieceAtWindowX(event.x, event.y);
-            if (ctx_.downPiece && ctx_.downPiece->pieceID != 0) {
-                if (const SupportedUserEvent* u = mouseDownIsUserAction()) processUserEvent(*u);
-                if (isUserEventSupported(kUserEventSwapAdjacent) && ctx_.downPiece)
-                    ctx_.downPiece->selected = 1;
-            }
-        } else if (t == kEventTypeMouseUp) {
-            ctx_.upPiece = board.getBoardPieceAtWindowX(event.x, event.y);
-            if (ctx_.upPiece && ctx_.upPiece->pieceID != 0)
-                if (const SupportedUserEvent* u = mouseUpIsUserAction()) processUserEvent(*u);
-        } else if (t == kEventTypeKeyDown) {
-            const std::int8_t c =
-                event.characters.empty() ? 0 : static_cast<std::int8_t>(event.characters[0]);
-            if (const SupportedUserEvent* u = charIsUserAction(c); u && ctx_.gamePaused == 0)
-                processUserEvent(*u);
-            if (k == kKeyCodeEscape) restartGame();
-            if (c == 32 && ctx_.host.scoresTimerRunning()) ctx_.host.stopScoresTimer();
-        }
-    }
     prevEventType_ = t;
     if (t == kEventTypeKeyDown) prevKeyCode_ = k;
+    if (!isNew) return std::nullopt;
+    return event;
+}
+
+void UserInput::handleEvent(const CurrentEvent& event) {
+    Board board(ctx_.game());
+    if (event.type == kEventTypeMouseDown) {
+        ctx_.downPiece = board.getBoardPieceAtWindowX(event.x, event.y);
+        if (ctx_.downPiece && ctx_.downPiece->pieceID != 0) {
+            if (const SupportedUserEvent* u = mouseDownIsUserAction()) processUserEvent(*u);
+            if (isUserEventSupported(kUserEventSwapAdjacent) && ctx_.downPiece)
+                ctx_.downPiece->selected = 1;
+        }
+    } else if (event.type == kEventTypeMouseUp) {
+        ctx_.upPiece = board.getBoardPieceAtWindowX(event.x, event.y);
+        if (ctx_.upPiece && ctx_.upPiece->pieceID != 0)
+            if (const SupportedUserEvent* u = mouseUpIsUserAction()) processUserEvent(*u);
+    } else if (event.type == kEventTypeKeyDown) {
+        const std::int8_t c = firstCharacter(event);
+        if (const SupportedUserEvent* u = charIsUserAction(c); u && ctx_.gamePaused == 0)
+            processUserEvent(*u);
+        if (event.keyCode == kKeyCodeEscape) restartGame();
+        if (c == 32 && ctx_.host.scoresTimerRunning()) ctx_.host.stopScoresTimer();
+    }
+}
+
+void UserInput::checkUserEvents() {
+    if (const std::optional<CurrentEvent> event = newEvent()) handleEvent(*event);
 }
 
 void UserInput::processUserEvent(const SupportedUserEvent& u) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "engine/BoardActions.h"
 #include "engine/EngineContext.h"
@@ -15,6 +16,10 @@ public:
 
     // One poll of the current event; acts only on an event it has not seen yet.
     void checkUserEvents();
+    // The poll's two halves: the current event when the poll has not seen it yet (and no start
+    // is pending), and acting on a mouse-down, mouse-up or key-down.
+    std::optional<CurrentEvent> newEvent();
+    void handleEvent(const CurrentEvent& event);
     void processUserEvent(const SupportedUserEvent& userEvent);
 
     const SupportedUserEvent* mouseUpIsUserAction() const;

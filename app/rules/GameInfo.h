@@ -155,6 +155,8 @@ struct BoardPiece {
     std::uint32_t y = 0;
     std::uint32_t pieceID = 0;  // 0 = empty cell
     std::uint8_t selected = 0;
+
+    bool operator==(const BoardPiece&) const = default;
 };
 
 struct GameInfo {

@@ -52,14 +52,28 @@ bool parseCount(const std::string& word, unsigned long& out) {
 
 // The key code and characters of a key name; each key has a code of its own.
 bool keyFor(const std::string& name, std::uint16_t& code, std::string& characters) {
-    if (name == "esc") {
-        code = kKeyCodeEscape;
-        characters = "\x1b";
+    struct Named {
+        const char* name;
+        char32_t character;
+    };
+    static constexpr Named kNamed[] = {
+        {"esc", U'\x1b'},         {"space", U' '},          {"enter", kCharacterReturn},
+        {"left", kKeyLeftArrow},  {"right", kKeyRightArrow}, {"up", kKeyUpArrow},
+        {"down", kKeyDownArrow},  {"home", kKeyHome},        {"end", kKeyEnd},
+        {"delete", kKeyDelete},
+    };
+    for (const Named& key : kNamed) {
+        if (name != key.name) continue;
+        code = key.character == U'\x1b' ? kKeyCodeEscape
+                                         : static_cast<std::uint16_t>(300 + (&key - kNamed));
+        characters = utf8(key.character);
+        if (key.character == U' ') code = 100 + 32;
         return true;
     }
-    if (name == "space") {
-        code = 100 + 32;
-        characters = " ";
+    unsigned long f = 0;
+    if (name.size() >= 2 && name[0] == 'f' && parseCount(name.substr(1), f) && f >= 1 && f <= 24) {
+        code = static_cast<std::uint16_t>(400 + f);
+        characters = utf8(static_cast<char32_t>(kKeyF1 + f - 1));
         return true;
     }
     if (name.size() == 1 && name[0] > 32 && name[0] < 127) {
@@ -119,6 +133,8 @@ std::string ScriptRunner::keyEvent(std::int64_t type, const std::string& key) {
     host_.event.type = type;
     host_.event.keyCode = code;
     host_.event.characters = characters;
+    // As in the game window: the cursor keys go to the cursor first.
+    if (type == kEventTypeKeyDown) engine_.cursorKey(host_.event);
     poll();
     return {};
 }
@@ -187,6 +203,27 @@ std::string ScriptRunner::runLine(const std::string& line) {
         if (!parseCount(w[1], n) || n < 1 || n > static_cast<unsigned long>(ActionsMenu::kItemCount))
             return "no menu item \"" + w[1] + "\" (1 to 8)";
         engine_.checkMenuAction(menu_, static_cast<int>(n - 1));
+        return {};
+    }
+    if (command == "undo" || command == "redo" || command == "new") {
+        if (!arity(0)) return wrongCount;
+        if (command == "new") {
+            engine_.newGame();
+        } else if (!(command == "undo" ? engine_.undo() : engine_.redo())) {
+            std::printf("nothing to %s\n", command.c_str());
+        }
+        return {};
+    }
+    if (command == "hint" || command == "cursor") {
+        if (!arity(0)) return wrongCount;
+        std::vector<BoardCell> cells = engine_.hint();
+        if (command == "cursor") {
+            cells.clear();
+            if (const auto at = engine_.cursor()) cells.push_back(*at);
+        }
+        std::printf("%s", command.c_str());
+        for (const BoardCell& cell : cells) std::printf(" %u,%u", cell.column, cell.row);
+        std::printf("%s\n", cells.empty() ? " none" : "");
         return {};
     }
     if (command == "board") {

