@@ -1,0 +1,234 @@
+#!/usr/bin/env python3
+"""Tolvar installed into a fresh temporary prefix, checked as a desktop and a player meet it.
+
+    check_install.py --cmake CMAKE --build DIR --source DIR --version V --programs a,b
+                     --icon-sizes 48,64 --app-id ID --homepage URL
+
+Installs with `cmake --install`, then checks the files' places, the menu entry and the metadata
+with their validators, the screenshots the metadata names, every icon size, the manual pages,
+--help and --version of every program, and starts the installed game on a display of its own
+until its main window shows and a game has loaded the piece model from the prefix.
+"""
+
+import argparse
+import gzip
+import os
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree as ET
+import zlib
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "e2e"))
+from tolvar_driver import Failure, Tolvar, check  # noqa: E402
+
+
+def validated(command):
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=120)
+    out = done.stdout.decode("utf-8", "replace")
+    check(done.returncode == 0, "%s fails (status %d):\n%s" % (" ".join(command), done.returncode, out))
+    return out
+
+
+def read_png(path):
+    """(width, height, colour type, rows of RGBA tuples) of an 8-bit RGBA or RGB PNG file."""
+    with open(path, "rb") as f:
+        data = f.read()
+    check(data[:8] == b"\x89PNG\r\n\x1a\n", "%s is not a PNG file" % path)
+    pos, idat, header = 8, b"", None
+    while pos < len(data):
+        length, kind = struct.unpack(">I4s", data[pos:pos + 8])
+        body = data[pos + 8:pos + 8 + length]
+        if kind == b"IHDR":
+            header = struct.unpack(">IIBBBBB", body)
+        elif kind == b"IDAT":
+            idat += body
+        pos += 12 + length
+    width, height, depth, colour, _, _, interlace = header
+    check(depth == 8 and colour in (2, 6) and interlace == 0,
+          "%s: expected 8-bit RGB or RGBA, not interlaced; found depth %d, colour type %d" % (path, depth, colour))
+    channels = 4 if colour == 6 else 3
+    raw, stride, rows, previous = zlib.decompress(idat), width * channels, [], bytearray(width * channels)
+    for y in range(height):
+        kind, line = raw[y * (stride + 1)], bytearray(raw[y * (stride + 1) + 1:(y + 1) * (stride + 1)])
+        for i in range(stride):  # undo the row's filter: none, sub, up, average, Paeth
+            a = line[i - channels] if i >= channels else 0
+            b, c = previous[i], previous[i - channels] if i >= channels else 0
+            if kind == 1:
+                line[i] = (line[i] + a) & 255
+            elif kind == 2:
+                line[i] = (line[i] + b) & 255
+            elif kind == 3:
+                line[i] = (line[i] + (a + b) // 2) & 255
+            elif kind == 4:
+                p = a + b - c
+                pa, pb, pc = abs(p - a), abs(p - b), abs(p - c)
+                line[i] = (line[i] + (a if pa <= pb and pa <= pc else b if pb <= pc else c)) & 255
+        previous = line
+        rows.append([tuple(line[x * channels:(x + 1) * channels]) + ((255,) if channels == 3 else ())
+                     for x in range(width)])
+    return width, height, colour, rows
+
+
+def check_files(prefix, args):
+    wanted = ["bin/%s" % p for p in args.programs] + ["share/man/man6/%s.6.gz" % p for p in args.programs] + [
+        "share/tolvar/Nebula.png", "share/tolvar/Spikes.dxf", "share/applications/%s.desktop" % args.app_id,
+        "share/metainfo/%s.metainfo.xml" % args.app_id, "share/icons/hicolor/scalable/apps/tolvar.svg",
+        "share/doc/tolvar/copyright", "share/doc/tolvar/changelog.gz"] + [
+        "share/icons/hicolor/%sx%s/apps/tolvar.png" % (s, s) for s in args.icon_sizes]
+    missing = [f for f in wanted if not os.path.isfile(os.path.join(prefix, f))]
+    check(not missing, "not installed: %s" % missing)
+    slow = [p for p in args.programs if not os.access(os.path.join(prefix, "bin", p), os.X_OK)]
+    check(not slow, "installed but not executable: %s" % slow)
+    check(not os.path.exists(os.path.join(prefix, "bin", "resources")),
+          "resources beside the installed programs: the game would not need share/tolvar")
+
+
+def check_desktop_entry(prefix, args):
+    entry = os.path.join(prefix, "share/applications/%s.desktop" % args.app_id)
+    validated(["desktop-file-validate", entry])
+    with open(entry, encoding="utf-8") as f:
+        keys = dict(line.rstrip("\n").split("=", 1) for line in f if "=" in line)
+    check(keys.get("Exec", "").split()[0] in args.programs, "the menu entry starts %r" % keys.get("Exec"))
+    check(keys.get("Icon") == "tolvar", "the menu entry's icon is %r, not the installed tolvar" % keys.get("Icon"))
+    check("Game" in keys.get("Categories", "").split(";"), "the menu entry is not in the Game category")
+
+
+def check_metadata(prefix, args):
+    path = os.path.join(prefix, "share/metainfo/%s.metainfo.xml" % args.app_id)
+    validated(["appstreamcli", "validate", "--no-net", path])
+    root = ET.parse(path).getroot()
+    check(root.findtext("id") == args.app_id, "the metadata's id is %r" % root.findtext("id"))
+    check(root.findtext("launchable") == args.app_id + ".desktop", "the metadata launches %r"
+          % root.findtext("launchable"))
+    releases = [r.get("version") for r in root.iter("release")]
+    check(releases and releases[0] == args.version, "the newest release listed is %r, the project is %s"
+          % (releases[:1], args.version))
+    check(root.find("content_rating") is not None, "the metadata has no content rating")
+    shots = list(root.iter("screenshot"))
+    check(len(shots) >= 3, "only %d screenshots" % len(shots))
+    base = args.homepage.rstrip("/") + "/docs/"
+    for shot in shots:
+        image = shot.find("image")
+        url = image.text.strip()
+        check(url.startswith(base), "screenshot %s is not one of the home page's docs/ pictures" % url)
+        local = os.path.join(args.source, "docs", url[len(base):])
+        check(os.path.isfile(local), "screenshot %s: no %s" % (url, local))
+        width, height, _, rows = read_png(local)
+        check((str(width), str(height)) == (image.get("width"), image.get("height")),
+              "%s is %dx%d, the metadata says %sx%s" % (local, width, height, image.get("width"), image.get("height")))
+        colours = {rows[y][x][:3] for y in range(0, height, 16) for x in range(0, width, 16)}
+        check(len(colours) > 20, "%s is nearly blank (%d colours)" % (local, len(colours)))
+        check(shot.findtext("caption"), "screenshot %s has no caption" % url)
+
+
+def check_icons(prefix, args):
+    def inked(rows, x, y):
+        return rows[y][x][3]
+    pictures = {}
+    for size in args.icon_sizes:
+        path = os.path.join(prefix, "share/icons/hicolor/%sx%s/apps/tolvar.png" % (size, size))
+        width, height, colour, rows = read_png(path)
+        check((width, height, colour) == (size, size, 6), "%s is %dx%d of colour type %d, not %dx%d RGBA"
+              % (path, width, height, colour, size, size))
+        corners = [inked(rows, x, y) for x in (0, size - 1) for y in (0, size - 1)]
+        check(corners == [0, 0, 0, 0], "%s: the corners are not transparent: %s" % (path, corners))
+        r, g, b, a = rows[size // 2][size // 2]
+        check(a == 255 and r > g + 60 and r > b + 60, "%s: the middle is not the red piece: %s"
+              % (path, (r, g, b, a)))
+        cover = sum(1 for row in rows for p in row if p[3] > 127) / float(size * size)
+        check(0.3 < cover < 0.85, "%s: the piece covers %.0f %% of the icon" % (path, 100 * cover))
+        pictures[size] = rows
+    scalable = os.path.join(prefix, "share/icons/hicolor/scalable/apps/tolvar.svg")
+    root = ET.parse(scalable).getroot()
+    check(root.tag == "{http://www.w3.org/2000/svg}svg" and root.get("viewBox"), "%s is not an SVG picture"
+          % scalable)
+    # The scalable icon is the same picture: drawn at the largest size it matches that PNG.
+    size, work = max(args.icon_sizes), tempfile.mkdtemp(prefix="tolvar-icon-")
+    try:
+        drawn = os.path.join(work, "svg.png")
+        validated(["rsvg-convert", "-w", str(size), "-h", str(size), "-o", drawn, scalable])
+        rows = read_png(drawn)[3]
+    finally:
+        shutil.rmtree(work, ignore_errors=True)
+    png = pictures[size]
+    off = sum(1 for y in range(size) for x in range(size)
+              if abs(rows[y][x][3] - png[y][x][3]) > 64 or (png[y][x][3] == 255 and rows[y][x][3] == 255 and max(
+                  abs(c - d) for c, d in zip(rows[y][x][:3], png[y][x][:3])) > 48))
+    check(off < size * size // 50, "the SVG and the %d-pixel PNG differ at %d pixels" % (size, off))
+
+
+def check_manual_pages(prefix, args):
+    for program in args.programs:
+        path = os.path.join(prefix, "share/man/man6/%s.6.gz" % program)
+        with open(path, "rb") as f:
+            head = f.read(10)
+        check(head[:3] == b"\x1f\x8b\x08" and head[3] & 0x08 == 0 and head[4:8] == b"\0\0\0\0",
+              "%s is not compressed without name and time stamp (gzip -n)" % path)
+        with gzip.open(path, "rt", encoding="utf-8") as f:
+            text = f.read()
+        title = next((line.split() for line in text.splitlines() if line.startswith(".TH")), [])
+        check(title[1:3] == [program.upper().replace("-", "\\-"), "6"], "%s: title line %s" % (path, title))
+        check("--help" in text.replace("\\-", "-") and "--version" in text.replace("\\-", "-"),
+              "%s does not tell of --help and --version" % path)
+        if shutil.which("man"):
+            done = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", path], stdout=subprocess.DEVNULL,
+                                  stderr=subprocess.PIPE, env=dict(os.environ, MANWIDTH="80"), timeout=60)
+            check(done.returncode == 0 and not done.stderr.strip(), "%s: man reports:\n%s"
+                  % (path, done.stderr.decode("utf-8", "replace")))
+
+
+def check_options(prefix, args):
+    for program in args.programs:
+        path = os.path.join(prefix, "bin", program)
+        for option, expected in (("--version", "%s %s\n" % (program, args.version)), ("--help", "usage: " + program)):
+            done = subprocess.run([path, option], stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60,
+                                  env=dict(os.environ, DISPLAY=""))
+            out = done.stdout.decode("utf-8", "replace")
+            check(done.returncode == 0 and out.startswith(expected),
+                  "%s %s: status %d, printed %r" % (program, option, done.returncode, out[:200]))
+
+
+def check_game_starts(prefix):
+    """The installed game on a display of its own: the main window, then Vexamor's spiky pieces."""
+    game = Tolvar(os.path.join(prefix, "bin", "tolvar"), "install")
+    try:
+        err = game.stdout(game.err_path)
+        check("background image" not in err, "the installed game misses its background:\n" + err)
+        game.choose_game(1)
+        game.press_start()
+        model = "resource: %s\n" % os.path.join(os.path.realpath(prefix), "share", "tolvar", "Spikes.dxf")
+        game.wait_for(lambda: model in game.stdout(), 60, "the piece model read from the prefix")
+        game.finish()
+    finally:
+        game.close()
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    for option in ("cmake", "build", "source", "version", "programs", "icon-sizes", "app-id", "homepage"):
+        parser.add_argument("--" + option, required=True)
+    args = parser.parse_args()
+    args.programs = args.programs.split(",")
+    args.icon_sizes = [int(s) for s in args.icon_sizes.split(",")]
+    prefix = tempfile.mkdtemp(prefix="tolvar-prefix-")
+    try:
+        validated([args.cmake, "--install", args.build, "--prefix", prefix])
+        for step in (check_files, check_desktop_entry, check_metadata, check_icons, check_manual_pages,
+                     check_options):
+            step(prefix, args)
+            print("ok:", step.__name__.replace("check_", "").replace("_", " "))
+        check_game_starts(prefix)
+        print("ok: the installed game starts with its resources")
+    except Failure as failure:
+        print("FAILED:", failure)
+        return 1
+    finally:
+        shutil.rmtree(prefix, ignore_errors=True)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
