@@ -32,24 +32,40 @@ def output(*command):
     return done.returncode, done.stdout.decode("utf-8", "replace")
 
 
+def owners(paths):
+    """The package that holds each library file, whether dpkg lists it under /usr or not."""
+    def other(path):
+        return path[4:] if path.startswith("/usr/") else "/usr" + path
+    _, found = output("dpkg-query", "--search", *sorted({v for p in paths for v in (p, other(p))}))
+    held = {line.split(": ", 1)[1]: line.split(":")[0] for line in found.splitlines() if ": /" in line}
+    lost = [p for p in paths if p not in held and other(p) not in held]
+    check(not lost, "no package holds %s" % lost)
+    return {p: held.get(p) or held[other(p)] for p in paths}
+
+
 def library_packages(programs):
-    """The packages that hold the shared libraries the programs name (their NEEDED entries)."""
-    packages = set()
+    """The packages of the libraries the programs name (NEEDED), and of all they load."""
+    named, loaded = [], []
     for program in programs:
         status, dynamic = output("readelf", "--dynamic", program)
         check(status == 0, "readelf cannot read %s" % program)
-        status, loaded = output("ldd", program)
-        paths = dict(line.split(" => ") for line in loaded.replace("\t", "").splitlines() if " => /" in line)
+        status, listing = output("ldd", program)
+        paths = {name: where.split(" (")[0] for name, where in (
+            line.strip().split(" => ") for line in listing.splitlines() if " => /" in line)}
         for soname in [line.split("[")[1].rstrip("]") for line in dynamic.splitlines() if "(NEEDED)" in line]:
             check(soname in paths, "%s needs %s, which is not found" % (program, soname))
-            path = paths[soname].split(" (")[0]
-            for candidate in (path, path[4:] if path.startswith("/usr/") else "/usr" + path):
-                status, owner = output("dpkg-query", "--search", candidate)
-                if status == 0:
-                    packages.add(owner.split(":")[0])
-                    break
-            check(status == 0, "no package holds %s" % path)
-    return packages
+            named.append(paths[soname])
+        loaded += paths.values()
+    held = owners(loaded)
+    return {held[p] for p in named}, set(held.values())
+
+
+def installed_with(depends):
+    """Every package apt installs with the given ones on a machine that has none of them."""
+    status, tree = output("apt-cache", "depends", "--recurse", "--no-recommends", "--no-suggests", "--no-conflicts",
+                          "--no-breaks", "--no-replaces", "--no-enhances", *depends)
+    check(status == 0, "apt-cache cannot follow %s:\n%s" % (depends, tree[-2000:]))
+    return {line.split(":")[0] for line in tree.splitlines() if line and not line.startswith(" ")}
 
 
 def check_package(deb, args):
@@ -60,9 +76,12 @@ def check_package(deb, args):
         check(control.get(key) == value, "%s is %r, not %r" % (key, control.get(key), value))
     check(len(fields.splitlines()) > 12 and control.get("Description"), "no long description:\n" + fields)
     depends = [d.split()[0] for d in control.get("Depends", "").split(", ")]
-    needed = library_packages([os.path.join(args.build, "bin", p) for p in args.programs])
-    missing = sorted(needed - set(depends))
-    check(needed and not missing, "Depends lacks %s: %s" % (missing, control.get("Depends")))
+    named, loaded = library_packages([os.path.join(args.build, "bin", p) for p in args.programs])
+    missing = sorted(named - set(depends))
+    check(named and not missing, "Depends lacks %s: %s" % (missing, control.get("Depends")))
+    # On a fresh machine, apt brings every library the programs load, and the OpenGL driver.
+    missing = sorted((loaded | {"libgl1-mesa-dri"}) - installed_with(depends))
+    check(not missing, "installing the package would not bring %s" % missing)
     status, listing = output("dpkg-deb", "--contents", deb)
     files = {line.split()[-1].lstrip(".") for line in listing.splitlines()}
     wanted = ["/usr/games/%s" % p for p in args.programs] + [
