@@ -5,7 +5,7 @@ add_library(tolvar_shell_platform STATIC
   ${CMAKE_CURRENT_LIST_DIR}/platform/FontLookup.cpp
 )
 target_include_directories(tolvar_shell_platform PUBLIC ${CMAKE_CURRENT_LIST_DIR})
-target_link_libraries(tolvar_shell_platform PUBLIC PkgConfig::SDL2 PkgConfig::FONTCONFIG)
+target_link_libraries(tolvar_shell_platform PUBLIC tolvar_engine PkgConfig::SDL2 PkgConfig::FONTCONFIG)
 
 add_executable(tolvar
   ${CMAKE_CURRENT_LIST_DIR}/main.cpp

@@ -10,9 +10,10 @@
 namespace tolvar {
 namespace {
 
-SDL_Event key(Uint32 type, SDL_Keycode sym, SDL_Scancode scancode, Uint8 repeat = 0) {
+SDL_Event key(Uint32 type, SDL_Keycode sym, SDL_Scancode scancode, Uint8 repeat = 0,
+              Uint16 mod = KMOD_NONE) {
     SDL_Event e{};
-    e.key = SDL_KeyboardEvent{type, 0, 0, SDL_PRESSED, repeat, 0, 0, SDL_Keysym{scancode, sym, KMOD_NONE, 0}};
+    e.key = SDL_KeyboardEvent{type, 0, 0, SDL_PRESSED, repeat, 0, 0, SDL_Keysym{scancode, sym, mod, 0}};
     return e;
 }
 
@@ -29,8 +30,60 @@ TEST(CurrentEvent, KeysCarryTheirText) {
         {SDLK_SPACE, KMOD_NONE, " "}, {SDLK_ESCAPE, KMOD_NONE, "\x1b"}, {SDLK_RETURN, KMOD_NONE, "\r"},
         {SDLK_a, KMOD_NONE, "a"}, {SDLK_a, KMOD_LSHIFT, "A"}, {SDLK_a, KMOD_CAPS, "A"}, {SDLK_1, KMOD_NONE, "1"},
         {SDLK_a, KMOD_CAPS | KMOD_RSHIFT, "a"}, {SDLK_1, KMOD_SHIFT, "!"}, {SDLK_SLASH, KMOD_SHIFT, "?"},
-        {SDLK_LEFT, KMOD_NONE, ""}, {SDLK_F5, KMOD_NONE, ""}, {SDLK_LSHIFT, KMOD_NONE, ""}};
+        // Arrows, function and editing keys: private-use characters, first byte 0xEF.
+        {SDLK_UP, KMOD_NONE, "\xEF\x9C\x80"}, {SDLK_LEFT, KMOD_NONE, "\xEF\x9C\x82"},
+        {SDLK_F1, KMOD_NONE, "\xEF\x9C\x84"}, {SDLK_F5, KMOD_SHIFT, "\xEF\x9C\x88"},
+        {SDLK_F13, KMOD_NONE, "\xEF\x9C\x90"}, {SDLK_DELETE, KMOD_NONE, "\xEF\x9C\xA8"},
+        {SDLK_HOME, KMOD_NONE, "\xEF\x9C\xA9"}, {SDLK_PAGEDOWN, KMOD_NONE, "\xEF\x9C\xAD"},
+        {SDLK_KP_ENTER, KMOD_NONE, "\r"}, {SDLK_KP_PLUS, KMOD_NONE, "+"},
+        {0xE9, KMOD_NONE, "\xC3\xA9"},  // an accented letter of the layout
+        {SDLK_UNKNOWN, KMOD_NONE, ""}, {SDLK_LSHIFT, KMOD_NONE, ""}, {SDLK_AUDIONEXT, KMOD_NONE, ""}};
     for (const auto& [key, mod, text] : cases) EXPECT_EQ(charactersForKey(key, mod), text) << key << " mod " << mod;
+}
+
+TEST(CurrentEvent, ModifiersAloneAreNoKeyAndCtrlOrAltMakeCommands) {
+    using Kind = KeyTranslation::Kind;
+    struct Case {
+        Uint32 type;
+        SDL_Keycode sym;
+        Uint16 mod;
+        Kind kind;
+        const char* characters;  // GameKey
+        char command;            // Command
+        bool shift;
+    };
+    const Case cases[] = {
+        {SDL_KEYDOWN, SDLK_LSHIFT, KMOD_LSHIFT, Kind::Nothing, "", 0, false},
+        {SDL_KEYUP, SDLK_RCTRL, KMOD_NONE, Kind::Nothing, "", 0, false},
+        {SDL_KEYDOWN, SDLK_LALT, KMOD_LALT, Kind::Nothing, "", 0, false},
+        {SDL_KEYDOWN, SDLK_CAPSLOCK, KMOD_CAPS, Kind::Nothing, "", 0, false},
+        {SDL_KEYDOWN, SDLK_LGUI, KMOD_LGUI, Kind::Nothing, "", 0, false},
+        {SDL_KEYDOWN, SDLK_AUDIOPLAY, KMOD_NONE, Kind::Nothing, "", 0, false},
+        {SDL_KEYDOWN, SDLK_z, KMOD_LCTRL, Kind::Command, "", 'z', false},
+        {SDL_KEYDOWN, SDLK_z, KMOD_RCTRL | KMOD_LSHIFT, Kind::Command, "", 'z', true},
+        {SDL_KEYDOWN, SDLK_x, KMOD_LALT, Kind::Command, "", 'x', false},
+        {SDL_KEYDOWN, SDLK_n, KMOD_CTRL | KMOD_CAPS, Kind::Command, "", 'n', false},
+        {SDL_KEYUP, SDLK_z, KMOD_LCTRL, Kind::Nothing, "", 0, false},  // the command went at the press
+        {SDL_KEYDOWN, SDLK_x, KMOD_NONE, Kind::GameKey, "x", 0, false},
+        {SDL_KEYDOWN, SDLK_LEFT, KMOD_LCTRL, Kind::GameKey, "\xEF\x9C\x82", 0, false},
+        {SDL_KEYUP, SDLK_F2, KMOD_NONE, Kind::GameKey, "\xEF\x9C\x85", 0, false},
+        {SDL_KEYDOWN, SDLK_UNKNOWN, KMOD_NONE, Kind::GameKey, "", 0, false},  // a dead key: character 0
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.sym) + " mod " + std::to_string(c.mod));
+        const KeyTranslation t = translateKey(key(c.type, c.sym, SDL_SCANCODE_A, 0, c.mod).key);
+        EXPECT_EQ(t.kind, c.kind);
+        EXPECT_EQ(t.command, c.command);
+        EXPECT_EQ(t.shift, c.shift);
+        if (c.kind != Kind::GameKey) continue;
+        EXPECT_EQ(t.event.type, c.type == SDL_KEYDOWN ? kEventTypeKeyDown : kEventTypeKeyUp);
+        EXPECT_EQ(t.event.characters, c.characters);
+        EXPECT_EQ(t.event.keyCode, keyCodeForScancode(SDL_SCANCODE_A));
+    }
+    EXPECT_FALSE(currentEventFromSdl(key(SDL_KEYDOWN, SDLK_RSHIFT, SDL_SCANCODE_RSHIFT, 0, KMOD_RSHIFT), 768))
+        << "Shift alone is no key for the game";
+    EXPECT_FALSE(currentEventFromSdl(key(SDL_KEYDOWN, SDLK_x, SDL_SCANCODE_X, 0, KMOD_LCTRL), 768))
+        << "Ctrl+X never reaches the game as x";
 }
 
 TEST(CurrentEvent, KeyDownAndUpButNoRepeats) {
