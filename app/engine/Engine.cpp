@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <variant>
 
 #include "engine/BoardLayout.h"
 #include "engine/BoardSetup.h"
@@ -9,6 +10,7 @@
 #include "engine/Dispatcher.h"
 #include "engine/EngineContext.h"
 #include "engine/MoveHistory.h"
+#include "engine/SavedGame.h"
 #include "engine/UserInput.h"
 #include "rules/RulesDict.h"
 
@@ -23,6 +25,8 @@ struct Engine::Impl {
     MoveHistory history;
     unsigned historyBoard = 0;  // the board the history belongs to
     std::optional<BoardCell> cursor;
+    bool finished = false;    // the best-score check of this board has run
+    std::string fingerprint;  // of the running game's rules
     bool timersScheduled = false;
     // Set while an engine operation runs, so a modal panel that lets the desktop deliver
     // another timer or action meanwhile cannot re-enter it.
@@ -55,6 +59,7 @@ struct Engine::Impl {
 
     // What belonged to the board that went: its moves and the cursor.
     void forgetBoard() {
+        finished = false;
         history.forget();
         cursor.reset();
         historyBoard = ctx.boardsDealt;
@@ -104,6 +109,7 @@ void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
     ctx.forgetGesture();
     gameInfo.reset();
     if (!currentRules) return;
+    impl_->fingerprint = rulesFingerprint(*currentRules);
     gameInfo = createStructsFromRulesDict(currentRules, menu);
     if (!gameInfo) return;
     if (const std::string reason = unplayableReason(*gameInfo); !reason.empty()) {
@@ -156,7 +162,10 @@ void Engine::processEvents() {
     Impl::Busy busy(impl_->busy);
     impl_->dispatcher.processEvents();
     // No undo past the best-score check of a finished game.
-    if (impl_->ctx.gamePaused != 0) impl_->history.forget();
+    if (impl_->ctx.gamePaused != 0 && impl_->ctx.hasGame()) {
+        impl_->history.forget();
+        impl_->finished = true;
+    }
 }
 
 void Engine::checkUserEvents() {
@@ -240,6 +249,63 @@ bool Engine::cursorKey(const CurrentEvent& keyDown) {
 }
 
 std::optional<BoardCell> Engine::cursor() const { return impl_->cursor; }
+
+bool Engine::hasUnfinishedGame() const {
+    return gameInfo && gameInfo->hasBoard() && !impl_->finished;
+}
+
+bool Engine::resumeGame() {
+    if (impl_->busy || !hasUnfinishedGame()) return false;
+    EngineContext& ctx = impl_->ctx;
+    ctx.host.showGameWindow();
+    ctx.view.drawBoard();
+    ctx.host.hideMainWindow();
+    return true;
+}
+
+std::optional<Value> Engine::savedGame() const {
+    if (!hasUnfinishedGame()) return std::nullopt;
+    return savedGameValue(*gameInfo, takeSnapshot(impl_->ctx), impl_->fingerprint);
+}
+
+std::string Engine::savedGameTitle(const Value& saved) { return tolvar::savedGameTitle(saved); }
+
+std::string Engine::continueGame(const Value& saved, const Value* rules, ActionsMenu& menu) {
+    const std::string title = savedGameTitle(saved);
+    if (!rules)
+        return "The saved game of \"" + title +
+               "\" cannot be continued: the rules file has no game of that name.";
+    if (impl_->busy) return "The game is busy.";
+    EngineContext& ctx = impl_->ctx;
+    // Built aside, so a game that cannot be continued leaves the running one as it was.
+    ActionsMenu scratch = menu;
+    std::unique_ptr<GameInfo> game = createStructsFromRulesDict(rules, scratch);
+    if (!game) return "The saved game of \"" + title + "\" cannot be continued: its rules are not a dictionary.";
+    if (const std::string reason = unplayableReason(*game); !reason.empty())
+        return "The game \"" + game->gameName + "\" cannot be played: " + reason + ".";
+    const std::string fingerprint = rulesFingerprint(*rules);
+    std::variant<GameSnapshot, std::string> read = snapshotFromSavedGame(saved, *game, fingerprint);
+    if (const std::string* why = std::get_if<std::string>(&read)) return *why;
+
+    Impl::Busy busy(impl_->busy);
+    menu = scratch;
+    ctx.forgetGesture();
+    gameInfo = std::move(game);
+    impl_->fingerprint = fingerprint;
+    ctx.host.showGameWindow();
+    ctx.view.clearPieceSprites(0);
+    restoreSnapshot(ctx, std::get<GameSnapshot>(read));
+    ++ctx.boardsDealt;
+    impl_->forgetBoard();
+    ctx.view.drawBoard();
+    ctx.host.hideMainWindow();
+    if (ctx.host.scoresTimerRunning()) ctx.host.stopScoresTimer();
+    if (!impl_->timersScheduled) {
+        impl_->timersScheduled = true;
+        ctx.host.scheduleEngineTimers();
+    }
+    return {};
+}
 
 bool Engine::performKeyEquivalent(const CurrentEvent& event) const {
     if (!gameInfo || event.type != kEventTypeKeyDown) return false;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "engine/Board.h"
@@ -74,6 +75,20 @@ public:
     // key. A mouse-down, a new board or returning to the main window hide the cursor.
     bool cursorKey(const CurrentEvent& keyDown);
     std::optional<BoardCell> cursor() const;
+
+    // Keeping a game. hasUnfinishedGame: a game has a board and its best-score check has not
+    // run. resumeGame: shows that game again as it was left (after returnToMain); false when
+    // there is none. savedGame: that game as a property list with everything needed to go on
+    // exactly, for the shell to write (nothing without one). continueGame: shows a saved game
+    // as startGame shows a new one, with rules, the current rules dictionary of its title
+    // (savedGameTitle; nullptr when the rules file has no such game); returns an empty text,
+    // or, when it cannot be continued (its rules changed, the file is damaged), why, as a
+    // sentence for the player; the running game is then left as it was.
+    bool hasUnfinishedGame() const;
+    bool resumeGame();
+    std::optional<Value> savedGame() const;
+    std::string continueGame(const Value& saved, const Value* rules, ActionsMenu& menu);
+    static std::string savedGameTitle(const Value& saved);
 
     int gameStarted() const;
     int gamePaused() const;

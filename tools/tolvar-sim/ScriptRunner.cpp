@@ -4,7 +4,11 @@
 #include <cerrno>
 #include <cinttypes>
 #include <cstdlib>
+#include <optional>
+#include <variant>
 #include <vector>
+
+#include "platform/PlistFile.h"
 
 namespace tolvar::sim {
 
@@ -212,6 +216,25 @@ std::string ScriptRunner::runLine(const std::string& line) {
         } else if (!(command == "undo" ? engine_.undo() : engine_.redo())) {
             std::printf("nothing to %s\n", command.c_str());
         }
+        return {};
+    }
+    if (command == "save" || command == "continue") {
+        const std::string file = trim(trim(line).substr(command.size()));
+        if (file.empty()) return wrongCount;
+        if (command == "save") {
+            const std::optional<Value> saved = engine_.savedGame();
+            if (!saved) return "no unfinished game to save";
+            if (const auto error = writePropertyListFile(file, *saved)) return error->message();
+            return {};
+        }
+        auto read = readPropertyListFile(file);
+        if (const PlistError* error = std::get_if<PlistError>(&read))
+            return "cannot read " + file + ": " + error->reason;
+        const Value& saved = std::get<Value>(read);
+        const Dictionary* games = library_.allGameRules() ? library_.allGameRules()->asDictionary() : nullptr;
+        const Value* rules = games ? games->find(Engine::savedGameTitle(saved)) : nullptr;
+        if (const std::string why = engine_.continueGame(saved, rules, menu_); !why.empty())
+            std::printf("cannot continue: %s\n", why.c_str());
         return {};
     }
     if (command == "hint" || command == "cursor") {

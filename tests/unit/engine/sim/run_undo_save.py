@@ -6,7 +6,7 @@ checks undo, redo and a game saved part way and continued in a new process:
 - saving after move k and continuing in another process gives the uninterrupted transcript.
 
     run_undo_save.py TOLVAR_SIM"""
-import os, random, re, subprocess, sys, tempfile  # noqa: E401
+import os, plistlib, random, re, subprocess, sys, tempfile  # noqa: E401
 
 SIM = sys.argv[1]
 NO_MOVES = "alert: No more moves!"
@@ -21,8 +21,8 @@ def check(condition, what):
         print("FAIL:", what)
 
 
-def sim(lines, seed, home):
-    run = subprocess.run([SIM, "--seed", str(seed)], input="\n".join(lines) + "\n",
+def sim(lines, seed, home, options=()):
+    run = subprocess.run([SIM, "--seed", str(seed), *options], input="\n".join(lines) + "\n",
                          capture_output=True, text=True, timeout=120, check=False,
                          env=dict(os.environ, XDG_DATA_HOME=home))
     check(run.returncode == 0, f"runner status {run.returncode}: {run.stderr.strip()}")
@@ -142,6 +142,32 @@ for name, seed in GAMES:
     check(undone == want, f"{name}: undo all and redo all ({len(steps)} steps, {count} moves) "
           "do not give the starting board and then the same transcript")
     print(f"{name}: {len(steps)} steps, {count} moves undone and redone")
+
+    # Saved after move k, continued by another process with another seed.
+    with tempfile.TemporaryDirectory() as keep:
+        saved = os.path.join(keep, "saved.dict")
+        k = len(steps) // 2
+        before = fresh(head + [l for s in steps[:k] for l in s[0] + ["tick"]] + [f"save {saved}"], seed)
+        opening = fresh([f"continue {saved}"], seed + 1)
+        rest = fresh([f"continue {saved}"] + [l for s in steps[k:] for l in s[0] + ["tick"]] + show,
+                     seed + 1)
+        check(rest.startswith(opening) and before + rest[len(opening):] == whole,
+              f"{name}: saved after move {k} and continued, the transcript differs")
+
+        # Changed rules are refused with the reason, and nothing is played.
+        with tempfile.TemporaryDirectory() as home:
+            sim(["select None"], seed, home)
+            with open(os.path.join(home, "Tolvar", "RulesDict.dict"), "rb") as f:
+                rules = plistlib.load(f)
+            rules[name]["GameDescription"] += " Changed."
+            changed = os.path.join(keep, "changed.dict")
+            with open(changed, "wb") as f:
+                plistlib.dump(rules, f)
+            refused = sim([f"continue {saved}", "state"], seed, home, ["--rules", changed])
+        check(f'cannot continue: The saved game of "{name}" cannot be continued: the game\'s rules '
+              "have changed since it was saved.\nstate score=0 multiplier=0 started=0 paused=1\n"
+              in refused, f"{name}: a saved game with changed rules was not refused:\n{refused}")
+    print(f"{name}: saved after {k} of {len(steps)} steps and continued to the same end")
 
 if failures:
     sys.exit(f"{len(failures)} check(s) failed")
