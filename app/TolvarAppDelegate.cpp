@@ -248,6 +248,11 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
 
     if (windowID != gameID && windowID != mainID) return;
     const int height = windowID == gameID ? static_cast<int>(winHeight) : MainWindow::kHeight;
+    // Ctrl, Alt or Super with a key is the program's, never the game's.
+    if (event.type == SDL_KEYDOWN && translateKey(event.key).kind == KeyTranslation::Kind::Command) {
+        programCommand(event);
+        return;
+    }
     std::optional<CurrentEvent> current = currentEventFromSdl(event, height);
     if (!current) return;
     currentEvent_ = *current;
@@ -267,24 +272,29 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     checkUserEvents();
 }
 
+void TolvarAppDelegate::programCommand(const SDL_Event& event) {
+    const SDL_Keycode sym = event.key.keysym.sym;
+    const Uint16 mod = event.key.keysym.mod;
+    if (!(mod & (KMOD_CTRL | KMOD_GUI))) return;
+    if (sym == SDLK_q) {
+        terminate();
+    } else if (sym == SDLK_w && gameWindow && gameWindow->isVisible()) {
+        // Ctrl+W closes the game window, for the main window.
+        returnToMain();
+    }
+}
+
 void TolvarAppDelegate::keyShortcuts(const SDL_Event& event, Uint32 windowID) {
     // A key bound to a user event of the running game is the game's, never a menu shortcut.
     if (engine_ && MyWindow::performKeyEquivalent(*engine_, currentEvent_)) return;
-    const Uint16 mod = event.key.keysym.mod;
-    const bool command = (mod & (KMOD_CTRL | KMOD_GUI)) != 0;
-    if (command && event.key.keysym.sym == SDLK_q) {
-        terminate();
-        return;
-    }
-    // Ctrl+W closes the game window, and Return leaves it, for the main window.
+    // Return leaves the game window for the main window; with a modifier a key is no shortcut.
+    if (event.key.keysym.mod & (KMOD_CTRL | KMOD_ALT | KMOD_GUI)) return;
     const SDL_Keycode sym = event.key.keysym.sym;
     const bool fromGame = gameWindow && windowID == gameWindow->windowID();
-    if ((command && sym == SDLK_w) ||
-        (fromGame && !(mod & KMOD_ALT) && !command && (sym == SDLK_RETURN || sym == SDLK_KP_ENTER))) {
+    if (fromGame && (sym == SDLK_RETURN || sym == SDLK_KP_ENTER)) {
         if (gameWindow && gameWindow->isVisible()) returnToMain();
         return;
     }
-    if (command || (mod & KMOD_ALT)) return;
     // The "Actions" items answer their key equivalents (the plain key).
     if (!menu_.enabled() || currentEvent_.characters.empty()) return;
     const auto c = static_cast<std::int8_t>(currentEvent_.characters[0]);

@@ -57,6 +57,8 @@ private:
     void initWindow();
     void dispatch(const SDL_Event& event);
     void keyShortcuts(const SDL_Event& event, Uint32 windowID);
+    // Ctrl (or Super) with Q quits, with W leaves the game window.
+    void programCommand(const SDL_Event& event);
     void checkUserEvents();
     void eventTick();
     void closePopup();

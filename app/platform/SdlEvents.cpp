@@ -96,8 +96,8 @@ KeyTranslation translateKey(const SDL_KeyboardEvent& key) {
     const std::string characters = charactersForKey(sym, mod);
     // Neither a character nor a key of the game's own (a media key, a launcher key).
     if (characters.empty() && sym != SDLK_UNKNOWN) return t;
-    const bool ctrlOrAlt = (mod & (KMOD_CTRL | KMOD_ALT)) != 0;
-    if (ctrlOrAlt && sym > ' ' && sym < 0x7f) {
+    const bool commandHeld = (mod & (KMOD_CTRL | KMOD_ALT | KMOD_GUI)) != 0;
+    if (commandHeld && sym > ' ' && sym < 0x7f) {
         if (key.type == SDL_KEYDOWN) {
             t.kind = KeyTranslation::Kind::Command;
             t.command = static_cast<char>(sym);

@@ -32,7 +32,7 @@ struct KeyTranslation {
     enum class Kind {
         Nothing,  // no key event for the game: a modifier or lock key alone, a repeat, a media key
         GameKey,  // event is the key-down or key-up the game reads
-        Command,  // a program command: command, with Ctrl or Alt held
+        Command,  // a program command: command, with Ctrl, Alt or the Super key held
     };
     Kind kind = Kind::Nothing;
     CurrentEvent event;

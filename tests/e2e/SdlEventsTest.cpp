@@ -58,6 +58,7 @@ TEST(CurrentEvent, ModifiersAloneAreNoKeyAndCtrlOrAltMakeCommands) {
         {SDL_KEYDOWN, SDLK_LALT, KMOD_LALT, Kind::Nothing, "", 0, false},
         {SDL_KEYDOWN, SDLK_CAPSLOCK, KMOD_CAPS, Kind::Nothing, "", 0, false},
         {SDL_KEYDOWN, SDLK_LGUI, KMOD_LGUI, Kind::Nothing, "", 0, false},
+        {SDL_KEYDOWN, SDLK_q, KMOD_RGUI, Kind::Command, "", 'q', false},
         {SDL_KEYDOWN, SDLK_AUDIOPLAY, KMOD_NONE, Kind::Nothing, "", 0, false},
         {SDL_KEYDOWN, SDLK_z, KMOD_LCTRL, Kind::Command, "", 'z', false},
         {SDL_KEYDOWN, SDLK_z, KMOD_RCTRL | KMOD_LSHIFT, Kind::Command, "", 'z', true},
