@@ -7,12 +7,10 @@
 #include <SDL_image.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <thread>
 
 #include "DXFtoSprite.h"
 #include "FileIO.h"
@@ -21,6 +19,7 @@
 #include "engine/SelectColor.h"
 #include "presentation/DrawingGlobals.h"
 #include "presentation/ScoreText.h"
+#include "presentation/ShownBoard.h"
 
 namespace tolvar {
 
@@ -29,6 +28,10 @@ namespace {
 // The background image is 1920 x 1200 texels stretched over the window.
 constexpr float kBackgroundTexelsWide = 1920.0f;
 constexpr float kBackgroundTexelsHigh = 1200.0f;
+
+// How long a frame of the removal flash and a step of a falling piece stay on the screen.
+constexpr double kFlashFrameSeconds = 0.1;
+constexpr double kFallingStepSeconds = 0.001;
 
 constexpr GLfloat kAmbient[4] = {0.15f, 0.15f, 0.15f, 1.0f};
 constexpr GLfloat kDiffuse[4] = {0.75f, 0.75f, 0.75f, 1.0f};
@@ -104,6 +107,7 @@ void setGameWindowGLState() {
 }
 
 void GameView::initWindowState() {
+    shown_.forget();
     setGameWindowGLState();
     if (window_.flushBuffer) window_.flushBuffer();
     glPushAttrib(GL_ALL_ATTRIB_BITS);
@@ -168,9 +172,46 @@ void GameView::drawBoard() {
     if (!gameInfo || gameInfo->boardWidth < 1 || gameInfo->boardHeight < 1) return;
     const GameInfo& game = *gameInfo;
     const BoardLayout L = computeBoardLayout(game);
+    FrameLook frame;
+    frame.boardWidth = game.boardWidth, frame.boardHeight = game.boardHeight;
+    frame.score = game.score, frame.gameName = game.gameName, frame.background = bgTexture_;
+    frame.border[0] = gBorderColor.red, frame.border[1] = gBorderColor.green, frame.border[2] = gBorderColor.blue;
+    const float outline[3] = {gSelectColor.red, gSelectColor.green, gSelectColor.blue};
+    // A selected model turns a little on every frame; a model that cannot be read draws nothing.
+    const bool modelShown = pieceSprites[1] != nullptr || !pieceModelMissing_;
+    const auto turning = [&](const BoardPiece& piece) { return piece.selected && piece.shapeIndex == 1 && modelShown; };
 
+    if (const auto changed = shown_.changedCells(game, frame, outline, turning)) {
+        for (const std::uint32_t index : *changed) {
+            const PixelRect patch = pieceReach(L, index / game.boardHeight, index % game.boardHeight);
+            glEnable(GL_SCISSOR_TEST);
+            glScissor(patch.x0, patch.y0, patch.x1 - patch.x0, patch.y1 - patch.y0);
+            drawBoardPicture(L, &patch);
+            glDisable(GL_SCISSOR_TEST);
+        }
+        if (!changed->empty()) {
+            glFlush();
+            if (window_.flushBuffer) window_.flushBuffer();
+        }
+    } else {
+        drawBoardPicture(L, nullptr);
+        glFlush();
+        if (window_.flushBuffer) window_.flushBuffer();
+    }
+    shown_.remember(game, frame, outline);
+    rotValue += 3;
+}
+
+void GameView::setNeedsDisplay() { shown_.forget(); }
+
+void GameView::setNeedsDisplayInCell(std::uint32_t x, std::uint32_t y) { shown_.forgetCell(x, y); }
+
+void GameView::drawBoardPicture(const BoardLayout& L, const PixelRect* patch) {
+    const GameInfo& game = *gameInfo;
     glClearDepth(200.0);
     glClear(GL_DEPTH_BUFFER_BIT);
+    // The background's depth bounds the models, whatever the score screen left switched off.
+    glEnable(GL_DEPTH_TEST);
     glDisable(GL_LIGHTING);
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
 
@@ -200,6 +241,8 @@ void GameView::drawBoard() {
             if (index >= cells || index >= game.board.size()) continue;
             const BoardPiece& piece = game.board[index];
             if (piece.pieceID == 0) continue;
+            // A patch needs only the pieces that reach into it, drawn as the whole frame draws them.
+            if (patch && !patch->intersects(pieceReach(L, x, y))) continue;
             drawPiece(&piece, static_cast<float>(x) * L.w + L.left, static_cast<float>(y) * L.h + L.m, L.pw,
                       L.ph);
         }
@@ -209,10 +252,6 @@ void GameView::drawBoard() {
     glColor4f(0.5f, 0.0f, 0.5f, 1.0f);
     drawText(winWidth - L.left + 10, winHeight - L.m - 9, boardScoreText(game.score));
     drawText(2.0f, winHeight - L.m - 9, boardGameNameText(game.gameName));
-
-    glFlush();
-    if (window_.flushBuffer) window_.flushBuffer();
-    rotValue += 3;
 }
 
 Sprite* GameView::pieceSprite(float W) {
@@ -431,6 +470,7 @@ void GameView::drawIndividualPiece(const BoardPiece* piece) {
     glDisable(GL_LIGHTING);
     glFlush();
     if (window_.flushBuffer) window_.flushBuffer();
+    shown_.forgetCell(piece->x, piece->y);
 }
 
 void GameView::animatePiece(const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
@@ -452,7 +492,7 @@ void GameView::animatePiece(const BoardPiece& piece, std::uint32_t startX, std::
         moving.green = piece.green;
         moving.blue = piece.blue;
         drawIndividualPiece(&moving);
-        std::this_thread::sleep_for(std::chrono::microseconds(1000));
+        if (window_.hold) window_.hold(kFallingStepSeconds);
     } while (moving.x != endX || moving.y != endY);
 }
 
@@ -470,7 +510,9 @@ void GameView::clearPieceSprites(int forget) {
     pieceModelMissing_ = false;
 }
 
-void GameView::pauseForFlash() { std::this_thread::sleep_for(std::chrono::milliseconds(100)); }
+void GameView::pauseForFlash() {
+    if (window_.hold) window_.hold(kFlashFrameSeconds);
+}
 
 int GameView::scoreModelCount() const {
     return static_cast<int>(std::count_if(spriteList.begin(), spriteList.end(),
@@ -534,6 +576,7 @@ void GameView::flyScoreModels() {
 }
 
 void GameView::displayScores(const Value& scores, int highlight) {
+    shown_.forget();
     std::size_t n = scoreEntryCount(scores);
     if (highlight != -1) currHighlight = highlight;
 

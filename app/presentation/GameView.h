@@ -11,7 +11,9 @@
 #include "3DSpriteLib.h"
 #include "engine/Host.h"
 #include "engine/View.h"
+#include "engine/BoardLayout.h"
 #include "platform/PropertyList.h"
+#include "presentation/ShownBoard.h"
 #include "rules/GameInfo.h"
 
 namespace tolvar {
@@ -29,6 +31,9 @@ public:
         std::function<void()> flushBuffer;                   // shows what was drawn (after glFlush)
         std::function<void(double&, double&)> mouseLocation;  // the mouse in screen coordinates, origin lower left
         std::function<void()> display;                       // the window's display after a score frame
+        // Holds what was just drawn for a while: the desktop goes on answering its window (repaints,
+        // close, quit) meanwhile, and the game's input and timers wait. None: no wait.
+        std::function<void(double seconds)> hold;
     };
 
     GameView(Host& host, Window window);
@@ -52,6 +57,12 @@ public:
     void clearPieceSprites(int forget) override;
     void pauseForFlash() override;
 
+    // Marks the whole window for the next frame of the board (something else was drawn there,
+    // or the window was shown again); without it a frame redraws only the cells that changed.
+    void setNeedsDisplay();
+    // Marks one cell's patch for the next frame (something was drawn over it).
+    void setNeedsDisplayInCell(std::uint32_t x, std::uint32_t y);
+
     void drawPiece(const BoardPiece* piece, float X, float Y, float width, float height);
     void drawIndividualPiece(const BoardPiece* piece);
     // scoresTimerFired: with the timer's list of scores.
@@ -68,6 +79,9 @@ private:
     // The figure of a piece's shape inside the rectangle X, Y, W, H (lighting already on).
     void drawFigure(const BoardPiece& piece, float X, float Y, float W, float H);
     void drawBackground(float z);
+    // The board's frame: background, border, pieces and texts; within patch only the pieces that
+    // reach into it (the caller clips to it).
+    void drawBoardPicture(const BoardLayout& L, const PixelRect* patch);
     void makeScoreModels();
     void flyScoreModels();
 
@@ -77,6 +91,8 @@ private:
     std::array<SpritePtr, 11> pieceSprites;
     // Sprites whose slots were marked empty without being released; freed with the view.
     std::vector<SpritePtr> forgottenSprites_;
+    // What the window shows of the board.
+    ShownBoard shown_;
     // Set when "Spikes" could not be read, so a board does not try again on every frame.
     bool pieceModelMissing_ = false;
 
