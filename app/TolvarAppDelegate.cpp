@@ -69,6 +69,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     callbacks.display = [this] {
         if (gameWindow) gameWindow->flushBuffer();
     };
+    callbacks.hold = [this](double seconds) { holdFrame(seconds); };
     view_ = std::make_unique<GameView>(*this, std::move(callbacks));
     engine_ = std::make_unique<Engine>(*view_, *this);
 
@@ -79,8 +80,6 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     if (!gameWindow || !gameWindow->valid()) return false;
     // 5. The background.
     view_->loadBGTexture();
-    // 6. Hidden until a game starts.
-    gameWindow->orderOut();
     // 7. The game menu.
     library_.setupGameSelections();
 
@@ -98,10 +97,9 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
 void TolvarAppDelegate::initWindow() {
     gameWindow = std::make_unique<MyWindow>("Tolvar", static_cast<int>(winWidth), static_cast<int>(winHeight));
     if (!gameWindow->valid()) return;
-    gameWindow->orderFront();
+    // The context is made on the hidden window: nothing is seen before Start.
     gameWindow->makeCurrentContext();
     view_->initWindowState();
-    gameWindow->flushBuffer();
     gameWindow->center();
 }
 
@@ -122,6 +120,7 @@ int TolvarAppDelegate::run() {
         }
         if (quit_) break;
         timers_.fireDue();
+        if (quit_) break;
         drawWindows();
     }
     return 0;
@@ -378,6 +377,7 @@ void TolvarAppDelegate::showGameWindow() {
     if (!gameWindow) return;
     gameWindow->orderFront();
     gameWindow->makeCurrentContext();
+    view_->setNeedsDisplay();
     if (eventTickSuspended_) {
         eventTickSuspended_ = false;
         eventTimer = timers_.schedule(kEventTimerInterval, [this] { eventTick(); });
@@ -420,5 +420,53 @@ void TolvarAppDelegate::eventTick() {
 }
 
 std::string TolvarAppDelegate::dataFolder() { return tolvarFolderPath(); }
+
+// ---------------------------------------------------------------- answering the windows during a tick
+
+namespace {
+constexpr double kAnswerIntervalDuringTick = 0.02;
+}
+
+bool TolvarAppDelegate::quitRequested() {
+    const double now = monotonicSeconds();
+    if (!quit_ && now - lastAnswerDuringTick_ >= kAnswerIntervalDuringTick) {
+        lastAnswerDuringTick_ = now;
+        answerWindowsDuringTick(0);
+    }
+    return quit_;
+}
+
+void TolvarAppDelegate::holdFrame(double seconds) {
+    const double until = monotonicSeconds() + seconds;
+    for (double left = seconds; !quit_ && left > 0.0; left = until - monotonicSeconds())
+        answerWindowsDuringTick(static_cast<int>(std::ceil(left * 1000.0)));
+}
+
+void TolvarAppDelegate::answerWindowsDuringTick(int timeoutMs) {
+    SDL_Event event;
+    while (!quit_ && SDL_PollEvent(&event))
+        if (!answersDuringTick(event)) heldEvents_.push_back(event);
+    if (!quit_ && timeoutMs > 0 && SDL_WaitEventTimeout(&event, timeoutMs)) {
+        if (!answersDuringTick(event)) heldEvents_.push_back(event);
+        while (!quit_ && SDL_PollEvent(&event))
+            if (!answersDuringTick(event)) heldEvents_.push_back(event);
+    }
+    // The held events go back in the order they came, ahead of none: the queue is empty now.
+    if (!heldEvents_.empty()) {
+        SDL_PeepEvents(heldEvents_.data(), static_cast<int>(heldEvents_.size()), SDL_ADDEVENT, SDL_FIRSTEVENT,
+                       SDL_LASTEVENT);
+        heldEvents_.clear();
+    }
+}
+
+bool TolvarAppDelegate::answersDuringTick(const SDL_Event& event) {
+    const bool quitKey = event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_q &&
+                         (event.key.keysym.mod & (KMOD_CTRL | KMOD_GUI)) != 0;
+    const bool window = event.type == SDL_WINDOWEVENT && (event.window.event == SDL_WINDOWEVENT_EXPOSED ||
+                                                          event.window.event == SDL_WINDOWEVENT_CLOSE);
+    if (quitKey) terminate();
+    else if (event.type == SDL_QUIT || window) dispatch(event);
+    return quitKey || event.type == SDL_QUIT || window;
+}
 
 }  // namespace tolvar

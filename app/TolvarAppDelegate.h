@@ -52,6 +52,7 @@ public:
     void hideMainWindow() override;
     void scheduleEngineTimers() override;
     std::string dataFolder() override;
+    bool quitRequested() override;
 
 private:
     void initWindow();
@@ -64,6 +65,11 @@ private:
     void closePopup();
     void runCommands(const std::vector<ShellCommand>& commands);
     void drawWindows();
+    // While a tick holds a frame (the removal flash, a falling piece) or runs long: quit, close
+    // and uncover are answered at once; every other event waits, in order, for the run loop.
+    void holdFrame(double seconds);
+    void answerWindowsDuringTick(int timeoutMs);
+    bool answersDuringTick(const SDL_Event& event);
     std::string menuSignature() const;
 
     std::unique_ptr<MyWindow> gameWindow;
@@ -83,6 +89,8 @@ private:
 
     CurrentEvent currentEvent_;
     bool quit_ = false;
+    std::vector<SDL_Event> heldEvents_;  // events that wait for the tick to end
+    double lastAnswerDuringTick_ = 0.0;
     int mainFrames_ = 0;   // frames of the main window still to draw
     int popupFrames_ = 0;  // frames of the "Actions" pop-up still to draw
     std::string lastMenuSignature_;

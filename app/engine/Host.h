@@ -97,6 +97,10 @@ public:
 
     // The folder that holds "BestScores.dict" (and "RulesDict.dict").
     virtual std::string dataFolder() = 0;
+
+    // True once the player has asked to quit: a tick that is still running stops at the next
+    // event or action, so the program can end at once. The desktop also answers its windows here.
+    virtual bool quitRequested() { return false; }
 };
 
 }  // namespace tolvar

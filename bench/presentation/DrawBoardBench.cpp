@@ -1,7 +1,7 @@
-// The time of one full frame (drawBoard) of each built-in game, with the background image, on
-// whatever OpenGL the display offers (Mesa's software renderer under Xvfb). glFinish after each
-// frame makes the figure the whole drawing, not just the queuing of commands; the CPU column
-// is the whole process, the renderer's own threads included.
+// The time of one full frame (drawBoard) of each built-in game, and of a frame in which one piece
+// changed, with the background image, on whatever OpenGL the display offers (Mesa's software
+// renderer under Xvfb). glFinish after each frame makes the figure the whole drawing, not just the
+// queuing of commands; the CPU column is the whole process, the renderer's own threads included.
 #include <GL/gl.h>
 #include <benchmark/benchmark.h>
 
@@ -33,6 +33,7 @@ void drawBoardOf(benchmark::State& state, const std::string& name, bool withBack
     view.drawBoard();  // the model is read and sized on the first frame
     glFinish();
     for (auto _ : state) {
+        view.setNeedsDisplay();
         view.drawBoard();
         glFinish();
     }
@@ -40,9 +41,36 @@ void drawBoardOf(benchmark::State& state, const std::string& name, bool withBack
     gameInfo.reset();
 }
 
+// One piece changes colour on every frame: only its cell's patch is drawn again.
+void drawOneCellOf(benchmark::State& state, const std::string& name) {
+    std::string why;
+    if (!test::openTestWindow(why)) {
+        state.SkipWithError(("no OpenGL window: " + why).c_str());
+        return;
+    }
+    test::RecordingHost host;
+    test::CountingWindow window;
+    GameView view(host, window.callbacks());
+    view.loadBGTexture();
+    if (!bench::startBuiltinGame(name, view)) {
+        state.SkipWithError(("cannot start " + name).c_str());
+        return;
+    }
+    view.drawBoard();
+    glFinish();
+    BoardPiece& piece = gameInfo->board[gameInfo->board.size() / 2];
+    for (auto _ : state) {
+        piece.red = 1.0f - piece.red;
+        view.drawBoard();
+        glFinish();
+    }
+    gameInfo.reset();
+}
+
 BENCHMARK_CAPTURE(drawBoardOf, Vexamor, std::string("Vexamor"), true)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 BENCHMARK_CAPTURE(drawBoardOf, Trindle, std::string("Trindle"), true)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 BENCHMARK_CAPTURE(drawBoardOf, Glimmet, std::string("Glimmet"), true)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+BENCHMARK_CAPTURE(drawOneCellOf, VexamorOneCell, std::string("Vexamor"))->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 BENCHMARK_CAPTURE(drawBoardOf, VexamorBlackBackground, std::string("Vexamor"), false)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 
 }  // namespace

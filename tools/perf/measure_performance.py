@@ -96,11 +96,11 @@ def session(program, seconds, seed):
 
 def frame_times(bench):
     """Real time of a full frame and of a one-cell redraw of the "Vexamor" board, in ms."""
-    out = subprocess.run([bench, "--benchmark_format=json", "--benchmark_filter=Vexamor$|OneCell",
+    out = subprocess.run([bench, "--benchmark_format=json", "--benchmark_filter=drawBoardOf/Vexamor/|OneCell",
                           "--benchmark_repetitions=5"], stdout=subprocess.PIPE, check=True).stdout
     runs = json.loads(out)["benchmarks"]
     figures = {}
-    for name, label in (("Vexamor", "full frame (ms)"), ("OneCell", "one-cell redraw (ms)")):
+    for name, label in (("drawBoardOf/Vexamor/", "full frame (ms)"), ("OneCell", "one-cell redraw (ms)")):
         times = [b["real_time"] for b in runs if b.get("run_type") == "iteration" and name in b["name"]]
         if times:
             figures[label] = times
