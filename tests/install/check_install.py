@@ -107,6 +107,8 @@ def check_metadata(prefix, args):
     check(releases and releases[0] == args.version, "the newest release listed is %r, the project is %s"
           % (releases[:1], args.version))
     check(root.find("content_rating") is not None, "the metadata has no content rating")
+    provided = sorted(b.text for b in root.iter("binary"))
+    check(provided == sorted(args.programs), "the metadata provides %s, not %s" % (provided, args.programs))
     shots = list(root.iter("screenshot"))
     check(len(shots) >= 3, "only %d screenshots" % len(shots))
     base = args.homepage.rstrip("/") + "/docs/"
