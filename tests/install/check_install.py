@@ -13,6 +13,7 @@ until its main window shows and a game has loaded the piece model from the prefi
 import argparse
 import gzip
 import os
+import re
 import shutil
 import struct
 import subprocess
@@ -183,14 +184,20 @@ def check_manual_pages(prefix, args):
 
 
 def check_options(prefix, args):
+    """--help and --version of every program, and every option of --help in its manual page."""
     for program in args.programs:
-        path = os.path.join(prefix, "bin", program)
+        path, printed = os.path.join(prefix, "bin", program), {}
         for option, expected in (("--version", "%s %s\n" % (program, args.version)), ("--help", "usage: " + program)):
             done = subprocess.run([path, option], stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60,
                                   env=dict(os.environ, DISPLAY=""))
-            out = done.stdout.decode("utf-8", "replace")
+            out = printed[option] = done.stdout.decode("utf-8", "replace")
             check(done.returncode == 0 and out.startswith(expected),
                   "%s %s: status %d, printed %r" % (program, option, done.returncode, out[:200]))
+        with gzip.open(os.path.join(prefix, "share/man/man6/%s.6.gz" % program), "rt", encoding="utf-8") as f:
+            page = f.read().replace("\\-", "-")
+        offered = set(re.findall(r"(?<![\w-])--[a-z][a-z-]*", printed["--help"]))
+        untold = sorted(offered - set(re.findall(r"--[a-z][a-z-]*", page)))
+        check(not untold, "%s --help offers %s, which packaging/man/%s.6 does not tell" % (program, untold, program))
 
 
 def check_game_starts(prefix):
