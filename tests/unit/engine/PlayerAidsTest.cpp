@@ -258,10 +258,10 @@ TEST_F(PlayerAidsTest, ASavedGameGoesOnExactlyAndDamagedOrChangedOnesAreRefused)
          "\"EventID\" is missing or not a whole number."},
     };
     const std::string running = picture();
-    for (const auto& [file, reason] : refused) {
+    for (const auto& damage : refused) {
         std::string said;
-        stdoutOf([&] { said = engine.continueGame(file, &sameRules, menu); });
-        EXPECT_EQ(said, cannot + reason);
+        stdoutOf([&] { said = engine.continueGame(damage.first, &sameRules, menu); });
+        EXPECT_EQ(said, cannot + damage.second);
         EXPECT_EQ(picture(), running) << "the running game stays";
     }
     const Value changed = with(sameRules, {{"NumColors", 7}});
