@@ -27,6 +27,7 @@ struct Engine::Impl {
     std::optional<BoardCell> cursor;
     bool finished = false;    // the best-score check of this board has run
     std::string fingerprint;  // of the running game's rules
+    std::optional<GameSnapshot> interruptedTick;  // the game before a tick that a quit stopped
     bool timersScheduled = false;
     // Set while an engine operation runs, so a modal panel that lets the desktop deliver
     // another timer or action meanwhile cannot re-enter it.
@@ -60,6 +61,7 @@ struct Engine::Impl {
     // What belonged to the board that went: its moves and the cursor.
     void forgetBoard() {
         finished = false;
+        interruptedTick.reset();
         history.forget();
         cursor.reset();
         historyBoard = ctx.boardsDealt;
@@ -160,7 +162,14 @@ void Engine::checkMenuAction(const ActionsMenu& menu, int itemIndex) {
 void Engine::processEvents() {
     if (impl_->busy) return;
     Impl::Busy busy(impl_->busy);
+    EngineContext& ctx = impl_->ctx;
+    // A tick that the player's quit stops part way leaves a game that cannot go on as it is;
+    // the game as it was before the tick is the one to keep, and the tick runs again in full.
+    std::optional<GameSnapshot> beforeTick;
+    if (ctx.hasGame() && ctx.game().hasBoard() && (ctx.game().eventQueue || ctx.gameStarted != 0))
+        beforeTick = takeSnapshot(ctx);
     impl_->dispatcher.processEvents();
+    if (beforeTick && ctx.host.quitRequested()) impl_->interruptedTick = std::move(beforeTick);
     // No undo past the best-score check of a finished game.
     if (impl_->ctx.gamePaused != 0 && impl_->ctx.hasGame()) {
         impl_->history.forget();
@@ -265,7 +274,8 @@ bool Engine::resumeGame() {
 
 std::optional<Value> Engine::savedGame() const {
     if (!hasUnfinishedGame()) return std::nullopt;
-    return savedGameValue(*gameInfo, takeSnapshot(impl_->ctx), impl_->fingerprint);
+    const GameSnapshot now = impl_->interruptedTick ? *impl_->interruptedTick : takeSnapshot(impl_->ctx);
+    return savedGameValue(*gameInfo, now, impl_->fingerprint);
 }
 
 std::string Engine::savedGameTitle(const Value& saved) { return tolvar::savedGameTitle(saved); }

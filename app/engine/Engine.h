@@ -79,7 +79,9 @@ public:
     // Keeping a game. hasUnfinishedGame: a game has a board and its best-score check has not
     // run. resumeGame: shows that game again as it was left (after returnToMain); false when
     // there is none. savedGame: that game as a property list with everything needed to go on
-    // exactly, for the shell to write (nothing without one). continueGame: shows a saved game
+    // exactly, for the shell to write (nothing without one); after a tick that the player's
+    // quit stopped part way, the game as it was before that tick, which then runs again in
+    // full when the game is continued. continueGame: shows a saved game
     // as startGame shows a new one, with rules, the current rules dictionary of its title
     // (savedGameTitle; nullptr when the rules file has no such game); returns an empty text,
     // or, when it cannot be continued (its rules changed, the file is damaged), why, as a

@@ -16,7 +16,10 @@
 namespace tolvar::testing {
 
 struct RecordingView : View {
-    void drawBoard() override { ++draws; }
+    void drawBoard() override {
+        ++draws;
+        if (onDraw) onDraw();
+    }
     void animatePiece(const BoardPiece& p, std::uint32_t x, std::uint32_t y, std::uint32_t toX,
                       std::uint32_t toY) override {  // "piece: from -> to"
         auto text = [](auto... n) { return ((std::to_string(n) + " ") + ...); };
@@ -26,6 +29,7 @@ struct RecordingView : View {
     void clearPieceSprites(int) override { ++spriteClears; }
     void pauseForFlash() override { ++flashFrames; }
     int draws = 0, flashFrames = 0, spriteClears = 0;
+    std::function<void()> onDraw;  // called at every frame
     std::vector<std::string> moves;
 };
 
@@ -50,10 +54,11 @@ struct RecordingHost : Host {
     void hideMainWindow() override { mainWindowShown = false; }
     void scheduleEngineTimers() override { ++timerSchedules; }
     std::string dataFolder() override { return folder.string(); }
+    bool quitRequested() override { return quit; }
 
     CurrentEvent event;
     std::vector<std::string> alerts;  // title|message|button
-    bool scoresTimer = false, gameWindowShown = false, mainWindowShown = true;
+    bool scoresTimer = false, gameWindowShown = false, mainWindowShown = true, quit = false;
     int projectionResets = 0, timerSchedules = 0;
     std::filesystem::path folder = std::filesystem::temp_directory_path();  // removed afterwards
 };

@@ -272,6 +272,33 @@ TEST_F(PlayerAidsTest, ASavedGameGoesOnExactlyAndDamagedOrChangedOnesAreRefused)
     EXPECT_EQ(Engine::savedGameTitle(text), "Glimmet");
 }
 
+TEST_F(PlayerAidsTest, AQuitThatStopsATickKeepsTheGameFromBeforeIt) {
+    start(smallVexamor(), kSmall);
+    click({2, 0}, {2, 0});
+    key(U' ');
+    const Value beforeTick = *engine.savedGame();
+    std::string whole = tick();
+    whole += picture();
+
+    const Value sameRules = rules;
+    auto continueFrom = [&](const Value& saved) {
+        std::string why;
+        stdoutOf([&] { why = engine.continueGame(saved, &sameRules, menu); });
+        ASSERT_EQ(why, "");
+    };
+    continueFrom(beforeTick);
+    view.onDraw = [&] { host.quit = true; };  // the player quits at the tick's first frame
+    const std::string cut = tick();
+    EXPECT_LT(cut.size(), whole.size());
+    view.onDraw = nullptr;
+    const Value saved = *engine.savedGame();
+    host.quit = false;
+    continueFrom(saved);
+    std::string again = tick();
+    again += picture();
+    EXPECT_EQ(again, whole);
+}
+
 TEST(KeyCharactersTest, TheFirstCharacterIsDecodedFromUtf8) {
     const std::pair<std::string, char32_t> cases[] = {
         {"", 0}, {" x", U' '}, {"\xC3\xA9", 0xE9}, {utf8(kKeyLeftArrow), kKeyLeftArrow},
