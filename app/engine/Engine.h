@@ -87,6 +87,8 @@ public:
     // or, when it cannot be continued (its rules changed, the file is damaged), why, as a
     // sentence for the player; the running game is then left as it was.
     bool hasUnfinishedGame() const;
+    // The saved game's file in the data folder.
+    static constexpr const char* kSavedGameFileName = "SavedGame.dict";
     bool resumeGame();
     std::optional<Value> savedGame() const;
     std::string continueGame(const Value& saved, const Value* rules, ActionsMenu& menu);
