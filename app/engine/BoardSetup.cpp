@@ -13,7 +13,7 @@ namespace {
 struct Rgb {
     float red, green, blue;
 };
-constexpr std::array<Rgb, 10> kColorTable{{
+constexpr std::array<Rgb, kDrawnColorCount> kColorTable{{
     {1.0f, 0.0f, 0.0f},
     {0.0f, 0.75f, 0.0f},
     {0.0f, 0.0f, 0.75f},

@@ -6,6 +6,9 @@
 
 namespace tolvar {
 
+// How many colour numbers have a colour of their own (1 to kDrawnColorCount).
+inline constexpr unsigned kDrawnColorCount = 10;
+
 // Sets red, green and blue from colorIndex (colours 1..10; others keep their components), and
 // with colorsMatchShapes copies colorIndex into shapeIndex.
 void setPieceColor(const GameInfo& game, BoardPiece& piece);

@@ -80,8 +80,6 @@ struct Engine::Impl {
     }
 };
 
-namespace {
-// Why the rules of game cannot be played, or an empty text when they can.
 std::string unplayableReason(const GameInfo& game) {
     auto is = [](const char* key, int value) {
         return "\"" + std::string(key) + "\" is " + std::to_string(value);
@@ -98,7 +96,6 @@ std::string unplayableReason(const GameInfo& game) {
                is("SetupRandomFill", 0);
     return {};
 }
-}  // namespace
 
 Engine::Engine(View& view, Host& host) : impl_(std::make_unique<Impl>(view, host)) {}
 Engine::~Engine() = default;

@@ -20,6 +20,10 @@
 
 namespace tolvar {
 
+// Why the rules of game cannot be played (a board of 0 columns, ...), naming the rule and its
+// value, or an empty text when they can. A start refuses such rules with this reason.
+std::string unplayableReason(const GameInfo& game);
+
 class Engine {
 public:
     Engine(View& view, Host& host);

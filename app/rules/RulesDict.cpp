@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "rules/RulesKeys.h"
+
 namespace tolvar {
 
 namespace {
@@ -41,23 +43,23 @@ const Array* readArray(const Dictionary& dict, const char* key) {
 
 std::unique_ptr<GameAction> makeAction(const Dictionary& dict) {
     auto action = std::make_unique<GameAction>();
-    action->actionID = static_cast<std::uint32_t>(readNumberOr(dict, "ActionID", 0));
-    action->actionType = static_cast<std::uint32_t>(readNumberOr(dict, "ActionType", 0));
-    action->actionCriteria = static_cast<std::uint32_t>(readNumberOr(dict, "ActionCriteria", 0));
-    action->minPieces = readNumberOr(dict, "MinPieces", 0);
-    action->removePieces = readNumberOr(dict, "RemovePieces", 0);
-    if (dict.find("Amount")) {
+    action->actionID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kActionID, 0));
+    action->actionType = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kActionType, 0));
+    action->actionCriteria = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kActionCriteria, 0));
+    action->minPieces = readNumberOr(dict, rulekeys::kMinPieces, 0);
+    action->removePieces = readNumberOr(dict, rulekeys::kRemovePieces, 0);
+    if (dict.find(rulekeys::kAmount)) {
         printf("setting action to amount.\n");
-        action->amount = readNumberOr(dict, "Amount", 0);
+        action->amount = readNumberOr(dict, rulekeys::kAmount, 0);
     }
-    if (dict.find("LowerIsBetter")) {
+    if (dict.find(rulekeys::kLowerIsBetter)) {
         printf("setting lower is better.\n");
-        action->lowerIsBetter = static_cast<std::uint32_t>(readNumberOr(dict, "LowerIsBetter", 0));
+        action->lowerIsBetter = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kLowerIsBetter, 0));
     }
-    if (dict.find("Direction")) action->direction = readNumberOr(dict, "Direction", 0);
-    if (const std::string* message = readString(dict, "Message")) action->message = *message;
-    if (dict.find("VariableID"))
-        action->variableID = static_cast<std::uint32_t>(readNumberOr(dict, "VariableID", 0));
+    if (dict.find(rulekeys::kDirection)) action->direction = readNumberOr(dict, rulekeys::kDirection, 0);
+    if (const std::string* message = readString(dict, rulekeys::kMessage)) action->message = *message;
+    if (dict.find(rulekeys::kVariableID))
+        action->variableID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kVariableID, 0));
     return action;
 }
 
@@ -65,9 +67,9 @@ void readEvents(const Array& entries, GameInfo& info) {
     for (const Value& entry : entries) {
         const Dictionary& dict = asDictionaryOrEmpty(entry);
         auto event = std::make_unique<SupportedEvent>();
-        event->eventID = static_cast<std::uint32_t>(readNumberOr(dict, "EventID", 0));
-        event->eventType = static_cast<std::uint32_t>(readNumberOr(dict, "EventType", 0));
-        if (const Array* actionList = readArray(dict, "ActionList")) {
+        event->eventID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kEventID, 0));
+        event->eventType = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kEventType, 0));
+        if (const Array* actionList = readArray(dict, rulekeys::kActionList)) {
             std::unique_ptr<GameAction> head;
             for (const Value& actionEntry : *actionList) {
                 auto action = makeAction(asDictionaryOrEmpty(actionEntry));
@@ -88,18 +90,18 @@ void readUserEvents(const Array& entries, GameInfo& info, ActionsMenu& menu) {
     for (const Value& entry : entries) {
         const Dictionary& dict = asDictionaryOrEmpty(entry);
         auto userEvent = std::make_unique<SupportedUserEvent>();
-        userEvent->userEventID = static_cast<std::uint32_t>(readNumberOr(dict, "UserEventID", 0));
-        userEvent->userEventType = static_cast<std::uint32_t>(readNumberOr(dict, "UserEventType", 0));
-        if (const Value* trigger = dict.find("UserEventTriggerAction"))
+        userEvent->userEventID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kUserEventID, 0));
+        userEvent->userEventType = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kUserEventType, 0));
+        if (const Value* trigger = dict.find(rulekeys::kUserEventTriggerAction))
             userEvent->triggerAction = makeAction(asDictionaryOrEmpty(*trigger));
         // The key is read as a signed 8-bit character: only the low 8 bits count.
-        const auto character = static_cast<std::int8_t>(low8(readNumberOr(dict, "UserEventCharacter", 0)));
+        const auto character = static_cast<std::int8_t>(low8(readNumberOr(dict, rulekeys::kUserEventCharacter, 0)));
         if (character != 0) {
             userEvent->userEventCharacter = character;
             ++counter;
             menu.bindUserEvent(counter, userEvent->userEventType, character);
         }
-        const std::int32_t minimum = readNumberOr(dict, "MinimumPieces", 0);
+        const std::int32_t minimum = readNumberOr(dict, rulekeys::kMinimumPieces, 0);
         if (minimum != 0) userEvent->minimumPieces = static_cast<std::uint32_t>(minimum);
         userEvent->next = std::move(info.userEvents);
         info.userEvents = std::move(userEvent);
@@ -110,9 +112,9 @@ void readCompletionCriteria(const Array& entries, GameInfo& info) {
     for (const Value& entry : entries) {
         const Dictionary& dict = asDictionaryOrEmpty(entry);
         auto criterion = std::make_unique<CompletionCriterion>();
-        criterion->completionID = static_cast<std::uint32_t>(readNumberOr(dict, "CompletionID", 0));
-        criterion->completionType = static_cast<std::uint32_t>(readNumberOr(dict, "CompletionType", 0));
-        criterion->completionValue = static_cast<std::uint32_t>(readNumberOr(dict, "CompletionValue", 0));
+        criterion->completionID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kCompletionID, 0));
+        criterion->completionType = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kCompletionType, 0));
+        criterion->completionValue = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kCompletionValue, 0));
         criterion->next = std::move(info.completionCriteria);
         info.completionCriteria = std::move(criterion);
     }
@@ -122,10 +124,10 @@ void readVariables(const Array& entries, GameInfo& info) {
     for (const Value& entry : entries) {
         const Dictionary& dict = asDictionaryOrEmpty(entry);
         auto variable = std::make_unique<GameVariable>();
-        variable->variableID = static_cast<std::uint32_t>(readNumberOr(dict, "VariableID", 0));
+        variable->variableID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kVariableID, 0));
         // Sign-extended: a value of -1 starts with every bit set.
         variable->variableValue =
-            static_cast<std::uint64_t>(static_cast<std::int64_t>(readNumberOr(dict, "VariableValue", 0)));
+            static_cast<std::uint64_t>(static_cast<std::int64_t>(readNumberOr(dict, rulekeys::kVariableValue, 0)));
         variable->next = std::move(info.variables);
         info.variables = std::move(variable);
     }
@@ -133,35 +135,29 @@ void readVariables(const Array& entries, GameInfo& info) {
 
 }  // namespace
 
+void readGameSettings(const Dictionary& rules, GameInfo& info) {
+    for (const rulekeys::Key& key : rulekeys::kGameKeys)
+        if (key.field) info.*key.field = low8(readNumberOr(rules, key.name, key.fallback));
+    info.scoreMultiplier = static_cast<std::uint64_t>(
+        static_cast<std::int64_t>(readNumberOr(rules, rulekeys::kScoreMultiplier, 1)));
+}
+
 std::unique_ptr<GameInfo> createStructsFromRulesDict(const Value* rulesDict, ActionsMenu& menu) {
     if (!rulesDict || !rulesDict->isDictionary()) return nullptr;
     const Dictionary& rules = *rulesDict->asDictionary();
     auto info = std::make_unique<GameInfo>();
-
-    info->boardWidth = low8(readNumberOr(rules, "BoardWidth", 5));
-    info->boardHeight = low8(readNumberOr(rules, "BoardHeight", 5));
-    info->hasLauncher = low8(readNumberOr(rules, "HasLauncher", 0));
-    info->scoreMultiplier =
-        static_cast<std::uint64_t>(static_cast<std::int64_t>(readNumberOr(rules, "ScoreMultiplier", 1)));
-    info->numShapes = low8(readNumberOr(rules, "NumShapes", 1));
-    info->numColors = low8(readNumberOr(rules, "NumColors", 4));
-    info->setupRandomFill = low8(readNumberOr(rules, "SetupRandomFill", 0));
-    info->setupMaxLinearColors = low8(readNumberOr(rules, "SetupMaxLinearColors", 0));
-    info->setupMaxLinearShapes = low8(readNumberOr(rules, "SetupMaxLinearShapes", 0));
-    info->squareShapes = low8(readNumberOr(rules, "SquareShapes", 0));
-    info->colorsMatchShapes = low8(readNumberOr(rules, "ColorsMatchShapes", 0));
-    info->holesAllowed = low8(readNumberOr(rules, "HolesAllowed", 0));
-    const std::string* name = readString(rules, "GameName");
+    readGameSettings(rules, *info);
+    const std::string* name = readString(rules, rulekeys::kGameName);
     info->gameName = name ? *name : std::string("Unknown");
-    const std::string* description = readString(rules, "GameDescription");
+    const std::string* description = readString(rules, rulekeys::kGameDescription);
     info->descriptionText = description ? *description : std::string("Unknown");
 
-    if (const Array* events = readArray(rules, "SupportedEvents")) readEvents(*events, *info);
-    if (const Array* userEvents = readArray(rules, "SupportedUserEvents"))
+    if (const Array* events = readArray(rules, rulekeys::kSupportedEvents)) readEvents(*events, *info);
+    if (const Array* userEvents = readArray(rules, rulekeys::kSupportedUserEvents))
         readUserEvents(*userEvents, *info, menu);
-    if (const Array* criteria = readArray(rules, "CompletionCriteria"))
+    if (const Array* criteria = readArray(rules, rulekeys::kCompletionCriteria))
         readCompletionCriteria(*criteria, *info);
-    if (const Array* variables = readArray(rules, "VariableList")) readVariables(*variables, *info);
+    if (const Array* variables = readArray(rules, rulekeys::kVariableList)) readVariables(*variables, *info);
     return info;
 }
 

@@ -14,4 +14,8 @@ namespace tolvar {
 // argument or a value that is not a dictionary.
 std::unique_ptr<GameInfo> createStructsFromRulesDict(const Value* rulesDict, ActionsMenu& menu);
 
+// The board settings and score multiplier of a rules dictionary, read as a game start reads them
+// (without its diagnostic lines); the lists are left alone.
+void readGameSettings(const Dictionary& rules, GameInfo& info);
+
 }  // namespace tolvar

@@ -1,0 +1,208 @@
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "checker/Located.h"
+
+namespace tolvar::checker {
+
+Located Located::field(const std::string& name) const {
+    Located out;
+    out.path = path + "/" + name;
+    out.key = name;
+    const Dictionary* d = dict();
+    out.value = d ? d->find(name) : nullptr;
+    if (node && out.value) {
+        out.node = node->valueOf(name, &out.keyAt);
+        if (out.node) out.at = out.node->at;
+    }
+    if (!out.node) out.at = out.keyAt = at;
+    return out;
+}
+
+Located Located::item(std::size_t i) const {
+    Located out;
+    out.path = path + "/" + std::to_string(i);
+    out.key = key;
+    const Array* a = array();
+    out.value = a && i < a->size() ? &(*a)[i] : nullptr;
+    out.node = node && i < node->items.size() ? &node->items[i] : nullptr;
+    out.at = out.keyAt = out.node ? out.node->at : at;
+    return out;
+}
+
+void Reporter::add(Severity severity, const Located& where, const std::string& key, const std::string& message,
+                   bool onKey) {
+    Problem p;
+    p.severity = severity;
+    p.at = onKey ? where.keyAt : where.at;
+    p.path = where.path;
+    p.game = game_;
+    p.key = key;
+    p.message = message;
+    problems_.push_back(std::move(p));
+}
+
+std::string kindName(const Value& value) {
+    switch (value.kind()) {
+        case Value::Kind::Boolean: return "a boolean";
+        case Value::Kind::Integer: return "an integer";
+        case Value::Kind::Real: return "a real";
+        case Value::Kind::String: return "a string";
+        case Value::Kind::Date: return "a date";
+        case Value::Kind::Data: return "data";
+        case Value::Kind::Array: return "an array";
+        case Value::Kind::Dictionary: return "a dictionary";
+    }
+    return "a value";
+}
+
+namespace {
+
+using rulekeys::Key;
+using rulekeys::Kind;
+
+std::string lower(std::string s) {
+    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return s;
+}
+
+// Edits (insert, delete, replace, swap of neighbours) from a to b, ignoring case.
+std::size_t editDistance(const std::string& a0, const std::string& b0) {
+    const std::string a = lower(a0), b = lower(b0);
+    std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i) d[i][0] = i;
+    for (std::size_t j = 0; j <= b.size(); ++j) d[0][j] = j;
+    for (std::size_t i = 1; i <= a.size(); ++i)
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            d[i][j] = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (a[i - 1] != b[j - 1])});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
+        }
+    return d[a.size()][b.size()];
+}
+
+// "did you mean X?" for the nearest key of the level, or where the key belongs instead.
+std::string suggestion(const std::string& name, const rulekeys::Level& level) {
+    const Key* best = nullptr;
+    std::size_t bestDistance = 0;
+    for (const Key& k : level.keys) {
+        const std::size_t d = editDistance(name, k.name);
+        if (!best || d < bestDistance) best = &k, bestDistance = d;
+    }
+    if (name.size() < 64 && best && bestDistance <= std::max<std::size_t>(2, name.size() / 4))
+        return "; did you mean " + std::string(best->name) + "?";
+    for (const rulekeys::Level& other : rulekeys::kLevels)
+        if (other.what != level.what && rulekeys::findKey(other.keys, name.c_str()))
+            return "; it is a key of " + std::string(other.what) + ", not of " + level.what;
+    return "";
+}
+
+std::string realText(double d) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.17g", d);
+    return buffer;
+}
+
+// What the number reading makes of value, judged against what was written.
+void checkNumber(const Located& at, const Key& key, Reporter& report) {
+    const Value& v = *at.value;
+    const std::optional<std::int32_t> read = v.intValue();
+    const std::string name = key.name;
+    if (!read) {
+        report.add(Severity::Error, at, name,
+                   "expected a number, found " + kindName(v) + "; the default " + std::to_string(key.fallback) +
+                       " is used");
+        return;
+    }
+    const std::string readAs = std::to_string(*read);
+    if (const std::int64_t* i = v.asInteger(); i && *i != *read) {
+        report.add(Severity::Error, at, name,
+                   std::to_string(*i) + " is read as " + readAs + ": a number keeps only its low 32 bits");
+        return;
+    }
+    if (const double* d = v.asReal()) {
+        if (std::isnan(*d) || std::fabs(*d) >= 2147483648.0) {
+            report.add(Severity::Error, at, name,
+                       realText(*d) + " is read as " + readAs + ": expected a number from -2147483648 to 2147483647");
+            return;
+        }
+        if (*d != std::trunc(*d))
+            report.add(Severity::Warning, at, name,
+                       realText(*d) + " is cut to " + readAs + ": expected a whole number");
+    }
+    if (const std::string* s = v.asString()) {
+        std::size_t a = 0, b = s->size();
+        while (a < b && std::isspace(static_cast<unsigned char>((*s)[a]))) ++a;
+        while (b > a && std::isspace(static_cast<unsigned char>((*s)[b - 1]))) --b;
+        const std::size_t digits = a < b && ((*s)[a] == '-' || (*s)[a] == '+') ? a + 1 : a;
+        const bool whole = digits < b && std::all_of(s->begin() + static_cast<std::ptrdiff_t>(digits),
+                                                      s->begin() + static_cast<std::ptrdiff_t>(b),
+                                                      [](char c) { return c >= '0' && c <= '9'; });
+        if (!whole) {
+            report.add(Severity::Warning, at, name,
+                       "the text \"" + *s + "\" is read as " + readAs + ": expected a number");
+        } else {
+            errno = 0;
+            const long long written = std::strtoll(s->c_str() + a, nullptr, 10);
+            if (errno == ERANGE || written != *read)
+                report.add(Severity::Error, at, name,
+                           "the text \"" + *s + "\" is read as " + readAs +
+                               ": expected a number from -2147483648 to 2147483647");
+        }
+    }
+    if (key.kind == Kind::Byte && (*read < 0 || *read > 255))
+        report.add(Severity::Error, at, name,
+                   readAs + " is read as " + std::to_string(static_cast<std::uint32_t>(*read) & 0xFFu) +
+                       ": expected a number from 0 to 255");
+    if (key.kind == Kind::Character && (*read < -128 || *read > 255))
+        report.add(Severity::Error, at, name,
+                   readAs + " is read as " +
+                       std::to_string(static_cast<std::int8_t>(static_cast<std::uint32_t>(*read) & 0xFFu)) +
+                       ": expected a character code from 1 to 255");
+}
+
+}  // namespace
+
+void checkKeys(const Located& dict, const rulekeys::Level& level, Reporter& report) {
+    const Dictionary* d = dict.dict();
+    if (!d) return;
+    for (const auto& [name, value] : d->entries()) {
+        const Located at = dict.field(name);
+        const Key* key = rulekeys::findKey(level.keys, name.c_str());
+        if (!key) {
+            report.add(Severity::Warning, at, name,
+                       "not a key of " + std::string(level.what) + ", so it is ignored" + suggestion(name, level),
+                       true);
+            continue;
+        }
+        switch (key->kind) {
+            case Kind::Number:
+            case Kind::Byte:
+            case Kind::Character:
+                checkNumber(at, *key, report);
+                break;
+            case Kind::String:
+                if (!value.isString())
+                    report.add(Severity::Error, at, name,
+                               "expected a string, found " + kindName(value) + "; the key counts as absent");
+                break;
+            case Kind::Array:
+                if (!value.isArray())
+                    report.add(Severity::Error, at, name,
+                               "expected an array, found " + kindName(value) + "; the key counts as absent");
+                break;
+            case Kind::Dictionary:
+                if (!value.isDictionary())
+                    report.add(Severity::Error, at, name,
+                               "expected a dictionary, found " + kindName(value) +
+                                   "; it reads as an empty dictionary");
+                break;
+        }
+    }
+}
+
+}  // namespace tolvar::checker

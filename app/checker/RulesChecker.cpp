@@ -1,0 +1,156 @@
+#include "checker/RulesChecker.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <variant>
+
+#include "checker/Located.h"
+#include "platform/PlistFile.h"
+
+namespace tolvar::checker {
+
+bool CheckReport::hasErrors() const {
+    for (const Problem& p : problems)
+        if (p.severity == Severity::Error) return true;
+    return false;
+}
+
+std::vector<Problem> CheckReport::problemsOf(const std::string& title) const {
+    std::vector<Problem> out;
+    for (const Problem& p : problems)
+        if (!p.game.empty() && p.game == title) out.push_back(p);
+    return out;
+}
+
+std::vector<Problem> CheckReport::fileProblems() const {
+    std::vector<Problem> out;
+    for (const Problem& p : problems)
+        if (p.game.empty()) out.push_back(p);
+    return out;
+}
+
+namespace {
+
+// Larger files are not rules files; the property-list reader refuses them too.
+constexpr std::uintmax_t kMaxRulesFileSize = 64u * 1024u * 1024u;
+
+bool isBinary(const std::string& bytes) { return bytes.compare(0, 6, "bplist") == 0; }
+
+Problem fileProblem(TextPosition at, std::string message, Severity severity = Severity::Error) {
+    Problem p;
+    p.severity = severity;
+    p.at = at;
+    p.message = std::move(message);
+    return p;
+}
+
+}  // namespace
+
+CheckReport checkRulesText(const std::string& bytes) {
+    CheckReport report;
+    const bool binary = isBinary(bytes);
+    std::optional<XmlNode> positions;
+    std::optional<XmlProblem> xmlProblem;
+    if (!binary) {
+        auto scanned = scanXmlPositions(bytes);
+        if (auto* node = std::get_if<XmlNode>(&scanned)) positions = std::move(*node);
+        else xmlProblem = std::get<XmlProblem>(scanned);
+    }
+    auto parsed = parsePropertyList(bytes);
+    if (const PlistError* error = std::get_if<PlistError>(&parsed)) {
+        // The scanner knows the line where the text goes wrong; the reader says what it makes of it.
+        if (xmlProblem)
+            report.problems.push_back(fileProblem(xmlProblem->at, "not well formed: " + xmlProblem->message));
+        else
+            report.problems.push_back(fileProblem(binary ? TextPosition{} : TextPosition{1, 1}, error->reason));
+        return report;
+    }
+    if (xmlProblem)
+        report.problems.push_back(fileProblem(xmlProblem->at,
+                                              "not well formed, though the game reads it: " + xmlProblem->message +
+                                                  "; the lines of later findings are unknown",
+                                              Severity::Warning));
+    const Value& root = std::get<Value>(parsed);
+    const XmlNode* rootNode = positions ? &*positions : nullptr;
+    const Dictionary* games = root.asDictionary();
+    if (!games) {
+        report.problems.push_back(fileProblem(rootNode ? rootNode->at : TextPosition{binary ? 0 : 1, 1},
+                                              "the top level is " + kindName(root) +
+                                                  ", expected a dictionary of games; no game is offered"));
+        return report;
+    }
+    if (games->empty())
+        report.problems.push_back(fileProblem(rootNode ? rootNode->at : TextPosition{binary ? 0 : 1, 1},
+                                              "the file holds no game; expected a dictionary of games"));
+    for (const auto& [title, rules] : games->entries()) {
+        TextPosition keyAt;
+        const XmlNode* node = rootNode ? rootNode->valueOf(title, &keyAt) : nullptr;
+        for (Problem& p : checkGame(title, rules, node)) report.problems.push_back(std::move(p));
+    }
+    report.rules = root;
+    return report;
+}
+
+CheckReport checkRulesFile(const std::string& path) {
+    std::error_code ec;
+    const bool regular = std::filesystem::is_regular_file(path, ec);
+    const auto size = regular ? std::filesystem::file_size(path, ec) : 0;
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    if (regular && !ec && size <= kMaxRulesFileSize && in && (bytes << in.rdbuf()))
+        return checkRulesText(bytes.str());
+    // What cannot be read as bytes (a folder, a file too large, ...) is told as the reader tells it.
+    CheckReport report;
+    auto read = readPropertyListFile(path);
+    const PlistError* error = std::get_if<PlistError>(&read);
+    report.problems.push_back(fileProblem({}, error ? error->reason : "cannot be read"));
+    return report;
+}
+
+std::string formatProblem(const std::string& file, const Problem& p) {
+    std::string out = file;
+    if (p.at.line > 0) out += ":" + std::to_string(p.at.line) + ":" + std::to_string(p.at.column);
+    else if (!p.path.empty()) out += ":" + p.path;
+    out += p.severity == Severity::Error ? ": error: " : ": warning: ";
+    if (!p.game.empty()) out += p.game + ": ";
+    if (!p.key.empty()) out += p.key + ": ";
+    return out + p.message;
+}
+
+namespace {
+
+std::string jsonString(const std::string& s) {
+    std::string out = "\"";
+    for (unsigned char c : s) {
+        if (c == '"' || c == '\\') {
+            out += '\\';
+            out += static_cast<char>(c);
+        } else if (c < 0x20) {
+            char buffer[8];
+            std::snprintf(buffer, sizeof buffer, "\\u%04x", c);
+            out += buffer;
+        } else {
+            out += static_cast<char>(c);
+        }
+    }
+    return out + "\"";
+}
+
+}  // namespace
+
+std::string problemsAsJson(const std::string& file, const std::vector<Problem>& problems) {
+    std::string out = "{\"file\": " + jsonString(file) + ", \"problems\": [";
+    for (std::size_t i = 0; i < problems.size(); ++i) {
+        const Problem& p = problems[i];
+        out += i ? ",\n  " : "\n  ";
+        out += "{\"severity\": " + jsonString(p.severity == Severity::Error ? "error" : "warning") +
+               ", \"line\": " + std::to_string(p.at.line) + ", \"column\": " + std::to_string(p.at.column) +
+               ", \"path\": " + jsonString(p.path) + ", \"game\": " + jsonString(p.game) +
+               ", \"key\": " + jsonString(p.key) + ", \"message\": " + jsonString(p.message) + "}";
+    }
+    return out + (problems.empty() ? "]}" : "\n]}");
+}
+
+}  // namespace tolvar::checker
