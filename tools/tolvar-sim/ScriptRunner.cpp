@@ -90,6 +90,31 @@ bool keyFor(const std::string& name, std::uint16_t& code, std::string& character
 
 }  // namespace
 
+const char* ScriptRunner::commandHelp() {
+    return "  select TITLE       choose the game titled TITLE in the game menu\n"
+           "  start              start the chosen game (Start in the main window)\n"
+           "  return             go back to the main window\n"
+           "  tick [N]           run N ticks of the event timer (1 when not given)\n"
+           "  down X Y, up X Y, move X Y\n"
+           "                     a mouse button press, release or move at window point X Y (origin lower left)\n"
+           "  click X Y          press and release at X Y\n"
+           "  drag X1 Y1 X2 Y2   press at X1 Y1, release at X2 Y2\n"
+           "  keydown K, keyup K, key K\n"
+           "                     a key press, release, or both (K: one character, space, esc, enter,\n"
+           "                     left, right, up, down, home, end, delete, or f1 to f24)\n"
+           "  menu N             choose item N (1 to 8) of the Actions menu\n"
+           "  undo, redo         take back the last move, or play the undone move again\n"
+           "  new                a new board of the running game, as Escape deals it\n"
+           "  hint               the cells of a move the game's end test finds\n"
+           "  cursor             where the keyboard cursor is\n"
+           "  show               the board as the player sees it: top row first, empty cells '.',\n"
+           "                     selected pieces in brackets\n"
+           "  board              the game's own colour dump: one line per column, bottom first\n"
+           "  dump               every cell: column, row, piece number, colour, shape, selection\n"
+           "  state              score, multiplier, started and paused\n"
+           "  # ...              a comment\n";
+}
+
 ScriptRunner::ScriptRunner(GameLibrary& library, ActionsMenu& menu)
     : library_(library), menu_(menu), view_(host_), engine_(view_, host_) {}
 
@@ -254,6 +279,11 @@ std::string ScriptRunner::runLine(const std::string& line) {
         engine_.printBoardColors();
         return {};
     }
+    if (command == "show") {
+        if (!arity(0)) return wrongCount;
+        showBoard();
+        return {};
+    }
     if (command == "dump") {
         if (!arity(0)) return wrongCount;
         dumpBoard();
@@ -275,6 +305,28 @@ void ScriptRunner::dumpBoard() const {
         std::printf("cell %zu %zu id=%" PRIu32 " color=%d shape=%d selected=%d\n", n / h, n % h,
                     p.pieceID, static_cast<int>(p.colorIndex), static_cast<int>(p.shapeIndex),
                     static_cast<int>(p.selected));
+    }
+}
+
+void ScriptRunner::showBoard() const {
+    if (!gameInfo || !gameInfo->hasBoard()) {
+        std::printf("show: no board\n");
+        return;
+    }
+    const int w = gameInfo->boardWidth, h = gameInfo->boardHeight;
+    const int digits = static_cast<int>(std::to_string(static_cast<int>(gameInfo->numColors)).size());
+    for (int y = h - 1; y >= 0; --y) {
+        std::string row;
+        for (int x = 0; x < w; ++x) {
+            const BoardPiece& p = gameInfo->board[static_cast<std::size_t>(x) * static_cast<std::size_t>(h) +
+                                                  static_cast<std::size_t>(y)];
+            std::string cell = p.pieceID == 0 ? "." : std::to_string(static_cast<int>(p.colorIndex));
+            cell.insert(0, static_cast<std::size_t>(std::max(0, digits - static_cast<int>(cell.size()))), ' ');
+            const bool selected = p.pieceID != 0 && p.selected != 0;
+            row += (selected ? "[" : " ") + cell + (selected ? "]" : " ");
+        }
+        while (!row.empty() && row.back() == ' ') row.pop_back();
+        std::printf("%s\n", row.c_str());
     }
 }
 

@@ -19,6 +19,9 @@ public:
     // cannot be run (with "tolvar-sim: line L: REASON" on standard error).
     int run(std::FILE* in);
 
+    // The script commands, one per line with what each does, for --help.
+    static const char* commandHelp();
+
 private:
     // Runs one line; returns an empty text, or why the line cannot be run.
     std::string runLine(const std::string& line);
@@ -26,6 +29,9 @@ private:
     std::string keyEvent(std::int64_t type, const std::string& key);
     void poll();
     void dumpBoard() const;
+    // The board as the player sees it: the top row first, empty cells as '.', selected pieces
+    // in brackets.
+    void showBoard() const;
     void printState() const;
 
     GameLibrary& library_;

@@ -1,35 +1,120 @@
 // tolvar-sim [--seed N] [--rules FILE] [SCRIPT]
+// tolvar-sim --autoplay N --game NAME [--player random|greedy] [--jobs J] [--csv FILE] [--seed N] [--rules FILE]
 //
 // Plays the game engine without windows, drawing or delays, driven by a script of player
-// commands; a seed and a script always give the same transcript.
+// commands; a seed and a script always give the same transcript. With --autoplay, a bot plays N
+// games of NAME to their end and the figures of how they went are printed.
+#include <fcntl.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <algorithm>
 #include <string>
 
+#include "Autoplay.h"
 #include "ScriptRunner.h"
 #include "engine/RandomSequence.h"
 #include "platform/CommandLine.h"
 
 namespace {
 
-constexpr const char* kHelp =
+constexpr const char* kUsage =
     "usage: tolvar-sim [--seed N] [--rules FILE] [SCRIPT]\n"
-    "Plays the game engine without a window, driven by the script SCRIPT (or standard\n"
-    "input), and prints the engine's diagnostics.\n"
-    "\n"
-    "  --seed N      fix the random sequence (board, refills, flash)\n"
-    "  --rules FILE  read the games from FILE instead of the data folder\n"
-    "  --help        show this help and exit\n"
-    "  --version     show the version and exit\n";
+    "       tolvar-sim --autoplay N --game NAME [--player random|greedy] [--jobs J] [--csv FILE]\n"
+    "                  [--seed N] [--rules FILE]\n";
 
-int usage(const char* why) {
-    std::fprintf(stderr, "tolvar-sim: %s\nusage: tolvar-sim [--seed N] [--rules FILE] [SCRIPT]\n",
-                 why);
+constexpr const char* kOptions =
+    "Plays the game engine without windows from a script of commands (standard input when no SCRIPT\n"
+    "is given) and prints the engine's diagnostic lines.\n\n"
+    "options:\n"
+    "  --seed N       the random sequence's seed (the time of day when not given); with --autoplay,\n"
+    "                 game i plays with seed N + i (N is 1 when not given)\n"
+    "  --rules FILE   the games of FILE instead of the data folder's \"RulesDict.dict\"\n"
+    "  --autoplay N   a bot plays N games of the --game to their end; prints the scores (min,\n"
+    "                 quartiles, max, mean), moves per game, the share of games that end by\n"
+    "                 themselves and of boards cleared, and games per second\n"
+    "  --game NAME    the title of the game the bot plays\n"
+    "  --player P     random (any move the game takes, the default) or greedy (the move that scores\n"
+    "                 best at once, in the game's own direction)\n"
+    "  --jobs J       J processes play the games (1 by default); the figures do not depend on J\n"
+    "  --csv FILE     also writes one line per game: game, seed, score, moves, ended, cleared\n"
+    "  --help         this text\n"
+    "  --version      the version\n\n"
+    "script commands:\n";
+
+int usage(const std::string& why) {
+    std::fprintf(stderr, "tolvar-sim: %s\n%s", why.c_str(), kUsage);
     return 2;
+}
+
+bool parseNumber(const char* text, unsigned long& out) {
+    char* end = nullptr;
+    errno = 0;
+    out = std::strtoul(text, &end, 10);
+    return end != text && *end == '\0' && errno == 0 && text[0] != '-';
+}
+
+struct CommandLine {
+    bool seeded = false;
+    unsigned long seed = 0;
+    std::string rulesFile, scriptFile;
+    bool autoplay = false;
+    tolvar::sim::AutoplayOptions bench;
+};
+
+// Reads the options into line; returns an empty text, or why the command line is wrong.
+std::string parseCommandLine(int argc, char** argv, CommandLine& line) {
+    unsigned long jobs = 1;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        auto value = [&]() -> const char* { return ++i < argc ? argv[i] : nullptr; };
+        if (arg == "--seed") {
+            const char* v = value();
+            if (!v || !parseNumber(v, line.seed)) return "--seed needs a number";
+            line.seeded = true;
+        } else if (arg == "--rules") {
+            const char* v = value();
+            if (!v) return "--rules needs a file";
+            line.rulesFile = v;
+        } else if (arg == "--autoplay") {
+            const char* v = value();
+            if (!v || !parseNumber(v, line.bench.games) || line.bench.games == 0)
+                return "--autoplay needs a number of games";
+            line.autoplay = true;
+        } else if (arg == "--game") {
+            const char* v = value();
+            if (!v) return "--game needs a title";
+            line.bench.title = v;
+        } else if (arg == "--player") {
+            const char* v = value();
+            const std::string player = v ? v : "";
+            if (player != "random" && player != "greedy") return "--player needs random or greedy";
+            line.bench.player = player == "greedy" ? tolvar::sim::Player::Greedy : tolvar::sim::Player::Random;
+        } else if (arg == "--jobs") {
+            const char* v = value();
+            if (!v || !parseNumber(v, jobs) || jobs == 0 || jobs > 256) return "--jobs needs a number from 1 to 256";
+            line.bench.jobs = static_cast<unsigned>(jobs);
+        } else if (arg == "--csv") {
+            const char* v = value();
+            if (!v) return "--csv needs a file";
+            line.bench.csvFile = v;
+        } else if (arg.size() > 1 && arg[0] == '-') {
+            return "unknown option " + arg;
+        } else if (line.scriptFile.empty()) {
+            line.scriptFile = arg;
+        } else {
+            return "only one script may be given";
+        }
+    }
+    if (line.autoplay && line.bench.title.empty()) return "--autoplay needs --game NAME";
+    if (line.autoplay && !line.scriptFile.empty()) return "--autoplay plays no script";
+    if (!line.autoplay && (!line.bench.title.empty() || !line.bench.csvFile.empty() || jobs != 1))
+        return "--game, --player, --jobs and --csv go with --autoplay";
+    return {};
 }
 
 }  // namespace
@@ -38,61 +123,61 @@ int main(int argc, char** argv) {
     // Line-buffered output, so the diagnostics and the runner's errors interleave sanely
     // when both go to one pipe.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
-    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar-sim", kHelp)) return 0;
 
-    bool seeded = false;
-    unsigned long seed = 0;
-    std::string rulesFile, scriptFile;
-    bool haveRules = false, haveScript = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string arg = argv[i];
-        if (arg == "--seed") {
-            if (++i >= argc) return usage("--seed needs a number");
-            char* end = nullptr;
-            errno = 0;
-            seed = std::strtoul(argv[i], &end, 10);
-            if (end == argv[i] || *end != '\0' || errno != 0 || argv[i][0] == '-')
-                return usage("--seed needs a number");
-            seeded = true;
-        } else if (arg == "--rules") {
-            if (++i >= argc) return usage("--rules needs a file");
-            rulesFile = argv[i];
-            haveRules = true;
-        } else if (arg.size() > 1 && arg[0] == '-') {
-            return usage(("unknown option " + arg).c_str());
-        } else if (!haveScript) {
-            scriptFile = arg;
-            haveScript = true;
-        } else {
-            return usage("only one script may be given");
-        }
-    }
+    const std::string help = std::string(kUsage) + "\n" + kOptions + tolvar::sim::ScriptRunner::commandHelp();
+    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar-sim", help)) return 0;
 
-    if (seeded) {
-        tolvar::gameRandom().seed(static_cast<std::uint32_t>(seed));
+    CommandLine line;
+    if (const std::string why = parseCommandLine(argc, argv, line); !why.empty()) return usage(why);
+
+    if (line.seeded) {
+        tolvar::gameRandom().seed(static_cast<std::uint32_t>(line.seed));
     } else {
         timeval now{};
         gettimeofday(&now, nullptr);
         tolvar::gameRandom().seed(static_cast<std::uint32_t>(now.tv_usec));
     }
 
+    // The bench's table stands alone on standard output: the lines of setting up the data folder
+    // are not printed.
+    std::fflush(stdout);
+    const int savedOut = line.autoplay ? dup(STDOUT_FILENO) : -1;
+    if (savedOut >= 0) {
+        const int devNull = open("/dev/null", O_WRONLY);
+        if (devNull >= 0) dup2(devNull, STDOUT_FILENO), close(devNull);
+    }
     tolvar::GameLibrary library;
-    if (haveRules) {
-        if (!library.loadRulesFromFile(rulesFile)) {
+    if (!line.rulesFile.empty()) {
+        if (!library.loadRulesFromFile(line.rulesFile)) {
             std::fflush(stdout);
-            std::fprintf(stderr, "tolvar-sim: the rules file %s cannot be read\n", rulesFile.c_str());
+            std::fprintf(stderr, "tolvar-sim: the rules file %s cannot be read\n", line.rulesFile.c_str());
             return 2;
         }
     } else {
         library.setupGameSelections();
     }
 
+    std::fflush(stdout);
+    if (savedOut >= 0) dup2(savedOut, STDOUT_FILENO), close(savedOut);
+
+    if (line.autoplay) {
+        const auto& titles = library.gameMenu();
+        if (std::find(titles.begin() + 1, titles.end(), line.bench.title) == titles.end()) {
+            std::fflush(stdout);
+            std::fprintf(stderr, "tolvar-sim: no game titled \"%s\" in the game menu\n", line.bench.title.c_str());
+            return 2;
+        }
+        library.selectGame(line.bench.title);
+        if (line.seeded) line.bench.seed = line.seed;
+        return tolvar::sim::runAutoplay(library, line.bench);
+    }
+
     std::FILE* in = stdin;
-    if (haveScript) {
-        in = std::fopen(scriptFile.c_str(), "r");
+    if (!line.scriptFile.empty()) {
+        in = std::fopen(line.scriptFile.c_str(), "r");
         if (!in) {
             std::fflush(stdout);
-            std::fprintf(stderr, "tolvar-sim: cannot open the script %s: %s\n", scriptFile.c_str(),
+            std::fprintf(stderr, "tolvar-sim: cannot open the script %s: %s\n", line.scriptFile.c_str(),
                          std::strerror(errno));
             return 2;
         }
