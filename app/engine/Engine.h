@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "engine/Board.h"
-
 #include "engine/Host.h"
 #include "engine/View.h"
 #include "platform/PropertyList.h"

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "checker/RulesChecker.h"
+#include "platform/CommandLine.h"
 
 namespace {
 
@@ -15,14 +16,16 @@ constexpr const char* kUsage =
     "usage: tolvar-check [--json] FILE...\n"
     "Checks rules files and reports each problem as FILE:LINE:COLUMN: error|warning: GAME: KEY: message\n"
     "(a binary property list gives the path of keys instead of the line and column).\n"
-    "  --json   one JSON object per file: {\"file\", \"problems\": [{\"severity\", \"line\", \"column\",\n"
-    "           \"path\", \"game\", \"key\", \"message\"}]}\n"
-    "  --help   this text\n"
+    "  --json     one JSON object per file: {\"file\", \"problems\": [{\"severity\", \"line\", \"column\",\n"
+    "             \"path\", \"game\", \"key\", \"message\"}]}\n"
+    "  --help     this text\n"
+    "  --version  the version\n"
     "Exit status: 1 when a file has an error, 0 otherwise (warnings alone pass), 2 for a wrong command line.\n";
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar-check", kUsage)) return 0;
     bool json = false;
     std::vector<std::string> files;
     bool optionsDone = false;
@@ -32,9 +35,6 @@ int main(int argc, char** argv) {
             optionsDone = true;
         } else if (!optionsDone && arg == "--json") {
             json = true;
-        } else if (!optionsDone && (arg == "--help" || arg == "-h")) {
-            std::fputs(kUsage, stdout);
-            return 0;
         } else if (!optionsDone && arg.size() > 1 && arg[0] == '-') {
             std::fprintf(stderr, "tolvar-check: unknown option %s\n%s", arg.c_str(), kUsage);
             return 2;
