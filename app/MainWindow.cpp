@@ -23,8 +23,42 @@ std::string keyEquivalentLabel(std::int8_t key) {
 MainWindow::MainWindow(const std::string& fontFile, float fontPixels)
     : surface_("Tolvar", 60, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels) {}
 
+namespace {
+
+// "line 7, column 26: error: BoardWidth: ..." (the path of keys when the file has no lines).
+std::string problemLine(const checker::Problem& p) {
+    std::string where = p.at.line > 0 ? "line " + std::to_string(p.at.line) + ", column " + std::to_string(p.at.column)
+                                      : p.path;
+    if (!where.empty()) where += ": ";
+    return where + (p.severity == checker::Severity::Error ? "error: " : "warning: ") +
+           (p.key.empty() ? std::string() : p.key + ": ") + p.message;
+}
+
+}  // namespace
+
+void MainWindow::drawProblems(const GameLibrary& library, const RulesWatch& rules) {
+    const checker::CheckReport& report = rules.report();
+    std::vector<checker::Problem> shown = report.fileProblems();
+    if (library.currentRules())
+        for (checker::Problem& p : report.problemsOf(library.selectedTitle())) shown.push_back(std::move(p));
+    if (shown.empty()) return;
+    ImGui::Dummy(ImVec2(0, 6));
+    ImGui::Separator();
+    const bool unreadable = !report.rules.has_value();
+    const std::string heading = unreadable ? "The rules file " + rules.path() + " cannot be read:"
+                                           : "In " + rules.path() + ":";
+    ImGui::TextUnformatted(heading.c_str());
+    for (const checker::Problem& p : shown) {
+        const bool error = p.severity == checker::Severity::Error;
+        ImGui::PushStyleColor(ImGuiCol_Text, error ? ImVec4(0.75f, 0.0f, 0.0f, 1.0f) : ImVec4(0.6f, 0.4f, 0.0f, 1.0f));
+        ImGui::TextUnformatted(problemLine(p).c_str());
+        ImGui::PopStyleColor();
+    }
+}
+
 std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const ActionsMenu& menu,
-                                           bool gameRunning) {
+                                           bool gameRunning, const RulesWatch& rules) {
+    const bool refused = library.currentRules() && rules.refuses(library.selectedTitle());
     std::vector<ShellCommand> commands;
     surface_.beginFrame();
     const ImGuiIO& io = ImGui::GetIO();
@@ -37,7 +71,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
 
     if (ImGui::BeginMenuBar()) {
         if (ImGui::BeginMenu("Tolvar")) {
-            if (ImGui::MenuItem("Start Game", nullptr, false, library.currentRules() != nullptr))
+            if (ImGui::MenuItem("Start Game", nullptr, false, library.currentRules() != nullptr && !refused))
                 commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
             if (ImGui::MenuItem("Return to Main Window", "Return", false, gameRunning))
                 commands.push_back({ShellCommand::Kind::ReturnToMain, {}, -1});
@@ -88,6 +122,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::BeginChild("##description", ImVec2(0, -buttonsHeight), true, ImGuiWindowFlags_AlwaysUseWindowPadding);
     ImGui::PushTextWrapPos(0.0f);
     ImGui::TextUnformatted(library.descriptionText().c_str());
+    drawProblems(library, rules);
     ImGui::PopTextWrapPos();
     ImGui::EndChild();
     ImGui::PopStyleVar();
@@ -96,13 +131,20 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     // Start and Return sit at the bottom right, as in a dialog.
     const float buttonWidth = 120.0f;
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());
+    if (refused) {
+        ImGui::AlignTextToFramePadding();
+        ImGui::TextColored(ImVec4(0.75f, 0.0f, 0.0f, 1.0f), "Fix the errors above to play this game.");
+        ImGui::SameLine();
+    }
     const float right = ImGui::GetWindowContentRegionMax().x;
     ImGui::SetCursorPosX(right - 2 * buttonWidth - ImGui::GetStyle().ItemSpacing.x);
     if (ImGui::Button("Return", ImVec2(buttonWidth, 0)))
         commands.push_back({ShellCommand::Kind::ReturnToMain, {}, -1});
     ImGui::SameLine();
+    ImGui::BeginDisabled(refused);
     if (ImGui::Button("Start", ImVec2(buttonWidth, 0)))
         commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
+    ImGui::EndDisabled();
 
     ImGui::End();
     surface_.endFrame();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ImGuiSurface.h"
+#include "RulesWatch.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameLibrary.h"
 
@@ -34,10 +35,15 @@ public:
     bool valid() const { return surface_.valid(); }
     ImGuiSurface& surface() { return surface_; }
 
-    // One frame; returns what the player chose in it.
-    std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, bool gameRunning);
+    // One frame; returns what the player chose in it. Under the description stand what the
+    // checker found in the chosen game, or why the rules file cannot be read; a game with errors
+    // cannot be started.
+    std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, bool gameRunning,
+                                   const RulesWatch& rules);
 
 private:
+    void drawProblems(const GameLibrary& library, const RulesWatch& rules);
+
     ImGuiSurface surface_;
 };
 

@@ -3,6 +3,7 @@
 #include <GL/gl.h>
 #include <sys/time.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -19,7 +20,8 @@ namespace {
 constexpr double kEventTimerInterval = 0.033;
 constexpr double kScoresTimerInterval = 0.033;
 constexpr float kInterfaceFontPixels = 17.0f;
-constexpr int kMainWindowFramesPerChange = 3;  // ImGui settles hover and click states in a few frames
+constexpr int kMainWindowFramesPerChange = 3;
+constexpr double kRulesLookInterval = 1.0;  // how soon a saved rules file shows  // ImGui settles hover and click states in a few frames
 
 std::string interfaceFontFile() {
     for (const char* family : {"sans-serif", "DejaVu Sans", "Nimbus Sans"}) {
@@ -80,8 +82,9 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     if (!gameWindow || !gameWindow->valid()) return false;
     // 5. The background.
     view_->loadBGTexture();
-    // 7. The game menu.
-    library_.setupGameSelections();
+    // 7. The game menu, from a file that is looked at again each second.
+    rules_.load(library_);
+    timers_.schedule(kRulesLookInterval, [this] { reloadRulesWhenChanged(); });
 
     // The main window and the "Actions" pop-up of the game window.
     const std::string font = interfaceFontFile();
@@ -91,7 +94,33 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     if (!window->valid()) return false;
     showMainWindow();
     lastMenuSignature_ = menuSignature();
+    if (!startTitle_.empty()) {
+        const auto& titles = library_.gameMenu();
+        if (std::find(titles.begin() + 1, titles.end(), startTitle_) == titles.end()) {
+            std::fprintf(stderr, "tolvar: no game titled \"%s\" in %s\n", startTitle_.c_str(), rules_.path().c_str());
+        } else {
+            selectGame(startTitle_);
+            startGame();
+        }
+    }
     return true;
+}
+
+void TolvarAppDelegate::playFrom(const std::string& rulesFile, const std::string& gameTitle) {
+    rules_ = RulesWatch(rulesFile);
+    startTitle_ = gameTitle;
+}
+
+void TolvarAppDelegate::reloadRulesWhenChanged() {
+    if (!rules_.changedOnDisk()) return;
+    rules_.load(library_);
+    std::size_t errors = 0, warnings = 0;
+    for (const checker::Problem& p : rules_.report().problems)
+        ++(p.severity == checker::Severity::Error ? errors : warnings);
+    std::fprintf(stderr, "Tolvar: %s changed: %zu games, %zu errors, %zu warnings\n", rules_.path().c_str(),
+                 library_.allGameRules() ? library_.allGameRules()->asDictionary()->size() : std::size_t{0}, errors,
+                 warnings);
+    mainFrames_ = kMainWindowFramesPerChange;
 }
 
 void TolvarAppDelegate::initWindow() {
@@ -137,7 +166,7 @@ void TolvarAppDelegate::drawWindows() {
         --mainFrames_;
         if (window->surface().isVisible()) {
             const bool running = gameWindow && gameWindow->isVisible();
-            std::vector<ShellCommand> commands = window->draw(library_, menu_, running);
+            std::vector<ShellCommand> commands = window->draw(library_, menu_, running, rules_);
             gameWindow->makeCurrentContext();
             runCommands(commands);
         }
@@ -325,6 +354,8 @@ void TolvarAppDelegate::selectGame(const std::string& title) {
 }
 
 void TolvarAppDelegate::startGame() {
+    // A game with errors is not started; the main window lists them.
+    if (rules_.refuses(library_.selectedTitle())) return;
     gameWindow->makeCurrentContext();
     engine_->startGame(library_.currentRules(), menu_);
 }

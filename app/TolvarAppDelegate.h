@@ -9,6 +9,7 @@
 
 #include "MainWindow.h"
 #include "MyWindow.h"
+#include "RulesWatch.h"
 #include "engine/BoardLayout.h"
 #include "engine/Engine.h"
 #include "engine/Host.h"
@@ -27,6 +28,9 @@ public:
     TolvarAppDelegate(const TolvarAppDelegate&) = delete;
     TolvarAppDelegate& operator=(const TolvarAppDelegate&) = delete;
 
+    // Before start-up: play the games of rulesFile instead of the data folder's (which is then
+    // neither read nor written for rules), and start the game titled gameTitle at once when given.
+    void playFrom(const std::string& rulesFile, const std::string& gameTitle);
     // Start-up; false when no game window could be made.
     bool applicationDidFinishLaunching();
     // The run loop: returns when the player quits.
@@ -71,11 +75,15 @@ private:
     void answerWindowsDuringTick(int timeoutMs);
     bool answersDuringTick(const SDL_Event& event);
     std::string menuSignature() const;
+    // Reads the rules file again when it changed on disk (a look a second).
+    void reloadRulesWhenChanged();
 
     std::unique_ptr<MyWindow> gameWindow;
     std::unique_ptr<GameView> view_;
     std::unique_ptr<Engine> engine_;
     GameLibrary library_;
+    RulesWatch rules_;
+    std::string startTitle_;  // the game to start at once
     ActionsMenu menu_;
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<ActionsPopup> popup_;

@@ -12,9 +12,10 @@ add_executable(tolvar
   ${CMAKE_CURRENT_LIST_DIR}/TolvarAppDelegate.cpp
   ${CMAKE_CURRENT_LIST_DIR}/MyWindow.cpp
   ${CMAKE_CURRENT_LIST_DIR}/MainWindow.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/RulesWatch.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ImGuiSurface.cpp
 )
 target_include_directories(tolvar PRIVATE ${CMAKE_CURRENT_LIST_DIR})
-target_link_libraries(tolvar PRIVATE tolvar_shell_platform tolvar_presentation tolvar_engine
+target_link_libraries(tolvar PRIVATE tolvar_shell_platform tolvar_presentation tolvar_checker tolvar_engine
   tolvar_rules tolvar_platform_core tolvar_command_line tolvar_textures tolvar3d
   PkgConfig::SDL2 PkgConfig::GL PkgConfig::GLUT PkgConfig::IMGUI PkgConfig::FONTCONFIG)

@@ -8,7 +8,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from tolvar_driver import (MAIN_H, MAIN_PAD_X, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
+from tolvar_driver import (FRAME_H, MAIN_H, MAIN_PAD_X, MAIN_PAD_Y, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
                            POPUP_W, WIN_H, WIN_W, Failure, Tolvar, check, near)
 
 FRAME, SELECTED = (127, 63, 0), (151, 30, 30)  # the frame round the board, a selected piece's outline (lit)
@@ -182,10 +182,52 @@ def test_game_end(t):
     t.wait_shot(lambda s: full(lay.colours(s)), "a new board")
 
 
+def test_reload(t):
+    # The rules file is saved while the game runs: within a second the list and the problems change.
+    rules_path = os.path.join(t.folder, "RulesDict.dict")
+    mx, my = t.geometry(t.main)
+    box = (mx + 20, my + 150, mx + MAIN_W - 20, my + MAIN_H - 20)  # the description, what is found, the buttons
+
+    def reds(shot):  # error lines are drawn in dark red
+        return shot.count(*box, lambda p: near(p, (191, 0, 0), 40))
+
+    def save(games=None, text=None):  # as an editor saves: a new file renamed over the old one
+        with open(rules_path + ".new", "wb") as f:
+            f.write(text if text is not None else plistlib.dumps(games, sort_keys=False))
+        os.replace(rules_path + ".new", rules_path)
+
+    def changed(games, errors):
+        line = "changed: %d games, %d errors" % (games, errors)
+        t.wait_for(lambda: line in t.stdout(t.err_path), 5, "\"%s\" on standard error" % line)
+
+    t.choose_game(1)
+    t.wait_shot(lambda s: reds(s) == 0, "Vexamor without problems")
+    with open(rules_path, "rb") as f:
+        games = plistlib.load(f)
+    games["Vexamor"] = dict(games["Vexamor"], BoardWidth=300)
+    games["Wide"] = dict(games["Vexamor"], GameName="Wide")
+    save(games)
+    changed(4, 2)
+    t.wait_shot(lambda s: reds(s) > 30, "the chosen game's error in the main window")
+    # Start is refused: the game window stays hidden (checked once the next reload has been seen).
+    t.click(mx + MAIN_W - MAIN_PAD_X - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)
+    save(text=plistlib.dumps(games)[:200])
+    changed(0, 1)
+    t.wait_shot(lambda s: reds(s) > 30, "why the file cannot be read")
+    check(not t.mapped(t.game), "a game with errors was started")
+    games["Vexamor"]["BoardWidth"] = 8
+    save(games)
+    changed(4, 1)
+    t.choose_game(1)
+    t.wait_shot(lambda s: reds(s) == 0, "Vexamor without problems again")
+    lay = t.start(1, 8, 8)
+    check(full(lay.colours(t.shot())), "Vexamor plays after the fix")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
-    parser.add_argument("--test", required=True, choices=("play", "game_end"))
+    parser.add_argument("--test", required=True, choices=("play", "game_end", "reload"))
     args = parser.parse_args()
     t = Tolvar(os.path.abspath(args.program), args.test)
     try:
