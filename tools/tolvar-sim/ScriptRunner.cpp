@@ -107,6 +107,8 @@ const char* ScriptRunner::commandHelp() {
            "  new                a new board of the running game, as Escape deals it\n"
            "  hint               the cells of a move the game's end test finds\n"
            "  cursor             where the keyboard cursor is\n"
+           "  save FILE, continue FILE\n"
+           "                     write the unfinished game to FILE, or continue the game saved there\n"
            "  show               the board as the player sees it: top row first, empty cells '.',\n"
            "                     selected pieces in brackets\n"
            "  board              the game's own colour dump: one line per column, bottom first\n"
