@@ -9,7 +9,7 @@ import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from tolvar_driver import (FRAME_H, MAIN_H, MAIN_PAD_X, MAIN_PAD_Y, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
-                           POPUP_W, WIN_H, WIN_W, Failure, Tolvar, check, near)
+                           POPUP_W, WIN_H, WIN_W, Failure, Layout, Tolvar, check, near)
 
 FRAME, SELECTED = (127, 63, 0), (151, 30, 30)  # the frame round the board, a selected piece's outline (lit)
 SCORE_TEXT, SCORE_HIGHLIGHT = (127, 0, 127), (191, 0, 191)
@@ -233,8 +233,9 @@ def test_reload(t):
     changed(4, 1)
     choose_vexamor()
     t.wait_shot(lambda s: reds(s) == 0, "Vexamor without problems again")
-    lay = t.start(1, 8, 8)
-    check(full(lay.colours(t.shot())), "Vexamor plays after the fix")
+    t.press_start()  # Vexamor is chosen already
+    lay = Layout(8, 8, t.geometry(t.game))
+    t.wait_shot(lambda s: full(lay.colours(s)), "Vexamor's board after the fix")
 
 
 def main():
