@@ -45,7 +45,7 @@ struct Engine::Impl {
 
     // Acts on one input and records what it changed as a move.
     void play(const PlayerInput& in, bool redoing) {
-        history.beforeInput(ctx, in);
+        history.beforeInput(ctx);
         if (!in.fromMenu) {
             input.handleEvent(in.event);
         } else if (const SupportedUserEvent* u = input.charIsUserAction(in.menuCharacter)) {

@@ -2,7 +2,7 @@
 
 namespace tolvar {
 
-void MoveHistory::beforeInput(const EngineContext& ctx, const PlayerInput&) {
+void MoveHistory::beforeInput(const EngineContext& ctx) {
     if (!open_) open_ = Move{takeSnapshot(ctx), {}};
 }
 
@@ -13,8 +13,16 @@ void MoveHistory::afterInput(const EngineContext& ctx, const PlayerInput& input,
     Move move = std::move(*open_);
     open_.reset();
     if (takeSnapshot(ctx).sameGameAs(move.before)) return;
+    if (!redoing) {
+        for (const Move& m : undone_) cellsKept_ -= m.before.board.size();
+        undone_.clear();
+    }
+    cellsKept_ += move.before.board.size();
     done_.push_back(std::move(move));
-    if (!redoing) undone_.clear();
+    while (cellsKept_ > kCellsKept && done_.size() > 1) {
+        cellsKept_ -= done_.front().before.board.size();
+        done_.pop_front();
+    }
 }
 
 const Move* MoveHistory::undo() {
@@ -30,6 +38,7 @@ std::optional<Move> MoveHistory::takeRedo() {
     if (undone_.empty()) return std::nullopt;
     Move move = std::move(undone_.back());
     undone_.pop_back();
+    cellsKept_ -= move.before.board.size();
     return move;
 }
 
@@ -37,6 +46,7 @@ void MoveHistory::forget() {
     open_.reset();
     done_.clear();
     undone_.clear();
+    cellsKept_ = 0;
 }
 
 }  // namespace tolvar

@@ -7,7 +7,9 @@
 // changes the board, refills and prints exactly what it did the first time.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <vector>
 
@@ -31,9 +33,13 @@ struct Move {
 
 class MoveHistory {
 public:
+    // Every kept move holds a copy of the board; past this many cells in all, the oldest moves
+    // go (on an 8 x 8 board that is over 30,000 moves, on 255 x 255 about 30).
+    static constexpr std::size_t kCellsKept = 2'000'000;
+
     // Before an input is acted on: opens a move with the game as it is now, unless the move
     // of a gesture is still open.
-    void beforeInput(const EngineContext& ctx, const PlayerInput& input);
+    void beforeInput(const EngineContext& ctx);
     // After it: a mouse-down leaves its move open for the mouse-up; any other input closes it,
     // and the move is kept when the game changed. A new move (not a redo) forgets what was
     // undone.
@@ -50,8 +56,9 @@ public:
 
 private:
     std::optional<Move> open_;
-    std::vector<Move> done_;
+    std::deque<Move> done_;
     std::vector<Move> undone_;
+    std::size_t cellsKept_ = 0;  // board cells held by done_ and undone_
 };
 
 }  // namespace tolvar

@@ -169,6 +169,10 @@ std::variant<GameSnapshot, std::string> snapshotFromSavedGame(const Value& saved
         p.red = std::bit_cast<float>(static_cast<std::uint32_t>(at(6)));
         p.green = std::bit_cast<float>(static_cast<std::uint32_t>(at(7)));
         p.blue = std::bit_cast<float>(static_cast<std::uint32_t>(at(8)));
+        // Every cell knows its own place; the board's walks rely on it.
+        const std::size_t place = s.board.size();
+        if (game.boardHeight == 0 || p.x != place / game.boardHeight || p.y != place % game.boardHeight)
+            read.fail("a cell of its board is out of place");
         s.board.push_back(p);
     }
     s.score = static_cast<std::uint64_t>(read.integer("Score"));

@@ -2,3 +2,8 @@
 tolvar_fuzz_target(fuzz_best_scores
   SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/engine/BestScoresFuzz.cpp
   LIBS tolvar_engine)
+
+# Random bytes as a saved game, continued with the built-in games' rules.
+tolvar_fuzz_target(fuzz_saved_game
+  SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/engine/SavedGameFuzz.cpp
+  LIBS tolvar_engine)

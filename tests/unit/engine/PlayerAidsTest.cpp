@@ -7,6 +7,7 @@
 #include "engine/BoardSetup.h"
 #include "engine/Completion.h"
 #include "engine/Engine.h"
+#include "engine/MoveHistory.h"
 #include "engine/RandomSequence.h"
 #include "platform/PlistFile.h"
 #include "rules/BuiltinGames.h"
@@ -135,7 +136,33 @@ TEST_F(PlayerAidsTest, NewBoardsAndTheEndOfAGameForgetTheMoves) {
     ASSERT_TRUE(engine.canUndo() && engine.hasUnfinishedGame());
     tick();
     EXPECT_EQ(engine.gamePaused(), 1);
-    EXPECT_FALSE(engine.canUndo() || engine.undo() || engine.hasUnfinishedGame() || engine.savedGame());
+    EXPECT_FALSE(engine.canUndo() || engine.undo() || engine.hasUnfinishedGame() || engine.savedGame() ||
+                 engine.resumeGame());
+}
+
+TEST_F(PlayerAidsTest, AGameLeftForTheMainWindowIsShownAgainAsItWas) {
+    start(smallVexamor(), kSmall);
+    click({2, 0}, {2, 0});
+    key(kKeyUpArrow);
+    engine.returnToMain();
+    EXPECT_TRUE(host.mainWindowShown && !host.gameWindowShown);
+    EXPECT_FALSE(engine.cursor());
+    ASSERT_TRUE(engine.hasUnfinishedGame());
+    EXPECT_TRUE(engine.resumeGame());
+    EXPECT_TRUE(!host.mainWindowShown && host.gameWindowShown);
+    EXPECT_EQ(picture(), "12|12|33 sel 2");
+    EXPECT_TRUE(engine.undo()) << "its moves are kept too";
+}
+
+TEST_F(PlayerAidsTest, OnAHugeBoardTheOldestMovesGoFirst) {
+    start(with(createTestGameOne(), {{"BoardWidth", 255}, {"BoardHeight", 255}}), {});
+    const std::size_t kept = MoveHistory::kCellsKept / gameInfo->board.size();
+    const BoardCell cell = engine.hint().front();
+    for (std::size_t i = 0; i < kept + 3; ++i) click(cell, cell);  // selects and deselects
+    std::size_t undone = 0;
+    while (engine.undo()) ++undone;
+    EXPECT_EQ(undone, kept);
+    EXPECT_EQ(kept, 30u);
 }
 
 TEST_F(PlayerAidsTest, ADragInASwapGameIsOneMoveAndRedoSwapsAgain) {
@@ -250,6 +277,12 @@ TEST_F(PlayerAidsTest, ASavedGameGoesOnExactlyAndDamagedOrChangedOnesAreRefused)
     const std::pair<Value, std::string> refused[] = {
         {damaged("RulesFingerprint", Value::string("0")), "the game's rules have changed since it was saved."},
         {damaged("Board", Value::array({})), "its board is not of the game's size."},
+        {damaged("Board", [&] {
+             Array cells = *text.asDictionary()->find("Board")->asArray();
+             std::swap(cells[0], cells[1]);
+             return Value::array(std::move(cells));
+         }()),
+         "a cell of its board is out of place."},
         {damaged("Score", Value::string("7")), "\"Score\" is missing or not a whole number."},
         {damaged("RandomFront", Value::integer(40)), "its random sequence is not complete."},
         {damaged("Variables", Value::array({Value::integer(1), Value::integer(2)})),
