@@ -3,7 +3,8 @@
 checks undo, redo and a game saved part way and continued in a new process:
 - undoing every move gives back the starting board and score;
 - redoing them all gives the final board, score and the very same transcript;
-- saving after move k and continuing in another process gives the uninterrupted transcript.
+- saving after move k and continuing in another process gives the uninterrupted transcript;
+- the same game played from the keyboard alone (arrows and Enter) gives the same transcript.
 
     run_undo_save.py TOLVAR_SIM"""
 import os, plistlib, random, re, subprocess, sys, tempfile  # noqa: E401
@@ -78,12 +79,13 @@ def longest_run(cells, at):
 
 
 def moves(name, cells, size):
-    """Every move a player could make now: (its input lines, how many undoable moves it is)."""
+    """Every move a player could make now: (its input lines, how many undoable moves it is, the
+    cells it clicks)."""
     found, others = [], []
     if name == "Vexamor":
         for c in sorted(cells):
             if len(region(cells, c)) >= 2:
-                found.append(([f"click {centre(size, *c)}", "key space"], 2))
+                found.append(([f"click {centre(size, *c)}", "key space"], 2, [c]))
         return found
     for a in sorted(cells):
         for b in ((a[0] + 1, a[1]), (a[0], a[1] + 1)):
@@ -94,7 +96,7 @@ def moves(name, cells, size):
             joins = (len(region(swapped, a)) >= 2 or len(region(swapped, b)) >= 2
                      if name == "Trindle" else
                      longest_run(swapped, a) >= 3 or longest_run(swapped, b) >= 3)
-            drag = ([f"drag {centre(size, *a)} {centre(size, *b)}"], 1)
+            drag = ([f"drag {centre(size, *a)} {centre(size, *b)}"], 1, [a, b])
             if joins:
                 found.append(drag)
             elif name == "Trindle":
@@ -121,6 +123,23 @@ def play_to_end(name, seed, size):
     return steps
 
 
+def keyboard(steps, size):
+    """The steps played with the cursor: arrows to each cell the mouse would click and Enter; a
+    drag is Enter on its first cell and Enter on its neighbour. Other keys stay as they are."""
+    at = [size[0] // 2, size[1] // 2]
+    lines = ["key up"]  # the first arrow shows the cursor in the middle
+    for step in steps:
+        for cell in step[2]:
+            for axis, more, less in ((0, "right", "left"), (1, "up", "down")):
+                while at[axis] != cell[axis]:
+                    forward = cell[axis] > at[axis]
+                    lines.append("key " + (more if forward else less))
+                    at[axis] += 1 if forward else -1
+            lines.append("key enter")
+        lines += [line for line in step[0] if line.startswith("key ")] + ["tick"]
+    return lines
+
+
 SIZES = {"Vexamor": (8, 8), "Trindle": (12, 12), "Glimmet": (8, 8)}
 for name, seed in GAMES:
     steps = play_to_end(name, seed, SIZES[name])
@@ -142,6 +161,9 @@ for name, seed in GAMES:
     check(undone == want, f"{name}: undo all and redo all ({len(steps)} steps, {count} moves) "
           "do not give the starting board and then the same transcript")
     print(f"{name}: {len(steps)} steps, {count} moves undone and redone")
+
+    keys = fresh(head + keyboard(steps, SIZES[name]) + show, seed)
+    check(keys == whole, f"{name}: the game played from the keyboard gives another transcript")
 
     # Saved after move k, continued by another process with another seed.
     with tempfile.TemporaryDirectory() as keep:
