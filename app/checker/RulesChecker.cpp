@@ -84,9 +84,13 @@ CheckReport checkRulesText(const std::string& bytes) {
     if (games->empty())
         report.problems.push_back(fileProblem(rootNode ? rootNode->at : TextPosition{binary ? 0 : 1, 1},
                                               "the file holds no game; expected a dictionary of games"));
-    for (const auto& [title, rules] : games->entries()) {
-        TextPosition keyAt;
-        const XmlNode* node = rootNode ? rootNode->valueOf(title, &keyAt) : nullptr;
+    const auto& entries = games->entries();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const auto& [title, rules] = entries[i];
+        // The games stand in the file's order, so the i-th key is almost always this game's.
+        const bool inOrder = rootNode && i < rootNode->keys.size() && i < rootNode->items.size() &&
+                             rootNode->keys[i] == title;
+        const XmlNode* node = inOrder ? &rootNode->items[i] : rootNode ? rootNode->valueOf(title) : nullptr;
         for (Problem& p : checkGame(title, rules, node)) report.problems.push_back(std::move(p));
     }
     report.rules = root;
