@@ -82,16 +82,15 @@ public:
     // Keeping a game. hasUnfinishedGame: a game has a board and its best-score check has not
     // run. resumeGame: shows that game again as it was left (after returnToMain); false when
     // there is none. savedGame: that game as a property list with everything needed to go on
-    // exactly, for the shell to write (nothing without one); after a tick that the player's
-    // quit stopped part way, the game as it was before that tick, which then runs again in
-    // full when the game is continued. continueGame: shows a saved game
-    // as startGame shows a new one, with rules, the current rules dictionary of its title
-    // (savedGameTitle; nullptr when the rules file has no such game); returns an empty text,
-    // or, when it cannot be continued (its rules changed, the file is damaged), why, as a
+    // exactly, for the shell to write to kSavedGameFileName in the data folder (nothing without
+    // one); after a tick that the player's quit stopped part way, the game as it was before that
+    // tick, which then runs again in full when the game is continued. continueGame: shows a
+    // saved game as startGame shows a new one, with rules, the current rules dictionary of its
+    // title (savedGameTitle; nullptr when the rules file has no such game); returns an empty
+    // text, or, when it cannot be continued (its rules changed, the file is damaged), why, as a
     // sentence for the player; the running game is then left as it was.
-    bool hasUnfinishedGame() const;
-    // The saved game's file in the data folder.
     static constexpr const char* kSavedGameFileName = "SavedGame.dict";
+    bool hasUnfinishedGame() const;
     bool resumeGame();
     std::optional<Value> savedGame() const;
     std::string continueGame(const Value& saved, const Value* rules, ActionsMenu& menu);

@@ -18,6 +18,7 @@
 #include "engine/Completion.h"
 #include "engine/Engine.h"
 #include "engine/EngineContext.h"
+#include "engine/GameSnapshot.h"
 #include "engine/QuietShell.h"
 #include "engine/RandomSequence.h"
 #include "rules/BuiltinGames.h"
@@ -179,6 +180,24 @@ void BM_RegionCountOneColour(benchmark::State& state) {
     gameInfo.reset();
 }
 BENCHMARK(BM_RegionCountOneColour)->Unit(benchmark::kMicrosecond);
+
+// What undo costs a move: the snapshot taken before it and the comparison after it that tells
+// whether the move changed the game ("Vexamor" rules).
+void BM_MoveSnapshot(benchmark::State& state) {
+    {
+        Silence quiet;
+        installGame(1, static_cast<int>(state.range(0)));
+    }
+    QuietView view;
+    QuietHost host;
+    EngineContext ctx(view, host);
+    for (auto _ : state) {
+        const GameSnapshot before = takeSnapshot(ctx);
+        benchmark::DoNotOptimize(takeSnapshot(ctx).sameGameAs(before));
+    }
+    gameInfo.reset();
+}
+BENCHMARK(BM_MoveSnapshot)->Arg(8)->Arg(64)->Arg(255)->Unit(benchmark::kMicrosecond);
 
 // A whole game of the small line-swap scenario, from its script, through the engine facade.
 void BM_WholeGameFromScript(benchmark::State& state) {
