@@ -157,6 +157,8 @@ void ImGuiSurface::endFrame() {
     glClearColor(0.94f, 0.94f, 0.95f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
     ImGui_ImplOpenGL2_RenderDrawData(ImGui::GetDrawData());
+    // The font's pixels live on in the texture made for the first frame.
+    io.Fonts->ClearTexData();
     SDL_GL_SwapWindow(window_.get());
 }
 

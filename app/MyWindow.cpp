@@ -9,7 +9,7 @@
 namespace tolvar {
 
 namespace {
-void setGameWindowAttributes(int samples) {
+void setGameWindowAttributes() {
     SDL_GL_ResetAttributes();
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_COMPATIBILITY);
     SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 0);
@@ -18,26 +18,19 @@ void setGameWindowAttributes(int samples) {
     SDL_GL_SetAttribute(SDL_GL_GREEN_SIZE, 8);
     SDL_GL_SetAttribute(SDL_GL_BLUE_SIZE, 8);
     SDL_GL_SetAttribute(SDL_GL_ALPHA_SIZE, 8);
-    SDL_GL_SetAttribute(SDL_GL_MULTISAMPLEBUFFERS, samples > 0 ? 1 : 0);
-    SDL_GL_SetAttribute(SDL_GL_MULTISAMPLESAMPLES, samples);
+    // No multisample buffers: in a software renderer they would cost a third of the program's
+    // memory and double the time to make the context.
+    SDL_GL_SetAttribute(SDL_GL_MULTISAMPLEBUFFERS, 0);
+    SDL_GL_SetAttribute(SDL_GL_MULTISAMPLESAMPLES, 0);
     // Hardware acceleration is welcome but not required: software renderers must do.
 }
 }  // namespace
 
 MyWindow::MyWindow(const std::string& title, int width, int height) {
-    const Uint32 flags = SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN;
-    for (int samples : {4, 0}) {
-        setGameWindowAttributes(samples);
-        window_.reset(SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
-                                       width, height, flags));
-        if (!window_) continue;
-        context_.reset(SDL_GL_CreateContext(window_.get()));
-        if (context_) {
-            samples_ = samples;
-            break;
-        }
-        window_.reset();
-    }
+    setGameWindowAttributes();
+    window_.reset(SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width, height,
+                                   SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN));
+    if (window_) context_.reset(SDL_GL_CreateContext(window_.get()));
     if (!valid())
         std::fprintf(stderr, "tolvar: could not make the game window's OpenGL context: %s\n", SDL_GetError());
 }

@@ -18,8 +18,8 @@ class Engine;
 class MyWindow {
 public:
     // Makes the window (titled, not resizable, not yet shown) and its context: depth buffer,
-    // 24-bit colour, 8-bit alpha, 4 samples when the system can (else none), single-buffered,
-    // compatibility profile, hardware acceleration not required. Check valid() afterwards.
+    // 24-bit colour, 8-bit alpha, no multisampling, single-buffered, compatibility profile,
+    // hardware acceleration not required. Check valid() afterwards.
     MyWindow(const std::string& title, int width, int height);
     ~MyWindow();
     MyWindow(const MyWindow&) = delete;
@@ -28,7 +28,6 @@ public:
     bool valid() const { return window_ && context_; }
     SDL_Window* sdlWindow() const { return window_.get(); }
     Uint32 windowID() const;
-    int samples() const { return samples_; }
 
     void makeCurrentContext();
     // Completes a frame of the single-buffered context.
@@ -51,7 +50,6 @@ public:
 private:
     SdlWindowPtr window_;
     SdlGlContextPtr context_;
-    int samples_ = 0;
 };
 
 }  // namespace tolvar

@@ -77,32 +77,17 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
 
     // 3. The piece sprites: every slot empty.
     view_->clearPieceSprites(1);
-    // 4. The game window with its context and fixed state.
-    initWindow();
-    if (!gameWindow || !gameWindow->valid()) return false;
-    // 5. The background.
-    view_->loadBGTexture();
-    // 7. The game menu, from a file that is looked at again each second.
+    // 4. The game menu, from a file that is looked at again each second.
     rules_.load(library_);
     timers_.schedule(kRulesLookInterval, [this] { reloadRulesWhenChanged(); });
 
-    // The main window and the "Actions" pop-up of the game window.
-    const std::string font = interfaceFontFile();
-    window = std::make_unique<MainWindow>(font, kInterfaceFontPixels);
-    popup_ = std::make_unique<ActionsPopup>(font, kInterfaceFontPixels);
-    gameWindow->makeCurrentContext();
+    // Only the main window is made before it shows; the game window follows once it is up
+    // (initWindow), and the "Actions" pop-up when it is first opened.
+    interfaceFont_ = interfaceFontFile();
+    window = std::make_unique<MainWindow>(interfaceFont_, kInterfaceFontPixels);
     if (!window->valid()) return false;
     showMainWindow();
     lastMenuSignature_ = menuSignature();
-    if (!startTitle_.empty()) {
-        const auto& titles = library_.gameMenu();
-        if (std::find(titles.begin() + 1, titles.end(), startTitle_) == titles.end()) {
-            std::fprintf(stderr, "tolvar: no game titled \"%s\" in %s\n", startTitle_.c_str(), rules_.path().c_str());
-        } else {
-            selectGame(startTitle_);
-            startGame();
-        }
-    }
     return true;
 }
 
@@ -123,18 +108,35 @@ void TolvarAppDelegate::reloadRulesWhenChanged() {
     mainFrames_ = kMainWindowFramesPerChange;
 }
 
-void TolvarAppDelegate::initWindow() {
-    gameWindow = std::make_unique<MyWindow>("Tolvar", static_cast<int>(winWidth), static_cast<int>(winHeight));
-    if (!gameWindow->valid()) return;
-    // The context is made on the hidden window: nothing is seen before Start.
+bool TolvarAppDelegate::initWindow() {
+    // The game window with its context and fixed state, made hidden: nothing is seen before Start.
+    gameWindow = std::make_unique<MyWindow>("", static_cast<int>(winWidth), static_cast<int>(winHeight));
+    if (!gameWindow->valid()) return false;
     gameWindow->makeCurrentContext();
     view_->initWindowState();
     gameWindow->center();
+    // The background.
+    view_->loadBGTexture();
+    // Named once it is ready to show a game.
+    SDL_SetWindowTitle(gameWindow->sdlWindow(), "Tolvar");
+    return true;
 }
 
 // ---------------------------------------------------------------- the run loop
 
 int TolvarAppDelegate::run() {
+    // The main window's first frame goes up before anything else is made.
+    drawWindows();
+    if (!initWindow()) return 1;
+    if (!startTitle_.empty()) {
+        const auto& titles = library_.gameMenu();
+        if (std::find(titles.begin() + 1, titles.end(), startTitle_) == titles.end()) {
+            std::fprintf(stderr, "tolvar: no game titled \"%s\" in %s\n", startTitle_.c_str(), rules_.path().c_str());
+        } else {
+            selectGame(startTitle_);
+            startGame();
+        }
+    }
     while (!quit_) {
         int timeoutMs = -1;
         const double untilTimer = timers_.secondsUntilNextDue();
@@ -167,7 +169,7 @@ void TolvarAppDelegate::drawWindows() {
         if (window->surface().isVisible()) {
             const bool running = gameWindow && gameWindow->isVisible();
             std::vector<ShellCommand> commands = window->draw(library_, menu_, running, rules_);
-            gameWindow->makeCurrentContext();
+            if (gameWindow) gameWindow->makeCurrentContext();
             runCommands(commands);
         }
     }
@@ -289,6 +291,10 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         // A click anywhere in the game window closes an open pop-up; the right button opens it.
         if (popup_ && popup_->isOpen() && (current->type == kEventTypeMouseDown || current->type == kEventTypeRightMouseDown))
             closePopup();
+        if (current->type == kEventTypeRightMouseDown && !popup_) {
+            popup_ = std::make_unique<ActionsPopup>(interfaceFont_, kInterfaceFontPixels);
+            gameWindow->makeCurrentContext();
+        }
         if (current->type == kEventTypeRightMouseDown && popup_) {
             int gx = 0, gy = 0;
             SDL_GetGlobalMouseState(&gx, &gy);

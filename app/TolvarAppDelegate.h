@@ -31,9 +31,10 @@ public:
     // Before start-up: play the games of rulesFile instead of the data folder's (which is then
     // neither read nor written for rules), and start the game titled gameTitle at once when given.
     void playFrom(const std::string& rulesFile, const std::string& gameTitle);
-    // Start-up; false when no game window could be made.
+    // Start-up: the main window; false when it could not be made.
     bool applicationDidFinishLaunching();
-    // The run loop: returns when the player quits.
+    // The run loop: makes the game window once the main window is up (status 1 when it cannot be
+    // made), and returns when the player quits.
     int run();
 
     // The main window's actions.
@@ -59,7 +60,7 @@ public:
     bool quitRequested() override;
 
 private:
-    void initWindow();
+    bool initWindow();
     void dispatch(const SDL_Event& event);
     void keyShortcuts(const SDL_Event& event, Uint32 windowID);
     // Ctrl (or Super) with Q quits, with W leaves the game window.
@@ -95,6 +96,7 @@ private:
     Timers::Id scoresTimer = 0;
     Value scoresList_;
 
+    std::string interfaceFont_;  // the font file of the main window and the pop-up
     CurrentEvent currentEvent_;
     bool quit_ = false;
     std::vector<SDL_Event> heldEvents_;  // events that wait for the tick to end

@@ -126,29 +126,35 @@ void GameView::loadBGTextureFromFile(const std::string& path) {
                      path.c_str(), IMG_GetError());
         return;
     }
-    SurfacePtr rgba(SDL_ConvertSurfaceFormat(image.get(), SDL_PIXELFORMAT_RGBA32, 0));
-    if (!rgba || rgba->w <= 0 || rgba->h <= 0) {
+    // Bytes in R, G, B (and A) order go up as they are; any other layout is converted first, so
+    // the decoded image is not copied once more on its way to the texture.
+    const Uint32 layout = image->format->format;
+    const bool direct = layout == SDL_PIXELFORMAT_RGB24 || layout == SDL_PIXELFORMAT_RGBA32;
+    SurfacePtr converted(direct ? nullptr : SDL_ConvertSurfaceFormat(image.get(), SDL_PIXELFORMAT_RGBA32, 0));
+    SDL_Surface* pixels = direct ? image.get() : converted.get();
+    if (!pixels || pixels->w <= 0 || pixels->h <= 0) {
         std::fprintf(stderr, "%s: cannot convert the background image to RGBA (%s); the background stays black\n",
                      path.c_str(), SDL_GetError());
         return;
     }
-    if (SDL_MUSTLOCK(rgba.get()) && SDL_LockSurface(rgba.get()) != 0) {
+    if (SDL_MUSTLOCK(pixels) && SDL_LockSurface(pixels) != 0) {
         std::fprintf(stderr, "%s: cannot read the background image's pixels (%s); the background stays black\n",
                      path.c_str(), SDL_GetError());
         return;
     }
+    const int bytesPerPixel = pixels->format->BytesPerPixel;
 
     GLuint name = 0;
     glGenTextures(1, &name);
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, rgba->pitch / 4);
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, pixels->pitch / bytesPerPixel);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glBindTexture(GL_TEXTURE_RECTANGLE_ARB, name);
     glTexParameteri(GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     // The image's first row becomes texture row 0, which the frame puts at the window's bottom.
-    glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, GL_RGBA8, rgba->w, rgba->h, 0, GL_RGBA, GL_UNSIGNED_BYTE,
-                 rgba->pixels);
+    glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, GL_RGBA8, pixels->w, pixels->h, 0, bytesPerPixel == 3 ? GL_RGB : GL_RGBA,
+                 GL_UNSIGNED_BYTE, pixels->pixels);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
-    if (SDL_MUSTLOCK(rgba.get())) SDL_UnlockSurface(rgba.get());
+    if (SDL_MUSTLOCK(pixels)) SDL_UnlockSurface(pixels);
     bgTexture_ = name;
 }
 

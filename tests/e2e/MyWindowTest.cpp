@@ -46,10 +46,9 @@ TEST_F(GameWindow, IsTitledFixedAndSingleBufferedWithALegacyContext) {
     EXPECT_EQ(attr(SDL_GL_RED_SIZE) + attr(SDL_GL_GREEN_SIZE) + attr(SDL_GL_BLUE_SIZE), 24);
     EXPECT_EQ(attr(SDL_GL_ALPHA_SIZE), 8);
     EXPECT_NE(attr(SDL_GL_CONTEXT_PROFILE_MASK), SDL_GL_CONTEXT_PROFILE_CORE);
-    EXPECT_TRUE(window.samples() == 4 || window.samples() == 0);
     GLint samples = -1;
     glGetIntegerv(GL_SAMPLES, &samples);
-    EXPECT_EQ(samples, window.samples()) << "the context has the samples that were asked for";
+    EXPECT_EQ(samples, 0) << "no multisample buffers";
 
     // A pixel painted at (100, 50) shows 100 pixels from the left and 50 from the bottom once flushed.
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);

@@ -135,8 +135,8 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
             self.proc = subprocess.Popen([self.program], env=self.env, cwd=self.work, stdout=out, stderr=err)
         self.main = self.wait_for(lambda: self.find_window(MAIN_W, MAIN_H, True), 60, "the main window")
         self.startup_seconds = time.monotonic() - t0
-        self.game = self.find_window(WIN_W, WIN_H)
-        check(self.game, "no game window was made")
+        # The game window is made, hidden, once the main window is up; it takes its name when ready.
+        self.game = self.wait_for(lambda: self.find_window(WIN_W, WIN_H, name="Tolvar"), 60, "the game window")
 
     def finish(self):  # as the desktop ends it: SIGTERM, taken as Quit
         check(self.proc.poll() is None, "the program is still running at the end")
@@ -223,9 +223,9 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
         info = self.xwininfo("-id", wid)
         return tuple(int(re.search(r"Absolute upper-left %s:\s+(-?\d+)" % a, info)[1]) for a in "XY")
 
-    def find_window(self, w, h, mapped=None):
-        return next((wid for wid, _n, ww, hh in self.windows()
-                     if (ww, hh) == (w, h) and mapped in (None, self.mapped(wid))), None)
+    def find_window(self, w, h, mapped=None, name=None):
+        return next((wid for wid, n, ww, hh in self.windows()
+                     if (ww, hh) == (w, h) and name in (None, n) and mapped in (None, self.mapped(wid))), None)
 
     def alerts(self):  # mapped windows that are none of the game's own, with their titles
         return [(wid, name) for wid, name, w, h in self.windows()
