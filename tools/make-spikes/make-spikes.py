@@ -7,9 +7,12 @@ that is either an icosahedron corner or a face centre, and two corners on the or
 Those 32 corners are pulled out to SPIKE_RADIUS, so the 180 triangles form 32 pointed spikes
 (12 five-sided, 20 six-sided) that cover the whole ball.
 
-Every face is wound counter-clockwise seen from outside, so (c1 - c0) x (c2 - c0) points
-outward; a triangle repeats its third corner as the fourth. Coordinates always carry a decimal
-point and lines end in a single LF.
+Every face is wound clockwise seen from outside, so (c1 - c0) x (c2 - c0), the normal the
+game's reader makes, points into the ball. The game window looks along +z (a larger z lies
+farther), keeps counter-clockwise front faces and lights the models from +z: with this winding
+the half that faces the player is the half it draws, lit, and the spikes stand out. A triangle
+repeats its third corner as the fourth. Coordinates always carry a decimal point and lines end
+in a single LF.
 
     tools/make-spikes/make-spikes.py [OUTPUT]   (default: resources/Spikes.dxf)
 """
@@ -76,7 +79,7 @@ def spiky_triangles():
     for t in triangles:
         normal = cross(sub(t[1], t[0]), sub(t[2], t[0]))
         middle = tuple(sum(p[i] for p in t) / 3 for i in range(3))
-        wound.append(t if dot(normal, middle) > 0 else (t[0], t[2], t[1]))
+        wound.append(t if dot(normal, middle) < 0 else (t[0], t[2], t[1]))
     return wound
 
 

@@ -85,6 +85,29 @@ TEST_F(GameViewTest, FrameAndPiecesStandAtTheirComputedPlaces) {
     }
 }
 
+TEST_F(GameViewTest, ASpikyPieceAloneCoversItsCellsCentreInItsColour) {
+    // The model's near half faces the player and is lit: its middle never shows the nebula
+    // through a hole, drawn with the board or alone as a one-cell redraw or a falling step.
+    view.loadBGTexture();
+    ASSERT_NE(view.bgTexture(), 0u);
+    for (const int side : {1, 4, 8, 12}) {
+        for (const int colour : {0, 1, 2}) {
+            SCOPED_TRACE(testing::Message() << side << " x " << side << ", colour " << colour);
+            makeGame(side, side, 1);
+            for (BoardPiece& p : gameInfo->board) p.pieceID = 0;
+            BoardPiece& piece = cell(side / 2, side / 2);
+            piece.pieceID = 1, piece.red = colour == 0, piece.green = colour == 1, piece.blue = colour == 2;
+            const Rect r = cellRect(side / 2, side / 2);
+            const int cx = (r.x0 + r.x1) / 2, cy = (r.y0 + r.y1) / 2;
+            view.setNeedsDisplay();
+            view.drawBoard();
+            EXPECT_TRUE(looksLike(pixelAt(cx, cy), piece)) << "with the board";
+            view.drawIndividualPiece(&piece);
+            EXPECT_TRUE(looksLike(pixelAt(cx, cy), piece)) << "alone in its cell";
+        }
+    }
+}
+
 TEST_F(GameViewTest, AllTenFiguresShowDespiteBackFaceCullingOnABlackWindow) {
     makeGame(12, 1, 2, false);
     for (int x = 0; x < 12; ++x) {

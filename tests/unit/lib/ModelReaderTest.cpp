@@ -109,6 +109,8 @@ TEST(Resources, TheShippedModelAndAMissingOne) {
     for (std::uint32_t k = 0; k < s.vertexCount / 4; ++k) {
         const float *v = &s.vertices[k * 12], *n = &s.normals[k * 12];
         EXPECT_TRUE(v[6] == v[9] && v[7] == v[10] && v[8] == v[11]) << "face " << k << " is a triangle";
-        EXPECT_GT(n[0] * (v[0] + v[3] + v[6]) + n[1] * (v[1] + v[4] + v[7]) + n[2] * (v[2] + v[5] + v[8]), 0.0f) << k;
+        // Wound clockwise seen from outside: the normal points into the ball, toward the lights
+        // of the half the player sees.
+        EXPECT_LT(n[0] * (v[0] + v[3] + v[6]) + n[1] * (v[1] + v[4] + v[7]) + n[2] * (v[2] + v[5] + v[8]), 0.0f) << k;
     }
 }
