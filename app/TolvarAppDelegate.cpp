@@ -173,9 +173,9 @@ void TolvarAppDelegate::drawWindows() {
             runCommands(commands);
         }
     }
-    if (popup_ && popupFrames_ > 0) {
+    if (popupFrames_ > 0) {
         --popupFrames_;
-        if (popup_->isOpen()) {
+        if (popup_ && popup_->isOpen()) {
             const int chosen = popup_->draw(menu_);
             gameWindow->makeCurrentContext();
             if (chosen >= 0) {

@@ -407,6 +407,8 @@ void GameView::drawPiece(const BoardPiece* piece, float X, float Y, float width,
     }
 
     if (piece->selected) {
+        // The outline shows the select colour itself, unlit, whatever normal the model left behind.
+        glDisable(GL_LIGHTING);
         glLineWidth(2.0f);
         glColor3f(gSelectColor.red, gSelectColor.green, gSelectColor.blue);
         glBegin(GL_LINE_STRIP);
@@ -417,6 +419,7 @@ void GameView::drawPiece(const BoardPiece* piece, float X, float Y, float width,
         glVertex2f(X - 1, Y - 1);
         glEnd();
         glLineWidth(1.0f);
+        glEnable(GL_LIGHTING);
     }
 }
 

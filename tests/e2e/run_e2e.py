@@ -11,7 +11,7 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from tolvar_driver import (FRAME_H, MAIN_H, MAIN_PAD_X, MAIN_PAD_Y, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
                            POPUP_W, WIN_H, WIN_W, Failure, Layout, Tolvar, check, near)
 
-FRAME, SELECTED = (127, 63, 0), (151, 30, 30)  # the frame round the board, a selected piece's outline (lit)
+FRAME, SELECTED = (127, 63, 0), (127, 25, 25)  # the frame round the board, a selected piece's outline
 SCORE_TEXT, SCORE_HIGHLIGHT = (127, 0, 127), (191, 0, 191)
 
 

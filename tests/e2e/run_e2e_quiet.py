@@ -1,0 +1,139 @@
+#!/usr/bin/env python3
+"""The real game at rest and while it plays its removal flash, under its own Xvfb:
+run_e2e_quiet.py --program build/bin/tolvar --test rest|close_in_flash|quit_in_flash"""
+
+import argparse
+import ctypes
+import os
+import sys
+import time
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from run_e2e import outline_pixels  # noqa: E402
+from tolvar_driver import XLIB, Failure, Tolvar, check  # noqa: E402
+
+MAP_NOTIFY, SUBSTRUCTURE_NOTIFY = 19, 1 << 19
+
+
+class MapWatch:
+    """Every window the X server maps on the display from now on, seen as MapNotify events of the root."""
+    class Event(ctypes.Structure):
+        _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                    ("display", ctypes.c_void_p), ("event", ctypes.c_ulong), ("window", ctypes.c_ulong),
+                    ("pad", ctypes.c_long * 20)]
+
+    def __init__(self, display):
+        XLIB.XOpenDisplay.argtypes = [ctypes.c_char_p]
+        self.dpy = XLIB.XOpenDisplay(display.encode())
+        check(self.dpy, "no connection to watch the windows")
+        XLIB.XSelectInput.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_long]
+        XLIB.XPending.argtypes = [ctypes.c_void_p]
+        XLIB.XNextEvent.argtypes = [ctypes.c_void_p, ctypes.c_void_p]
+        XLIB.XSelectInput(self.dpy, XLIB.XDefaultRootWindow(self.dpy), SUBSTRUCTURE_NOTIFY)
+        XLIB.XSync.argtypes = [ctypes.c_void_p, ctypes.c_int]
+        XLIB.XSync(self.dpy, 0)
+        self.mapped = []
+
+    def read(self):
+        event = self.Event()
+        while XLIB.XPending(self.dpy):
+            XLIB.XNextEvent(self.dpy, ctypes.byref(event))
+            if event.type == MAP_NOTIFY:
+                self.mapped.append(event.window)
+        return self.mapped
+
+    def close(self):
+        XLIB.XCloseDisplay(self.dpy)
+
+
+def during_flash(t, act):
+    """Selects a region of two or more, presses the space bar and acts once its outline flashes
+    (six colours in 0.6 s, then the pieces go). A flash that ends before the act is tried again
+    on the next region; returns whether the act came in time."""
+    lay = t.start(1, 8, 8)
+    for _ in range(4):
+        colours, n = lay.colours(t.shot()), 8
+        cell = next(((x, y) for x in range(n) for y in range(n) for nx, ny in ((x + 1, y), (x, y + 1))
+                     if nx < n and ny < n and colours[x][y] and colours[x][y] == colours[nx][ny]), None)
+        check(cell, "no region of two on the board")
+        t.click(*lay.centre(*cell))
+        t.wait_shot(lambda s: outline_pixels(s, lay, *cell) > 20, "the selection's outline")
+        removals = t.stdout().count("processing event 2")
+        t.xdo("key", "space")
+        t.wait_shot(lambda s: outline_pixels(s, lay, *cell) < 5, "the flash", 5)
+        if t.stdout().count("processing event 2") == removals:
+            act()
+            return True
+        t.settle()
+    return False
+
+
+def test_rest(t, watch):
+    lay = t.start(1, 8, 8)
+    check(lay, "no board")
+    time.sleep(0.5)
+    rest = t.cpu_percent(3.0)
+    check(rest < 2.0, "a board at rest uses %.1f %% of a core" % rest)
+
+
+def test_close_in_flash(t, watch):
+    """The window manager's close of the game window during the flash: the main window comes
+    back, and the program then quits cleanly."""
+    check(during_flash(t, lambda: send_delete(t, t.game)), "every flash was over before the close")
+    t.wait_for(lambda: t.mapped(t.main), 10, "the main window after closing the game window")
+    t.wait_for(lambda: not t.mapped(t.game), 10, "the game window to close")
+    t.quit()
+
+
+def test_quit_in_flash(t, watch):
+    """SIGTERM, as the desktop sends it, during the flash ends the program cleanly."""
+    check(during_flash(t, t.proc.terminate), "every flash was over before the quit")
+    t.ended()
+
+
+def send_delete(t, wid):
+    """A WM_DELETE_WINDOW message to window wid, as a window manager's close button sends it."""
+    class ClientMessage(ctypes.Structure):
+        _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                    ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
+                    ("format", ctypes.c_int), ("data", ctypes.c_long * 5), ("pad", ctypes.c_long * 12)]
+    XLIB.XInternAtom.restype = ctypes.c_ulong
+    XLIB.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+    XLIB.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p]
+    XLIB.XFlush.argtypes = [ctypes.c_void_p]
+    window = int(wid, 16)
+    message = ClientMessage(type=33, send_event=1, window=window, format=32,
+                            message_type=XLIB.XInternAtom(t.dpy, b"WM_PROTOCOLS", 0))
+    message.data[0] = XLIB.XInternAtom(t.dpy, b"WM_DELETE_WINDOW", 0)
+    XLIB.XSendEvent(t.dpy, window, 0, 0, ctypes.byref(message))
+    XLIB.XFlush(t.dpy)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--test", required=True, choices=("rest", "close_in_flash", "quit_in_flash"))
+    args = parser.parse_args()
+    t = Tolvar(os.path.abspath(args.program), "quiet-" + args.test)
+    watch = None
+    try:
+        # Windows mapped from launch on: only the main window, until Start.
+        t.quit()
+        watch = MapWatch(t.display)
+        t.launch()
+        game = int(t.game, 16)
+        check(game not in watch.read(), "the game window was shown before Start")
+        globals()["test_" + args.test](t, watch)
+        if t.proc.poll() is None:
+            t.finish()
+    except Failure as e:
+        sys.exit("FAILED %s: %s" % (args.test, e))
+    finally:
+        if watch:
+            watch.close()
+        t.close()
+    print("passed", args.test)
+
+
+if __name__ == "__main__":
+    main()
