@@ -5,11 +5,11 @@ run_e2e_quiet.py --program build/bin/tolvar --test rest|close_in_flash|quit_in_f
 import argparse
 import ctypes
 import os
+import re
 import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from run_e2e import outline_pixels  # noqa: E402
 from tolvar_driver import XLIB, Failure, Tolvar, check  # noqa: E402
 
 MAP_NOTIFY, SUBSTRUCTURE_NOTIFY = 19, 1 << 19
@@ -46,22 +46,25 @@ class MapWatch:
         XLIB.XCloseDisplay(self.dpy)
 
 
+def flash_began(lines):
+    """The selection test before a flash: "piece count up = N, min pieces = M" with N >= M."""
+    counts = [re.match(r"piece count \w+ = (\d+), min pieces = (\d+)", line) for line in lines]
+    return any(m and int(m[1]) >= int(m[2]) for m in counts)
+
+
 def during_flash(t, act):
-    """Selects a region of two or more, presses the space bar and acts once its outline flashes
-    (six colours in 0.6 s, then the pieces go). A flash that ends before the act is tried again
-    on the next region; returns whether the act came in time."""
-    lay = t.start(1, 8, 8)
-    for _ in range(4):
-        colours, n = lay.colours(t.shot()), 8
-        cell = next(((x, y) for x in range(n) for y in range(n) for nx, ny in ((x + 1, y), (x, y + 1))
-                     if nx < n and ny < n and colours[x][y] and colours[x][y] == colours[nx][ny]), None)
-        check(cell, "no region of two on the board")
-        t.click(*lay.centre(*cell))
-        t.wait_shot(lambda s: outline_pixels(s, lay, *cell) > 20, "the selection's outline")
-        removals = t.stdout().count("processing event 2")
-        t.xdo("key", "space")
-        t.wait_shot(lambda s: outline_pixels(s, lay, *cell) < 5, "the flash", 5)
-        if t.stdout().count("processing event 2") == removals:
+    """Swaps neighbours of two colours in "Trindle" until a group of two forms, and acts while it
+    flashes (six colours in 0.6 s, then the pieces go). Returns whether the act came in time."""
+    lay = t.start(2, 12, 12)
+    for attempt in range(8):
+        colours = lay.colours(t.shot())
+        x, y = next((x, y) for x in range(11) for y in range(attempt, 12)
+                    if colours[x][y] and colours[x + 1][y] and colours[x][y] != colours[x + 1][y])
+        seen, removed = len(t.stdout().splitlines()), t.stdout().count("Removing piece")
+        (x0, y0), (x1, y1) = lay.centre(x, y), lay.centre(x + 1, y)
+        t.xdo("mousemove", int(x0), int(y0), "mousedown", 1, "mousemove", int(x1), int(y1), "mouseup", 1)
+        t.wait_for(lambda: "piece count" in "".join(t.stdout().splitlines()[seen:]), 10, "the swap")
+        if flash_began(t.stdout().splitlines()[seen:]) and t.stdout().count("Removing piece") == removed:
             act()
             return True
         t.settle()
