@@ -154,6 +154,7 @@ void ImGuiSurface::endFrame() {
     ImGui::Render();
     ImGuiIO& io = ImGui::GetIO();
     glViewport(0, 0, static_cast<int>(io.DisplaySize.x), static_cast<int>(io.DisplaySize.y));
+    glDisable(GL_SCISSOR_TEST);  // the whole window, whatever the game's picture left set
     glClearColor(0.94f, 0.94f, 0.95f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
     ImGui_ImplOpenGL2_RenderDrawData(ImGui::GetDrawData());

@@ -4,22 +4,6 @@
 
 namespace tolvar {
 
-std::string keyEquivalentLabel(std::int8_t key) {
-    switch (key) {
-        case 0: return {};
-        case ' ': return "Space";
-        case 27: return "Esc";
-        case '\r': return "Return";
-        case '\t': return "Tab";
-        case 127: return "Delete";
-        default: break;
-    }
-    const unsigned char c = static_cast<unsigned char>(key);
-    if (c < 32 || c > 126) return "#" + std::to_string(static_cast<int>(c));
-    if (c >= 'a' && c <= 'z') return std::string(1, static_cast<char>(c - 'a' + 'A'));
-    return std::string(1, static_cast<char>(c));
-}
-
 MainWindow::MainWindow(const std::string& fontFile, float fontPixels)
     : surface_("Tolvar", 60, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels) {}
 
@@ -57,7 +41,7 @@ void MainWindow::drawProblems(const GameLibrary& library, const RulesWatch& rule
 }
 
 std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const ActionsMenu& menu,
-                                           bool gameRunning, const RulesWatch& rules) {
+                                           const GameMenuState& game, bool gameRunning, const RulesWatch& rules) {
     const bool refused = library.currentRules() && rules.refuses(library.selectedTitle());
     std::vector<ShellCommand> commands;
     surface_.beginFrame();
@@ -73,7 +57,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
         if (ImGui::BeginMenu("Tolvar")) {
             if (ImGui::MenuItem("Start Game", nullptr, false, library.currentRules() != nullptr && !refused))
                 commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
-            if (ImGui::MenuItem("Return to Main Window", "Return", false, gameRunning))
+            if (ImGui::MenuItem("Return to Main Window", "Ctrl+W", false, gameRunning))
                 commands.push_back({ShellCommand::Kind::ReturnToMain, {}, -1});
             ImGui::Separator();
             if (ImGui::MenuItem("Quit", "Ctrl+Q")) commands.push_back({ShellCommand::Kind::Quit, {}, -1});
@@ -88,6 +72,19 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
                                     item.enabled))
                     commands.push_back({ShellCommand::Kind::MenuAction, {}, i});
             }
+            ImGui::EndMenu();
+        }
+        if (ImGui::BeginMenu("Game")) {
+            for (const GameMenuItem& item : gameMenuItems())
+                if (ImGui::MenuItem(item.title, item.keys, false, game.enabled(item.command)))
+                    commands.push_back({ShellCommand::Kind::Program, {}, -1, item.command});
+            ImGui::EndMenu();
+        }
+        if (ImGui::BeginMenu("Help")) {
+            if (ImGui::MenuItem("Game Help", "F1"))
+                commands.push_back({ShellCommand::Kind::Program, {}, -1, ProgramCommand::Help});
+            if (ImGui::MenuItem("About Tolvar"))
+                commands.push_back({ShellCommand::Kind::Program, {}, -1, ProgramCommand::About});
             ImGui::EndMenu();
         }
         ImGui::EndMenuBar();
@@ -172,8 +169,33 @@ void ActionsPopup::openAt(int x, int y) {
 
 void ActionsPopup::close() { surface_.hide(); }
 
-int ActionsPopup::draw(const ActionsMenu& menu) {
-    int chosen = -1;
+namespace {
+// One row of the pop-up: its title at the left, its keys at the right, grey when not possible.
+bool popupRow(const char* id, float y, float width, const std::string& title, const std::string& keys, bool enabled) {
+    const float rowHeight = static_cast<float>(ActionsPopup::kRowHeight);
+    ImGui::SetCursorPos(ImVec2(0, y));
+    const ImGuiSelectableFlags flags = enabled ? 0 : ImGuiSelectableFlags_Disabled;
+    const bool chosen = ImGui::Selectable(id, false, flags, ImVec2(width, rowHeight)) && enabled;
+    const float textY = y + (rowHeight - ImGui::GetTextLineHeight()) * 0.5f;
+    ImGui::PushStyleColor(ImGuiCol_Text, ImGui::GetStyleColorVec4(enabled ? ImGuiCol_Text : ImGuiCol_TextDisabled));
+    ImGui::SetCursorPos(ImVec2(16, textY));
+    ImGui::TextUnformatted(title.c_str());
+    if (!keys.empty()) {
+        ImGui::SetCursorPos(ImVec2(width - 16 - ImGui::CalcTextSize(keys.c_str()).x, textY));
+        ImGui::TextUnformatted(keys.c_str());
+    }
+    ImGui::PopStyleColor();
+    return chosen;
+}
+
+void popupSeparator(float y) {
+    ImGui::SetCursorPos(ImVec2(8, y + ActionsPopup::kSeparatorHeight / 2.0f));
+    ImGui::Separator();
+}
+}  // namespace
+
+ActionsPopup::Choice ActionsPopup::draw(const ActionsMenu& menu, const GameMenuState& game) {
+    Choice choice;
     surface_.beginFrame();
     const ImGuiIO& io = ImGui::GetIO();
     ImGui::SetNextWindowPos(ImVec2(0, 0));
@@ -184,43 +206,35 @@ int ActionsPopup::draw(const ActionsMenu& menu) {
     ImGui::Begin("##actions", nullptr,
                  ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings);
     const float width = io.DisplaySize.x;
-    for (int i = 0; i < ActionsMenu::kItemCount; ++i) {
+    float y = static_cast<float>(kPadding);
+    for (int i = 0; i < ActionsMenu::kItemCount; ++i, y += kRowHeight) {
         const ActionsMenuItem& item = menu.item(i);
-        const bool enabled = menu.enabled() && item.enabled;
-        ImGui::SetCursorPos(ImVec2(0, static_cast<float>(kPadding + i * kRowHeight)));
         const std::string id = "##item" + std::to_string(i);
-        ImGuiSelectableFlags flags = enabled ? 0 : ImGuiSelectableFlags_Disabled;
-        if (ImGui::Selectable(id.c_str(), false, flags, ImVec2(width, static_cast<float>(kRowHeight))) && enabled)
-            chosen = i;
-        const float textY = static_cast<float>(kPadding + i * kRowHeight) +
-                            (static_cast<float>(kRowHeight) - ImGui::GetTextLineHeight()) * 0.5f;
-        ImGui::PushStyleColor(ImGuiCol_Text, ImGui::GetStyleColorVec4(enabled ? ImGuiCol_Text : ImGuiCol_TextDisabled));
-        ImGui::SetCursorPos(ImVec2(16, textY));
-        ImGui::TextUnformatted(item.title.c_str());
-        const std::string shortcut = keyEquivalentLabel(item.keyEquivalent);
-        if (!shortcut.empty()) {
-            const float w = ImGui::CalcTextSize(shortcut.c_str()).x;
-            ImGui::SetCursorPos(ImVec2(width - 16 - w, textY));
-            ImGui::TextUnformatted(shortcut.c_str());
+        if (popupRow(id.c_str(), y, width, item.title, keyEquivalentLabel(item.keyEquivalent),
+                     menu.enabled() && item.enabled)) {
+            choice.kind = Choice::Kind::Action;
+            choice.actionIndex = i;
         }
-        ImGui::PopStyleColor();
+    }
+    popupSeparator(y);
+    y += kSeparatorHeight;
+    for (const GameMenuItem& item : gameMenuItems()) {
+        const std::string id = std::string("##game") + item.title;
+        if (popupRow(id.c_str(), y, width, item.title, item.keys, game.enabled(item.command))) {
+            choice.kind = Choice::Kind::Game;
+            choice.command = item.command;
+        }
+        y += kRowHeight;
     }
     // Leaving the game, for a player whose main window is hidden.
-    const float separatorY = static_cast<float>(kPadding + ActionsMenu::kItemCount * kRowHeight);
-    ImGui::SetCursorPos(ImVec2(8, separatorY + kSeparatorHeight / 2.0f));
-    ImGui::Separator();
-    const float returnY = separatorY + kSeparatorHeight;
-    ImGui::SetCursorPos(ImVec2(0, returnY));
-    if (ImGui::Selectable("##return", false, 0, ImVec2(width, static_cast<float>(kRowHeight)))) chosen = kReturnToMain;
-    ImGui::SetCursorPos(ImVec2(16, returnY + (static_cast<float>(kRowHeight) - ImGui::GetTextLineHeight()) * 0.5f));
-    ImGui::TextUnformatted("Return to Main Window");
-    const float returnKeyWidth = ImGui::CalcTextSize("Return").x;
-    ImGui::SetCursorPos(ImVec2(width - 16 - returnKeyWidth, returnY + (static_cast<float>(kRowHeight) - ImGui::GetTextLineHeight()) * 0.5f));
-    ImGui::TextUnformatted("Return");
+    popupSeparator(y);
+    y += kSeparatorHeight;
+    if (popupRow("##return", y, width, "Return to Main Window", "Ctrl+W", true))
+        choice.kind = Choice::Kind::ReturnToMain;
     ImGui::End();
     ImGui::PopStyleVar(3);
     surface_.endFrame();
-    return chosen;
+    return choice;
 }
 
 }  // namespace tolvar

@@ -10,20 +10,19 @@
 
 #include "ImGuiSurface.h"
 #include "RulesWatch.h"
+#include "platform/ProgramKeys.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameLibrary.h"
 
 namespace tolvar {
 
 struct ShellCommand {
-    enum class Kind { SelectGame, StartGame, ReturnToMain, MenuAction, Quit };
+    enum class Kind { SelectGame, StartGame, ReturnToMain, MenuAction, Quit, Program };
     Kind kind;
     std::string title;   // SelectGame
     int itemIndex = -1;  // MenuAction
+    ProgramCommand command = ProgramCommand::None;  // Program: a "Game" or "Help" item
 };
-
-// The text shown beside a menu item for its key equivalent ("Space", "Esc", "A", ...).
-std::string keyEquivalentLabel(std::int8_t key);
 
 class MainWindow {
 public:
@@ -38,8 +37,8 @@ public:
     // One frame; returns what the player chose in it. Under the description stand what the
     // checker found in the chosen game, or why the rules file cannot be read; a game with errors
     // cannot be started.
-    std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, bool gameRunning,
-                                   const RulesWatch& rules);
+    std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, const GameMenuState& game,
+                                   bool gameRunning, const RulesWatch& rules);
 
 private:
     void drawProblems(const GameLibrary& library, const RulesWatch& rules);
@@ -54,9 +53,17 @@ public:
     static constexpr int kPadding = 6;
     static constexpr int kRowHeight = 30;
     static constexpr int kSeparatorHeight = 9;
-    // The "Actions" items, a separator, then "Return to Main Window".
-    static constexpr int kHeight = 2 * kPadding + (ActionsMenu::kItemCount + 1) * kRowHeight + kSeparatorHeight;
-    static constexpr int kReturnToMain = -2;
+    static constexpr int kGameItemCount = 4;
+    // The "Actions" items, a separator, the "Game" items, a separator, then "Return to Main Window".
+    static constexpr int kHeight =
+        2 * kPadding + (ActionsMenu::kItemCount + kGameItemCount + 1) * kRowHeight + 2 * kSeparatorHeight;
+
+    struct Choice {
+        enum class Kind { None, Action, Game, ReturnToMain };
+        Kind kind = Kind::None;
+        int actionIndex = -1;                           // Action
+        ProgramCommand command = ProgramCommand::None;  // Game
+    };
 
     ActionsPopup(const std::string& fontFile, float fontPixels);
 
@@ -67,8 +74,8 @@ public:
     void close();
     bool isOpen() const { return surface_.isVisible(); }
 
-    // One frame; returns the chosen item's index, kReturnToMain, or -1.
-    int draw(const ActionsMenu& menu);
+    // One frame; returns what was chosen in it.
+    Choice draw(const ActionsMenu& menu, const GameMenuState& game);
 
 private:
     ImGuiSurface surface_;

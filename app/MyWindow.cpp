@@ -2,6 +2,7 @@
 
 #include <SDL_opengl.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "engine/Engine.h"
@@ -29,10 +30,15 @@ void setGameWindowAttributes() {
 MyWindow::MyWindow(const std::string& title, int width, int height) {
     setGameWindowAttributes();
     window_.reset(SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width, height,
-                                   SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN));
+                                   SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE));
     if (window_) context_.reset(SDL_GL_CreateContext(window_.get()));
-    if (!valid())
+    if (!valid()) {
         std::fprintf(stderr, "tolvar: could not make the game window's OpenGL context: %s\n", SDL_GetError());
+        return;
+    }
+    pictureWidth_ = static_cast<float>(width);
+    pictureHeight_ = static_cast<float>(height);
+    SDL_SetWindowMinimumSize(window_.get(), width / 4, height / 4);
 }
 
 MyWindow::~MyWindow() {
@@ -42,8 +48,77 @@ MyWindow::~MyWindow() {
 
 Uint32 MyWindow::windowID() const { return window_ ? SDL_GetWindowID(window_.get()) : 0; }
 
+namespace {
+PictureFit fitInPixels(SDL_Window* window, float pictureWidth, float pictureHeight, bool drawable) {
+    int w = 0, h = 0;
+    if (drawable)
+        SDL_GL_GetDrawableSize(window, &w, &h);
+    else
+        SDL_GetWindowSize(window, &w, &h);
+    return PictureFit::within(w, h, pictureWidth, pictureHeight);
+}
+}  // namespace
+
 void MyWindow::makeCurrentContext() {
-    if (valid()) SDL_GL_MakeCurrent(window_.get(), context_.get());
+    if (!valid()) return;
+    SDL_GL_MakeCurrent(window_.get(), context_.get());
+    // The picture's units map onto its place in the window; nothing is drawn on the bars.
+    const PictureFit fit = fitInPixels(window_.get(), pictureWidth_, pictureHeight_, true);
+    glViewport(fit.x, fit.y, fit.width, fit.height);
+    glScissor(fit.x, fit.y, fit.width, fit.height);
+    glEnable(GL_SCISSOR_TEST);
+}
+
+PictureFit MyWindow::pictureFit() const {
+    if (!window_) return PictureFit::within(0, 0, pictureWidth_, pictureHeight_);
+    return fitInPixels(window_.get(), pictureWidth_, pictureHeight_, false);
+}
+
+void MyWindow::takeNewSize() {
+    if (!valid()) return;
+    makeCurrentContext();
+    // The driver sizes its buffers anew when a frame is shown.
+    flushBuffer();
+    glDisable(GL_SCISSOR_TEST);
+    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glEnable(GL_SCISSOR_TEST);
+}
+
+void MyWindow::toggleFullscreen() {
+    if (!window_) return;
+    SDL_Window* w = window_.get();
+    if (windowed_) {
+        SDL_SetWindowBordered(w, SDL_TRUE);
+        SDL_SetWindowSize(w, windowed_->w, windowed_->h);
+        SDL_SetWindowPosition(w, windowed_->x, windowed_->y);
+        windowed_.reset();
+        return;
+    }
+    // The whole screen, without title bar or borders: the same with or without a window manager.
+    SDL_Rect screen{0, 0, 0, 0};
+    if (SDL_GetDisplayBounds(std::max(0, SDL_GetWindowDisplayIndex(w)), &screen) != 0) return;
+    SDL_Rect before{0, 0, 0, 0};
+    SDL_GetWindowPosition(w, &before.x, &before.y);
+    SDL_GetWindowSize(w, &before.w, &before.h);
+    windowed_ = before;
+    SDL_SetWindowBordered(w, SDL_FALSE);
+    SDL_SetWindowPosition(w, screen.x, screen.y);
+    SDL_SetWindowSize(w, screen.w, screen.h);
+    SDL_RaiseWindow(w);
+}
+
+void MyWindow::fitToUsableArea() {
+    if (!window_) return;
+    const int display = std::max(0, SDL_GetWindowDisplayIndex(window_.get()));
+    SDL_Rect usable{0, 0, 0, 0};
+    if (SDL_GetDisplayUsableBounds(display, &usable) != 0 || usable.w <= 0 || usable.h <= 0) return;
+    // The title bar and borders, where the desktop tells them (it may only once the window shows).
+    int top = 0, left = 0, bottom = 0, right = 0;
+    if (SDL_GetWindowBordersSize(window_.get(), &top, &left, &bottom, &right) != 0) top = left = bottom = right = 0;
+    int w = 0, h = 0;
+    openingSize(pictureWidth_, pictureHeight_, usable.w, usable.h, left + right, top + bottom, w, h);
+    SDL_SetWindowSize(window_.get(), w, h);
 }
 
 void MyWindow::flushBuffer() {
@@ -72,6 +147,8 @@ void MyWindow::redisplay() {
     glDisable(GL_CULL_FACE);
     glReadBuffer(GL_FRONT);
     glDrawBuffer(GL_FRONT);
+    glViewport(0, 0, w, h);
+    glDisable(GL_SCISSOR_TEST);
     glRasterPos2i(0, 0);
     glCopyPixels(0, 0, w, h, GL_COLOR);
     glMatrixMode(GL_MODELVIEW);

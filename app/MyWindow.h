@@ -1,12 +1,14 @@
-// The game window: an SDL window with a 1024 x 768 content area and a single-buffered legacy
-// OpenGL context, and the game's own keys kept away from the menus.
+// The game window: a resizable SDL window showing the 1024 x 768 picture scaled to fit, with a
+// single-buffered legacy OpenGL context, and the game's own keys kept away from the menus.
 #pragma once
 
 #include <SDL.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "platform/PictureFit.h"
 #include "platform/SdlHandles.h"
 
 #include "engine/Host.h"
@@ -17,7 +19,7 @@ class Engine;
 
 class MyWindow {
 public:
-    // Makes the window (titled, not resizable, not yet shown) and its context: depth buffer,
+    // Makes the window (titled, resizable, not yet shown) and its context: depth buffer,
     // 24-bit colour, 8-bit alpha, no multisampling, single-buffered, compatibility profile,
     // hardware acceleration not required. Check valid() afterwards.
     MyWindow(const std::string& title, int width, int height);
@@ -29,7 +31,19 @@ public:
     SDL_Window* sdlWindow() const { return window_.get(); }
     Uint32 windowID() const;
 
+    // Makes the context current, drawing into the part of the window the picture fits in.
     void makeCurrentContext();
+    // Where the picture lies in the window now (in the window's points, for the mouse).
+    PictureFit pictureFit() const;
+    // After the window changed size: the context's buffers follow it, and the whole window is
+    // black, so the bars beside the picture are clean. The picture is to be drawn again.
+    void takeNewSize();
+    // Full screen on and off (F11).
+    void toggleFullscreen();
+    bool isFullscreen() const { return windowed_.has_value(); }
+    // The size the window opens at: the picture's own, or smaller where the screen's usable area
+    // (less panels) cannot hold it.
+    void fitToUsableArea();
     // Completes a frame of the single-buffered context.
     void flushBuffer();
     // The mouse in screen coordinates, origin at the lower left of the screen.
@@ -50,6 +64,9 @@ public:
 private:
     SdlWindowPtr window_;
     SdlGlContextPtr context_;
+    float pictureWidth_ = 0.0f;
+    float pictureHeight_ = 0.0f;
+    std::optional<SDL_Rect> windowed_;  // where the window was before it filled the screen
 };
 
 }  // namespace tolvar

@@ -19,9 +19,7 @@ namespace tolvar {
 namespace {
 constexpr double kEventTimerInterval = 0.033;
 constexpr double kScoresTimerInterval = 0.033;
-constexpr float kInterfaceFontPixels = 17.0f;
-constexpr int kMainWindowFramesPerChange = 3;
-constexpr double kRulesLookInterval = 1.0;  // how soon a saved rules file shows  // ImGui settles hover and click states in a few frames
+constexpr double kRulesLookInterval = 1.0;  // how soon a saved rules file shows
 
 std::string interfaceFontFile() {
     for (const char* family : {"sans-serif", "DejaVu Sans", "Nimbus Sans"}) {
@@ -41,6 +39,7 @@ TolvarAppDelegate::~TolvarAppDelegate() {
     engine_.reset();
     if (gameWindow) gameWindow->makeCurrentContext();
     view_.reset();
+    helpWindow_.reset();
     popup_.reset();
     window.reset();
     gameWindow.reset();
@@ -72,6 +71,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
         if (gameWindow) gameWindow->flushBuffer();
     };
     callbacks.hold = [this](double seconds) { holdFrame(seconds); };
+    callbacks.marks = [this] { return BoardMarks{engine_ ? engine_->cursor() : std::nullopt, hint_}; };
     view_ = std::make_unique<GameView>(*this, std::move(callbacks));
     engine_ = std::make_unique<Engine>(*view_, *this);
 
@@ -114,6 +114,7 @@ bool TolvarAppDelegate::initWindow() {
     if (!gameWindow->valid()) return false;
     gameWindow->makeCurrentContext();
     view_->initWindowState();
+    gameWindow->fitToUsableArea();
     gameWindow->center();
     // The background.
     view_->loadBGTexture();
@@ -141,7 +142,7 @@ int TolvarAppDelegate::run() {
         int timeoutMs = -1;
         const double untilTimer = timers_.secondsUntilNextDue();
         if (untilTimer >= 0.0) timeoutMs = static_cast<int>(std::ceil(untilTimer * 1000.0));
-        if (mainFrames_ > 0 || popupFrames_ > 0) timeoutMs = 0;
+        if (mainFrames_ > 0 || popupFrames_ > 0 || helpFrames_ > 0) timeoutMs = 0;
 
         SDL_Event event;
         const int got = timeoutMs < 0 ? SDL_WaitEvent(&event) : SDL_WaitEventTimeout(&event, timeoutMs);
@@ -168,22 +169,27 @@ void TolvarAppDelegate::drawWindows() {
         --mainFrames_;
         if (window->surface().isVisible()) {
             const bool running = gameWindow && gameWindow->isVisible();
-            std::vector<ShellCommand> commands = window->draw(library_, menu_, running, rules_);
+            std::vector<ShellCommand> commands = window->draw(library_, menu_, gameMenuState(), running, rules_);
             if (gameWindow) gameWindow->makeCurrentContext();
             runCommands(commands);
         }
     }
+    if (helpWindow_ && helpFrames_ > 0) {
+        --helpFrames_;
+        if (helpWindow_->isOpen() && !helpWindow_->draw()) helpWindow_->close();
+        if (gameWindow) gameWindow->makeCurrentContext();
+    }
     if (popupFrames_ > 0) {
         --popupFrames_;
         if (popup_ && popup_->isOpen()) {
-            const int chosen = popup_->draw(menu_);
+            const ActionsPopup::Choice chosen = popup_->draw(menu_, gameMenuState());
             gameWindow->makeCurrentContext();
-            if (chosen >= 0) {
-                closePopup();
-                checkMenuAction(chosen);
-            } else if (chosen == ActionsPopup::kReturnToMain) {
-                closePopup();
-                returnToMain();
+            if (chosen.kind != ActionsPopup::Choice::Kind::None) closePopup();
+            switch (chosen.kind) {
+                case ActionsPopup::Choice::Kind::None: break;
+                case ActionsPopup::Choice::Kind::Action: checkMenuAction(chosen.actionIndex); break;
+                case ActionsPopup::Choice::Kind::Game: runProgramCommand(chosen.command); break;
+                case ActionsPopup::Choice::Kind::ReturnToMain: returnToMain(); break;
             }
         }
     }
@@ -197,6 +203,7 @@ void TolvarAppDelegate::runCommands(const std::vector<ShellCommand>& commands) {
             case ShellCommand::Kind::ReturnToMain: returnToMain(); break;
             case ShellCommand::Kind::MenuAction: checkMenuAction(c.itemIndex); break;
             case ShellCommand::Kind::Quit: terminate(); break;
+            case ShellCommand::Kind::Program: runProgramCommand(c.command); break;
         }
         mainFrames_ = kMainWindowFramesPerChange;
     }
@@ -210,6 +217,8 @@ std::string TolvarAppDelegate::menuSignature() const {
         s += static_cast<char>(item.keyEquivalent);
     }
     s += gameWindow && gameWindow->isVisible() ? 'g' : 'm';
+    const GameMenuState game = gameMenuState();
+    for (const bool possible : {game.newGame, game.undo, game.redo, game.hint}) s += possible ? '+' : '-';
     return s;
 }
 
@@ -217,6 +226,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     const Uint32 gameID = gameWindow ? gameWindow->windowID() : 0;
     const Uint32 mainID = window ? window->surface().windowID() : 0;
     const Uint32 popupID = popup_ ? popup_->surface().windowID() : 0;
+    const Uint32 helpID = helpWindow_ ? helpWindow_->surface().windowID() : 0;
 
     if (event.type == SDL_QUIT) {
         terminate();
@@ -245,10 +255,26 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         gameWindow->redisplay();
         return;
     }
+    if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_SIZE_CHANGED && windowID == gameID) {
+        // A new size: bars cleared, the picture drawn whole at its new scale.
+        gameWindow->takeNewSize();
+        view_->redrawLastFrame();
+        return;
+    }
     if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_CLOSE) {
         if (windowID == gameID) returnToMain();
         else if (windowID == mainID) terminate();
         else if (windowID == popupID && popup_) closePopup();
+        else if (windowID == helpID && helpWindow_) helpWindow_->close();
+        return;
+    }
+    // The help window reads like a page: Escape or F1 closes it.
+    if (windowID == helpID && helpWindow_) {
+        if (event.type == SDL_KEYDOWN && (event.key.keysym.sym == SDLK_ESCAPE || event.key.keysym.sym == SDLK_F1)) {
+            helpWindow_->close();
+            return;
+        }
+        if (helpWindow_->surface().processEvent(event)) helpFrames_ = kMainWindowFramesPerChange;
         return;
     }
 
@@ -277,15 +303,18 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     }
 
     if (windowID != gameID && windowID != mainID) return;
-    const int height = windowID == gameID ? static_cast<int>(winHeight) : MainWindow::kHeight;
     // Ctrl, Alt or Super with a key is the program's, never the game's.
     if (event.type == SDL_KEYDOWN && translateKey(event.key).kind == KeyTranslation::Kind::Command) {
-        programCommand(event);
+        const bool inGame = windowID == gameID;
+        runProgramCommand(programCommandForKey(event.key.keysym.sym, event.key.keysym.mod, inGame, false));
         return;
     }
-    std::optional<CurrentEvent> current = currentEventFromSdl(event, height);
+    int windowHeight = MainWindow::kHeight;
+    if (windowID == gameID) SDL_GetWindowSize(gameWindow->sdlWindow(), nullptr, &windowHeight);
+    std::optional<CurrentEvent> current = currentEventFromSdl(event, windowHeight);
     if (!current) return;
-    currentEvent_ = *current;
+    // The game sees its points on the 1024 x 768 picture, wherever and however large it is shown.
+    if (windowID == gameID) gameWindow->pictureFit().toPicture(current->x, current->y, current->x, current->y);
 
     if (windowID == gameID) {
         // A click anywhere in the game window closes an open pop-up; the right button opens it.
@@ -302,43 +331,14 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
             popupFrames_ = kMainWindowFramesPerChange;
         }
     }
-    if (current->type == kEventTypeKeyDown) keyShortcuts(event, windowID);
+    // The hint shows until the next input.
+    if (windowID == gameID && (current->type == kEventTypeKeyDown || current->type == kEventTypeMouseDown))
+        clearHint();
+    // The program's own keys never reach the game as its key; the arrows and Return go to the
+    // keyboard cursor first.
+    if (current->type == kEventTypeKeyDown && keyShortcuts(event, *current, windowID)) return;
+    currentEvent_ = *current;
     checkUserEvents();
-}
-
-void TolvarAppDelegate::programCommand(const SDL_Event& event) {
-    const SDL_Keycode sym = event.key.keysym.sym;
-    const Uint16 mod = event.key.keysym.mod;
-    if (!(mod & (KMOD_CTRL | KMOD_GUI))) return;
-    if (sym == SDLK_q) {
-        terminate();
-    } else if (sym == SDLK_w && gameWindow && gameWindow->isVisible()) {
-        // Ctrl+W closes the game window, for the main window.
-        returnToMain();
-    }
-}
-
-void TolvarAppDelegate::keyShortcuts(const SDL_Event& event, Uint32 windowID) {
-    // A key bound to a user event of the running game is the game's, never a menu shortcut.
-    if (engine_ && MyWindow::performKeyEquivalent(*engine_, currentEvent_)) return;
-    // Return leaves the game window for the main window; with a modifier a key is no shortcut.
-    if (event.key.keysym.mod & (KMOD_CTRL | KMOD_ALT | KMOD_GUI)) return;
-    const SDL_Keycode sym = event.key.keysym.sym;
-    const bool fromGame = gameWindow && windowID == gameWindow->windowID();
-    if (fromGame && (sym == SDLK_RETURN || sym == SDLK_KP_ENTER)) {
-        if (gameWindow && gameWindow->isVisible()) returnToMain();
-        return;
-    }
-    // The "Actions" items answer their key equivalents (the plain key).
-    if (!menu_.enabled() || currentEvent_.characters.empty()) return;
-    const auto c = static_cast<std::int8_t>(currentEvent_.characters[0]);
-    for (int i = 0; i < ActionsMenu::kItemCount; ++i) {
-        const ActionsMenuItem& item = menu_.item(i);
-        if (item.enabled && item.keyEquivalent != 0 && item.keyEquivalent == c) {
-            checkMenuAction(i);
-            return;
-        }
-    }
 }
 
 void TolvarAppDelegate::closePopup() {

@@ -7,12 +7,14 @@
 #include <memory>
 #include <string>
 
+#include "HelpWindow.h"
 #include "MainWindow.h"
 #include "MyWindow.h"
 #include "RulesWatch.h"
 #include "engine/BoardLayout.h"
 #include "engine/Engine.h"
 #include "engine/Host.h"
+#include "platform/ProgramKeys.h"
 #include "platform/PropertyList.h"
 #include "platform/RunLoop.h"
 #include "presentation/GameView.h"
@@ -62,9 +64,18 @@ public:
 private:
     bool initWindow();
     void dispatch(const SDL_Event& event);
-    void keyShortcuts(const SDL_Event& event, Uint32 windowID);
-    // Ctrl (or Super) with Q quits, with W leaves the game window.
-    void programCommand(const SDL_Event& event);
+    // The program's keys (true: the key was a command, the game does not see it), the keyboard
+    // cursor and the "Actions" shortcuts.
+    bool keyShortcuts(const SDL_Event& event, const CurrentEvent& key, Uint32 windowID);
+    void runProgramCommand(ProgramCommand command);
+    GameMenuState gameMenuState() const;
+    bool playing() const;  // a board of the running game takes moves
+    void newGame();
+    void showHint();
+    void clearHint();
+    void openHelpWindow();
+    void showHelp();
+    void showAbout();
     void checkUserEvents();
     void eventTick();
     void closePopup();
@@ -88,6 +99,7 @@ private:
     ActionsMenu menu_;
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<ActionsPopup> popup_;
+    std::unique_ptr<HelpWindow> helpWindow_;
 
     Timers timers_;
     Timers::Id eventTimer = 0;
@@ -98,11 +110,15 @@ private:
 
     std::string interfaceFont_;  // the font file of the main window and the pop-up
     CurrentEvent currentEvent_;
+    std::vector<BoardCell> hint_;  // outlined until the next input
     bool quit_ = false;
     std::vector<SDL_Event> heldEvents_;  // events that wait for the tick to end
     double lastAnswerDuringTick_ = 0.0;
     int mainFrames_ = 0;   // frames of the main window still to draw
     int popupFrames_ = 0;  // frames of the "Actions" pop-up still to draw
+    int helpFrames_ = 0;   // frames of the help window still to draw
+    static constexpr float kInterfaceFontPixels = 17.0f;
+    static constexpr int kMainWindowFramesPerChange = 3;  // ImGui settles hover and click states in a few frames
     std::string lastMenuSignature_;
 };
 

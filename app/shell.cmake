@@ -2,6 +2,8 @@
 add_library(tolvar_shell_platform STATIC
   ${CMAKE_CURRENT_LIST_DIR}/platform/RunLoop.cpp
   ${CMAKE_CURRENT_LIST_DIR}/platform/SdlEvents.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/platform/PictureFit.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/platform/ProgramKeys.cpp
   ${CMAKE_CURRENT_LIST_DIR}/platform/FontLookup.cpp
 )
 target_include_directories(tolvar_shell_platform PUBLIC ${CMAKE_CURRENT_LIST_DIR})
@@ -14,7 +16,11 @@ add_executable(tolvar
   ${CMAKE_CURRENT_LIST_DIR}/MainWindow.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RulesWatch.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ImGuiSurface.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/HelpWindow.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/ProgramCommands.cpp
 )
+# The About page's version is the project's own.
+target_compile_definitions(tolvar PRIVATE TOLVAR_VERSION="${PROJECT_VERSION}")
 target_include_directories(tolvar PRIVATE ${CMAKE_CURRENT_LIST_DIR})
 target_link_libraries(tolvar PRIVATE tolvar_shell_platform tolvar_presentation tolvar_checker tolvar_engine
   tolvar_rules tolvar_platform_core tolvar_command_line tolvar_textures tolvar3d

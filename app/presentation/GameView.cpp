@@ -186,21 +186,36 @@ void GameView::drawBoard() {
     // A selected model turns a little on every frame; a model that cannot be read draws nothing.
     const bool modelShown = pieceSprites[1] != nullptr || !pieceModelMissing_;
     const auto turning = [&](const BoardPiece& piece) { return piece.selected && piece.shapeIndex == 1 && modelShown; };
+    lastFrame_ = Frame::Board;
+    const BoardMarks marks = window_.marks ? window_.marks() : BoardMarks{};
+    const auto indexOf = [&](const BoardCell& c) { return c.column * game.boardHeight + c.row; };
+    if (marks.cursor) frame.marked.push_back(indexOf(*marks.cursor));
+    for (const BoardCell& c : marks.hint) frame.marked.push_back(indexOf(c));
 
     if (const auto changed = shown_.changedCells(game, frame, outline, turning)) {
+        // The picture may be scaled into the window: a patch's pixels are the picture's, the
+        // scissor's the window's; the picture's own clip is put back afterwards.
+        GLint view[4] = {0, 0, static_cast<GLint>(winWidth), static_cast<GLint>(winHeight)};
+        glGetIntegerv(GL_VIEWPORT, view);
+        const double sx = view[2] / static_cast<double>(winWidth), sy = view[3] / static_cast<double>(winHeight);
+        glPushAttrib(GL_SCISSOR_BIT);
         for (const std::uint32_t index : *changed) {
             const PixelRect patch = pieceReach(L, index / game.boardHeight, index % game.boardHeight);
+            const int x0 = view[0] + static_cast<int>(std::floor(patch.x0 * sx));
+            const int y0 = view[1] + static_cast<int>(std::floor(patch.y0 * sy));
+            const int x1 = view[0] + static_cast<int>(std::ceil(patch.x1 * sx));
+            const int y1 = view[1] + static_cast<int>(std::ceil(patch.y1 * sy));
             glEnable(GL_SCISSOR_TEST);
-            glScissor(patch.x0, patch.y0, patch.x1 - patch.x0, patch.y1 - patch.y0);
-            drawBoardPicture(L, &patch);
-            glDisable(GL_SCISSOR_TEST);
+            glScissor(x0, y0, x1 - x0, y1 - y0);
+            drawBoardPicture(L, &patch, marks);
         }
+        glPopAttrib();
         if (!changed->empty()) {
             glFlush();
             if (window_.flushBuffer) window_.flushBuffer();
         }
     } else {
-        drawBoardPicture(L, nullptr);
+        drawBoardPicture(L, nullptr, marks);
         glFlush();
         if (window_.flushBuffer) window_.flushBuffer();
     }
@@ -212,7 +227,7 @@ void GameView::setNeedsDisplay() { shown_.forget(); }
 
 void GameView::setNeedsDisplayInCell(std::uint32_t x, std::uint32_t y) { shown_.forgetCell(x, y); }
 
-void GameView::drawBoardPicture(const BoardLayout& L, const PixelRect* patch) {
+void GameView::drawBoardPicture(const BoardLayout& L, const PixelRect* patch, const BoardMarks& marks) {
     const GameInfo& game = *gameInfo;
     glClearDepth(200.0);
     glClear(GL_DEPTH_BUFFER_BIT);
@@ -255,9 +270,43 @@ void GameView::drawBoardPicture(const BoardLayout& L, const PixelRect* patch) {
     }
 
     glDisable(GL_LIGHTING);
+    drawMarks(L, marks);
     glColor4f(0.5f, 0.0f, 0.5f, 1.0f);
     drawText(winWidth - L.left + 10, winHeight - L.m - 9, boardScoreText(game.score));
     drawText(2.0f, winHeight - L.m - 9, boardGameNameText(game.gameName));
+}
+
+namespace {
+void outline(float x0, float y0, float x1, float y1) {
+    glBegin(GL_LINE_LOOP);
+    glVertex2f(x0, y0);
+    glVertex2f(x1, y0);
+    glVertex2f(x1, y1);
+    glVertex2f(x0, y1);
+    glEnd();
+}
+}  // namespace
+
+void GameView::drawMarks(const BoardLayout& L, const BoardMarks& marks) {
+    if (!marks.cursor && marks.hint.empty()) return;
+    const GLboolean depth = glIsEnabled(GL_DEPTH_TEST);
+    glDisable(GL_DEPTH_TEST);
+    glLineWidth(3.0f);
+    // The hint round its cells, where a selection's outline would be.
+    glColor3fv(kHintColor);
+    for (const BoardCell& c : marks.hint) {
+        const float X = static_cast<float>(c.column) * L.w + L.left, Y = static_cast<float>(c.row) * L.h + L.m;
+        outline(X - 1, Y - 1, X + L.pw + 1, Y + L.ph + 1);
+    }
+    // The cursor inside its cell, so it shows beside a selection or a hint too.
+    if (marks.cursor) {
+        glColor3fv(kCursorColor);
+        const float X = static_cast<float>(marks.cursor->column) * L.w + L.left;
+        const float Y = static_cast<float>(marks.cursor->row) * L.h + L.m;
+        outline(X + 4, Y + 4, X + L.pw - 4, Y + L.ph - 4);
+    }
+    glLineWidth(1.0f);
+    if (depth) glEnable(GL_DEPTH_TEST);
 }
 
 Sprite* GameView::pieceSprite(float W) {
@@ -585,9 +634,25 @@ void GameView::flyScoreModels() {
 }
 
 void GameView::displayScores(const Value& scores, int highlight) {
-    shown_.forget();
-    std::size_t n = scoreEntryCount(scores);
     if (highlight != -1) currHighlight = highlight;
+    drawScoresFrame(scores);
+    if (!host_.scoresTimerRunning()) host_.startScoresTimer(scores);
+}
+
+void GameView::redrawLastFrame() {
+    shown_.forget();
+    switch (lastFrame_) {
+        case Frame::None: break;
+        case Frame::Board: drawBoard(); break;
+        case Frame::Scores: drawScoresFrame(lastScores_); break;
+    }
+}
+
+void GameView::drawScoresFrame(const Value& scores) {
+    shown_.forget();
+    lastFrame_ = Frame::Scores;
+    if (&scores != &lastScores_) lastScores_ = scores;
+    std::size_t n = scoreEntryCount(scores);
 
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_LIGHTING);
@@ -629,8 +694,6 @@ void GameView::displayScores(const Value& scores, int highlight) {
     glFlush();
     if (window_.flushBuffer) window_.flushBuffer();
     if (window_.display) window_.display();
-
-    if (!host_.scoresTimerRunning()) host_.startScoresTimer(scores);
 }
 
 void GameView::scoresTimerFired(const Value& scores) { displayScores(scores, -1); }

@@ -5,10 +5,12 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "3DSpriteLib.h"
+#include "engine/Board.h"
 #include "engine/Host.h"
 #include "engine/View.h"
 #include "engine/BoardLayout.h"
@@ -24,6 +26,16 @@ namespace tolvar {
 // test. Anything that wants to draw as the game window does starts from it.
 void setGameWindowGLState();
 
+// What the player's keys mark on the board: the keyboard cursor's cell and the hint's cells.
+struct BoardMarks {
+    std::optional<BoardCell> cursor;
+    std::vector<BoardCell> hint;
+};
+// Their outlines' colours, unlike any piece or the selection: the cursor white inside its cell,
+// the hint cyan round its cells.
+inline constexpr float kCursorColor[3] = {1.0f, 1.0f, 1.0f};
+inline constexpr float kHintColor[3] = {0.0f, 0.9f, 1.0f};
+
 class GameView : public View {
 public:
     // What the drawing needs from the window that owns the context.
@@ -34,6 +46,7 @@ public:
         // Holds what was just drawn for a while: the desktop goes on answering its window (repaints,
         // close, quit) meanwhile, and the game's input and timers wait. None: no wait.
         std::function<void(double seconds)> hold;
+        std::function<BoardMarks()> marks;  // drawn over every board frame
     };
 
     GameView(Host& host, Window window);
@@ -68,6 +81,10 @@ public:
     // scoresTimerFired: with the timer's list of scores.
     void scoresTimerFired(const Value& scores);
 
+    // The last frame drawn again, whole (the board, or the score screen as it stands), after the
+    // window changed size; nothing before the first frame.
+    void redrawLastFrame();
+
     // The number of score-screen models flying (20 once the first screen has been drawn).
     int scoreModelCount() const;
     int currentHighlight() const { return currHighlight; }
@@ -79,14 +96,19 @@ private:
     // The figure of a piece's shape inside the rectangle X, Y, W, H (lighting already on).
     void drawFigure(const BoardPiece& piece, float X, float Y, float W, float H);
     void drawBackground(float z);
+    void drawMarks(const BoardLayout& L, const BoardMarks& marks);
+    void drawScoresFrame(const Value& scores);
     // The board's frame: background, border, pieces and texts; within patch only the pieces that
     // reach into it (the caller clips to it).
-    void drawBoardPicture(const BoardLayout& L, const PixelRect* patch);
+    void drawBoardPicture(const BoardLayout& L, const PixelRect* patch, const BoardMarks& marks);
     void makeScoreModels();
     void flyScoreModels();
 
     Host& host_;
     Window window_;
+    enum class Frame { None, Board, Scores };
+    Frame lastFrame_ = Frame::None;
+    Value lastScores_;
     std::uint32_t bgTexture_ = 0;
     std::array<SpritePtr, 11> pieceSprites;
     // Sprites whose slots were marked empty without being released; freed with the view.

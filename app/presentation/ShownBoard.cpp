@@ -19,7 +19,8 @@ PixelRect pieceReach(const BoardLayout& L, std::uint32_t x, std::uint32_t y) {
 
 bool FrameLook::operator==(const FrameLook& o) const {
     return boardWidth == o.boardWidth && boardHeight == o.boardHeight && score == o.score &&
-           gameName == o.gameName && std::equal(border, border + 3, o.border) && background == o.background;
+           gameName == o.gameName && std::equal(border, border + 3, o.border) && background == o.background &&
+           marked == o.marked;
 }
 
 bool ShownBoard::CellLook::operator==(const CellLook& o) const {

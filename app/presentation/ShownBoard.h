@@ -30,6 +30,7 @@ struct FrameLook {
     std::string gameName;
     float border[3] = {0, 0, 0};
     std::uint32_t background = 0;
+    std::vector<std::uint32_t> marked;  // the keyboard cursor's and the hint's cells, board indices
     bool operator==(const FrameLook& o) const;
 };
 

@@ -35,4 +35,20 @@ void ActionsMenu::bindUserEvent(int counter, std::uint32_t userEventType, std::i
     }
 }
 
+std::string keyEquivalentLabel(std::int8_t key) {
+    switch (key) {
+        case 0: return {};
+        case ' ': return "Space";
+        case 27: return "Esc";
+        case '\r': return "Return";
+        case '\t': return "Tab";
+        case 127: return "Delete";
+        default: break;
+    }
+    const unsigned char c = static_cast<unsigned char>(key);
+    if (c < 32 || c > 126) return "#" + std::to_string(static_cast<int>(c));
+    if (c >= 'a' && c <= 'z') return std::string(1, static_cast<char>(c - 'a' + 'A'));
+    return std::string(1, static_cast<char>(c));
+}
+
 }  // namespace tolvar

@@ -19,6 +19,9 @@ struct ActionsMenuItem {
     std::int8_t keyEquivalent = 0;  // 0 = none
 };
 
+// The text shown for a key equivalent, beside a menu item and in the help ("Space", "Esc", "A", ...).
+std::string keyEquivalentLabel(std::int8_t key);
+
 class ActionsMenu {
 public:
     static constexpr int kItemCount = 8;

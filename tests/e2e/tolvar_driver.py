@@ -13,8 +13,9 @@ SCREEN_W, SCREEN_H, WIN_W, WIN_H, MAIN_W, MAIN_H = 1280, 1024, 1024, 768, 640, 5
 MAIN_PAD_X, MAIN_PAD_Y, FONT_PX, ITEM_SPACING_Y = 16, 14, 17, 10
 FRAME_H = FONT_PX + 2 * 6   # a button or the pop-up: the font and its frame padding
 MENU_BAR_H = FRAME_H - 2    # the menu bar, less its own inset
-POPUP_W, POPUP_PAD, POPUP_ROW = 260, 6, 30  # the game window's "Actions" menu: 8 actions, a separator, "Return..."
-POPUP_H = 2 * POPUP_PAD + 9 * POPUP_ROW + 9
+POPUP_W, POPUP_PAD, POPUP_ROW = 260, 6, 30  # the game window's menu: 8 actions, the 4 "Game" items, "Return..."
+POPUP_H = 2 * POPUP_PAD + 13 * POPUP_ROW + 2 * 9  # ... with a separator before the "Game" items and "Return..."
+HELP_W, HELP_H = 560, 620
 COLOURS = ("red", "green", "blue", "purple")
 P, INT, ULONG = ctypes.c_void_p, ctypes.c_int, ctypes.c_ulong
 XLIB = ctypes.CDLL("libX11.so.6")
@@ -103,6 +104,7 @@ class Layout:
 class Tolvar:  # the program on a display of its own, with an empty data folder
     def __init__(self, program, name, seed=7):
         self.program, self.proc, self.xvfb, self.dpy, self.runs = program, None, None, None, 0
+        self.game = self.main = None
         self.work = tempfile.mkdtemp(prefix="tolvar-e2e-%s-" % name)
         self.folder = os.path.join(self.work, "data", "Tolvar")
         try:
@@ -229,7 +231,8 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
 
     def alerts(self):  # mapped windows that are none of the game's own, with their titles
         return [(wid, name) for wid, name, w, h in self.windows()
-                if w not in (WIN_W, MAIN_W, POPUP_W) and w > 1 and h > 1 and self.mapped(wid)]
+                if wid not in (self.game, self.main) and w not in (WIN_W, MAIN_W, POPUP_W, HELP_W) and w > 1 and h > 1
+                and self.mapped(wid)]
 
     def dismiss_alert(self):  # presses the button of the next alert panel with Return; returns its title
         wid, name = self.wait_for(self.alerts, 15, "an alert panel")[0]

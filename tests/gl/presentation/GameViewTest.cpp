@@ -152,6 +152,45 @@ TEST_F(GameViewTest, SelectionIsOutlinedInTheSelectColour) {
     EXPECT_EQ(sides(cellRect(2, 3), [](const Rgb& q) { return q.g > 90 && q.r < 40 && q.b < 40; }), 3);
 }
 
+TEST_F(GameViewTest, CursorAndHintAreOutlinedInTheirOwnColours) {
+    makeGame(6, 6, 0);  // figures of shape 0 draw nothing: only the marks light the cells
+    BoardMarks marks;
+    GameView::Window callbacks = window.callbacks();
+    callbacks.marks = [&marks] { return marks; };
+    GameView marked{host, callbacks};
+    auto isCursor = [](const Rgb& p) { return p.r > 230 && p.g > 230 && p.b > 230; };
+    auto isHint = [](const Rgb& p) { return p.r < 40 && p.g > 200 && p.b > 230; };
+    auto inside = [&](int x, int y, bool (*colour)(const Rgb&)) {  // the cell's own square
+        const Rect r = cellRect(x, y);
+        return countPixels(r.x0 + 2, r.y0 + 2, r.x1 - 2, r.y1 - 2, colour);
+    };
+    auto sidesOutlined = [&](int x, int y, bool (*colour)(const Rgb&)) {  // bottom, top, left, right
+        const Rect r = cellRect(x, y);
+        const int my = (r.y0 + r.y1) / 2;
+        return (countPixels(r.cx, r.y0 - 3, r.cx, r.y0 + 1, colour) > 0) + (countPixels(r.cx, r.y1 - 1, r.cx, r.y1 + 3, colour) > 0) +
+               (countPixels(r.x0 - 3, my, r.x0 + 1, my, colour) > 0) + (countPixels(r.x1 - 1, my, r.x1 + 3, my, colour) > 0);
+    };
+    // cursor, hint cells, a selected cell; then where each colour must and must not be
+    struct Case {
+        std::optional<BoardCell> cursor;
+        std::vector<BoardCell> hint;
+    };
+    for (const Case& c : {Case{BoardCell{2, 3}, {}}, Case{std::nullopt, {{4, 1}, {4, 2}}},
+                          Case{BoardCell{4, 1}, {{4, 1}, {5, 1}}}, Case{}}) {
+        SCOPED_TRACE(testing::Message() << (c.cursor ? "cursor " : "no cursor ") << c.hint.size() << " hinted");
+        marks = {c.cursor, c.hint};
+        cell(4, 1).selected = 1;  // a hint shows over a selection's outline
+        marked.drawBoard();
+        for (int x = 0; x < 6; ++x)
+            for (int y = 0; y < 6; ++y) {
+                const bool cursor = c.cursor && *c.cursor == BoardCell{std::uint32_t(x), std::uint32_t(y)};
+                const bool hinted = std::find(c.hint.begin(), c.hint.end(), BoardCell{std::uint32_t(x), std::uint32_t(y)}) != c.hint.end();
+                EXPECT_EQ(inside(x, y, isCursor) > 60, cursor) << "cursor at " << x << "," << y;
+                EXPECT_EQ(sidesOutlined(x, y, isHint) == 4, hinted) << "hint at " << x << "," << y;
+            }
+    }
+}
+
 TEST_F(GameViewTest, ScoreAndNameAreWrittenBesideTheBoardAndCut) {
     makeGame(5, 5, 0);  // score at (896, 749), name at (2, 749)
     auto drawn = [&](std::uint64_t score, const std::string& name, int x0, int x1) {
