@@ -1,6 +1,7 @@
 // The checks of one game: its keys and values, then what the engine would do with them: events
 // that never run, inputs that reach nothing, boards that do not fit, loops and games without end.
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
@@ -9,6 +10,7 @@
 #include "engine/BoardLayout.h"
 #include "engine/BoardSetup.h"
 #include "engine/Engine.h"
+#include "rules/ActionsMenu.h"
 #include "rules/RulesDict.h"
 
 namespace tolvar::checker {
@@ -21,22 +23,31 @@ namespace keys = rulekeys;
 enum class ActionEffect { Unknown, Inert, Active };
 
 ActionEffect actionEffect(std::uint32_t type) {
-    switch (type) {
-        case 1: case 2: case 8: case 10: case 19: case 20: case 21: case 22: case 23:
-        case 26: case 27: case 28: case 29:
-            return ActionEffect::Active;
-        case 3: case 4: case 5: case 6: case 7: case 9:
-        case 11: case 12: case 13: case 14: case 15: case 16: case 17: case 18:
-            return ActionEffect::Inert;
-        default:
-            return ActionEffect::Unknown;
-    }
+    if (isInertActionType(type)) return ActionEffect::Inert;
+    for (ActionType known : kActionTypes)
+        if (known == type) return ActionEffect::Active;
+    return ActionEffect::Unknown;
 }
-constexpr std::uint32_t kActionCompletionTest = 21;
-constexpr std::uint32_t kActionFillSpaces = 28;
-constexpr std::uint32_t kActionResolveMatches = 29;
-constexpr std::uint32_t kActionSelectColor = 10;
-constexpr std::uint32_t kLastUserEventType = 10;
+
+// "1, 2, 8, 10, 19 to 23 or 26 to 29": the action types the dispatcher runs.
+std::string actionTypesText() {
+    std::vector<std::string> runs;
+    const std::size_t n = std::size(kActionTypes);
+    for (std::size_t i = 0; i < n;) {
+        std::size_t j = i;
+        while (j + 1 < n && kActionTypes[j + 1] == kActionTypes[j] + 1) ++j;
+        if (j >= i + 2) {
+            runs.push_back(std::to_string(kActionTypes[i]) + " to " + std::to_string(kActionTypes[j]));
+        } else {
+            for (std::size_t k = i; k <= j; ++k) runs.push_back(std::to_string(kActionTypes[k]));
+        }
+        i = j + 1;
+    }
+    std::string text;
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        text += (i == 0 ? "" : i + 1 == runs.size() ? " or " : ", ") + runs[i];
+    return text;
+}
 
 std::int32_t number(const Located& dict, const char* key, std::int32_t fallback = 0) {
     const Dictionary* d = dict.dict();
@@ -139,27 +150,27 @@ ActionModel GameChecker::readAction(const Located& dict) {
             report_.add(Severity::Error, typeAt, keys::kActionType,
                         (present(dict, keys::kActionType) ? typeText : "no ActionType") +
                             " is not an action the engine knows: it prints \"unknown action specified.\" and "
-                            "does nothing; expected 1, 2, 8, 10, 19 to 23 or 26 to 29");
+                            "does nothing; expected " + actionTypesText());
             break;
         case ActionEffect::Inert:
             report_.add(Severity::Warning, typeAt, keys::kActionType,
-                        typeText + " does nothing; expected 1, 2, 8, 10, 19 to 23 or 26 to 29");
+                        typeText + " does nothing; expected " + actionTypesText());
             break;
         case ActionEffect::Active:
             break;
     }
     const std::int32_t direction = number(dict, keys::kDirection);
-    const bool moves = (a.type == 8 || a.type == 20) ? direction == kDirectionDown
-                       : a.type == 19 ? (direction == kDirectionDown || direction == kDirectionLeft)
+    const bool moves = (a.type == kActionCollapseInDirection || a.type == kActionCollapseFullRows) ? direction == kDirectionDown
+                       : a.type == kActionCollapseEmptyRows ? (direction == kDirectionDown || direction == kDirectionLeft)
                                       : true;
     if (!moves)
         report_.add(Severity::Warning, place(dict, keys::kDirection), keys::kDirection,
                     "Direction " + std::to_string(direction) + " moves nothing for " + typeText + "; expected 2" +
-                        (a.type == 19 ? " (down) or 3 (left)" : " (down)"));
-    if (a.type == 23 && !(dict.dict() && dict.dict()->find(keys::kMessage) &&
+                        (a.type == kActionCollapseEmptyRows ? " (down) or 3 (left)" : " (down)"));
+    if (a.type == kActionShowMessage && !(dict.dict() && dict.dict()->find(keys::kMessage) &&
                           dict.dict()->find(keys::kMessage)->isString()))
-        report_.add(Severity::Warning, dict, keys::kMessage, "ActionType 23 shows an empty alert; expected a Message");
-    if (a.type == 26 || a.type == 27)
+        report_.add(Severity::Warning, dict, keys::kMessage, typeText + " shows an empty alert; expected a Message");
+    if (a.type == kActionAddVariableToScore || a.type == kActionGetRemainingPieceCount)
         variableUses_.emplace_back(place(dict, keys::kVariableID),
                                    static_cast<std::uint32_t>(number(dict, keys::kVariableID)));
     return a;
@@ -221,7 +232,8 @@ void GameChecker::checkUserEvents() {
     for (std::size_t i = 0; i < userEvents_.size(); ++i) {
         const UserEventModel& u = userEvents_[i];
         const Located typeAt = place(u.at, keys::kUserEventType);
-        if (u.type < 1 || u.type > kLastUserEventType)
+        // The engine knows the user-event types that title a menu item.
+        if (!ActionsMenu::titleForUserEventType(u.type))
             report_.add(Severity::Error, typeAt, keys::kUserEventType,
                         (present(u.at, keys::kUserEventType) ? "UserEventType " + std::to_string(u.type)
                                                               : std::string("no UserEventType")) +
@@ -262,7 +274,7 @@ void GameChecker::checkReach() {
     // What the actions queue when they run.
     std::set<std::uint32_t> queued;
     auto effects = [&](const ActionModel& a) {
-        if (a.type == kActionCompletionTest) queued.insert(kEventNoMovesLeft);
+        if (a.type == kActionCheckForGameCompletion) queued.insert(kEventNoMovesLeft);
         if ((a.type == kActionSelectColor && a.removePieces != 0) || (a.type == kActionResolveMatches && swapRemoves))
             queued.insert(kEventPiecesRemoved);
     };
@@ -297,9 +309,9 @@ void GameChecker::checkReach() {
     if (auto it = runs.find(kEventNoMovesLeft); it != runs.end() && queued.count(kEventNoMovesLeft)) {
         const auto& actions = it->second->actions;
         const bool refills = std::any_of(actions.begin(), actions.end(),
-                                         [](const ActionModel& a) { return a.type == kActionFillSpaces; });
+                                         [](const ActionModel& a) { return a.type == kActionFillSpacesRandomly; });
         for (const ActionModel& a : actions)
-            if (a.type == kActionCompletionTest && !refills)
+            if (a.type == kActionCheckForGameCompletion && !refills)
                 report_.add(Severity::Error, place(a.at, keys::kActionType), keys::kActionType,
                             "action 21 in the event of type 11 queues that event again while no move is left, "
                             "so the events queue each other without end; expected action 21 only in events of "
@@ -318,7 +330,7 @@ void GameChecker::checkCompletion() {
     }
     bool tests = false;
     for (const EventModel& e : events_)
-        for (const ActionModel& a : e.actions) tests = tests || a.type == kActionCompletionTest;
+        for (const ActionModel& a : e.actions) tests = tests || a.type == kActionCheckForGameCompletion;
     if (tests && !judged)
         report_.add(Severity::Warning, place(root_, keys::kCompletionCriteria), keys::kCompletionCriteria,
                     "no criterion of type 7, so the first completion test (action 21) ends the game; expected a "

@@ -40,6 +40,15 @@ enum ActionType : std::uint32_t {
     kActionResolveMatches = 29,
 };
 
+// Every action type the dispatcher runs, smallest first.
+inline constexpr ActionType kActionTypes[] = {
+    kActionAddScore,          kActionAddMultiplier,          kActionCollapseInDirection,
+    kActionSelectColor,       kActionCollapseEmptyRows,      kActionCollapseFullRows,
+    kActionCheckForGameCompletion, kActionCheckBestScores,   kActionShowMessage,
+    kActionAddVariableToScore, kActionGetRemainingPieceCount, kActionFillSpacesRandomly,
+    kActionResolveMatches,
+};
+
 // Action types a rules file may name that do nothing when run (3 to 7, 9, 11 to 18); any other
 // unlisted type is reported as unknown.
 constexpr bool isInertActionType(std::uint32_t type) {

@@ -22,9 +22,9 @@ namespace tolvar::sim {
 
 namespace {
 
-constexpr std::uint32_t kActionEnterScore = 22;
-constexpr std::uint32_t kActionAlert = 23;
-constexpr std::uint32_t kActionIdle = 3;
+// What the score entry and the alert become while a move is tried: a type that does nothing.
+constexpr std::uint32_t kMutedActionType = 3;
+static_assert(isInertActionType(kMutedActionType));
 
 // A move as the player makes it: a click (and the remove key, when the game has one) or a drag.
 struct Move {
@@ -45,7 +45,7 @@ public:
     Bot(Engine& engine, QuietHost& host, Player player) : engine_(engine), host_(host), player_(player) {
         for (const SupportedEvent* e = gameInfo->events.get(); e; e = e->next.get())
             for (const GameAction* a = e->actions.get(); a; a = a->next.get())
-                if (a->actionType == kActionEnterScore && a->lowerIsBetter != 0) lowerIsBetter_ = true;
+                if (a->actionType == kActionCheckBestScores && a->lowerIsBetter != 0) lowerIsBetter_ = true;
         // As the engine finds them: the first click or drag user event takes the mouse, the first
         // user event with a key takes that key.
         for (const SupportedUserEvent* u = gameInfo->userEvents.get(); u; u = u->next.get())
@@ -175,8 +175,8 @@ private:
         if (changed && !ends.empty() && player_ == Player::Greedy) {
             std::vector<std::pair<GameAction*, std::uint32_t>> muted;
             for (GameAction* a = ends.front()->actions.get(); a; a = a->next.get())
-                if (a->actionType == kActionEnterScore || a->actionType == kActionAlert)
-                    muted.emplace_back(a, a->actionType), a->actionType = kActionIdle;
+                if (a->actionType == kActionCheckBestScores || a->actionType == kActionShowMessage)
+                    muted.emplace_back(a, a->actionType), a->actionType = kMutedActionType;
             EventQueue(*gameInfo).addEventToQueue(ends.front()->copyForQueue());
             engine_.processEvents();
             for (auto& [action, type] : muted) action->actionType = type;
