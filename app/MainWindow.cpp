@@ -26,8 +26,10 @@ void MainWindow::drawProblems(const GameLibrary& library, const RulesWatch& rule
     if (library.currentRules())
         for (checker::Problem& p : report.problemsOf(library.selectedTitle())) shown.push_back(std::move(p));
     if (shown.empty()) return;
-    ImGui::Dummy(ImVec2(0, 6));
-    ImGui::Separator();
+    if (!library.descriptionText().empty()) {
+        ImGui::Dummy(ImVec2(0, 6));
+        ImGui::Separator();
+    }
     const bool unreadable = !report.rules.has_value();
     const std::string heading = unreadable ? "The rules file " + rules.path() + " cannot be read:"
                                            : "In " + rules.path() + ":";
