@@ -16,6 +16,7 @@ import plistlib
 import statistics
 import subprocess
 import sys
+import tempfile
 import time
 
 # The program is driven by the end-to-end tests' driver.
@@ -96,9 +97,12 @@ def session(program, seconds, seed):
 
 def frame_times(bench):
     """Real time of a full frame and of a one-cell redraw of the "Vexamor" board, in ms."""
-    out = subprocess.run([bench, "--benchmark_format=json", "--benchmark_filter=drawBoardOf/Vexamor/|OneCell",
-                          "--benchmark_repetitions=5"], stdout=subprocess.PIPE, check=True).stdout
-    runs = json.loads(out)["benchmarks"]
+    display = [] if os.environ.get("DISPLAY") else ["xvfb-run", "-a", "-s", "-screen 0 1280x1024x24 -nolisten tcp"]
+    with tempfile.NamedTemporaryFile(suffix=".json") as out:
+        subprocess.run(display + [bench, "--benchmark_out_format=json", "--benchmark_out=" + out.name,
+                                  "--benchmark_filter=drawBoardOf/Vexamor/|OneCell", "--benchmark_repetitions=5"],
+                       stdout=subprocess.DEVNULL, check=True)
+        runs = json.load(out)["benchmarks"]
     figures = {}
     for name, label in (("drawBoardOf/Vexamor/", "full frame (ms)"), ("OneCell", "one-cell redraw (ms)")):
         times = [b["real_time"] for b in runs if b.get("run_type") == "iteration" and name in b["name"]]

@@ -23,6 +23,26 @@ def save(t, path, x, y, w, h):
     print("wrote", path)
 
 
+def save_fall(t, path, gx, gy):
+    """Removes the selected region and keeps a picture taken while the pieces above it fall: the
+    screen as it was neither before the removal nor once the pieces have landed."""
+    before = t.shot().raw
+    t.xdo("key", "space")
+    shots, deadline = [], time.monotonic() + 2.0
+    while time.monotonic() < deadline:
+        shots.append(t.shot())
+    t.settle()
+    after = t.shot().raw
+    between = [s for s in shots if s.raw not in (before, after)]
+    if between:
+        shot = between[len(between) // 2]
+        subprocess.run(["convert", "-size", "1280x1024", "-depth", "8", "bgra:-", "-alpha", "off", "-crop",
+                        "%dx%d+%d+%d" % (WIN_W, WIN_H, gx, gy), "+repage", path], input=shot.raw, check=True)
+        print("wrote", path)
+    else:
+        print("no picture of a fall was caught; %s not written" % path)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
@@ -45,6 +65,8 @@ def main():
                 t.click(*Layout(8, 8, (gx, gy)).centre(3, 3))
                 time.sleep(0.5)
             save(t, os.path.join(out, "window-%s.png" % name), gx, gy, WIN_W, WIN_H)
+            if name == "vexamor":
+                save_fall(t, os.path.join(out, "window-falling.png"), gx, gy)
             t.xdo("key", "ctrl+w")
             t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
             time.sleep(0.3)
