@@ -43,7 +43,8 @@ void MainWindow::drawProblems(const GameLibrary& library, const RulesWatch& rule
 }
 
 std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const ActionsMenu& menu,
-                                           const GameMenuState& game, bool gameRunning, const RulesWatch& rules) {
+                                           const GameMenuState& game, bool gameRunning, const RulesWatch& rules,
+                                           bool canContinue, const std::string& note) {
     const bool refused = library.currentRules() && rules.refuses(library.selectedTitle());
     std::vector<ShellCommand> commands;
     surface_.beginFrame();
@@ -122,6 +123,10 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::PushTextWrapPos(0.0f);
     ImGui::TextUnformatted(library.descriptionText().c_str());
     drawProblems(library, rules);
+    if (!note.empty()) {
+        ImGui::Dummy(ImVec2(0, 6));
+        ImGui::TextColored(ImVec4(0.75f, 0.0f, 0.0f, 1.0f), "%s", note.c_str());
+    }
     ImGui::PopTextWrapPos();
     ImGui::EndChild();
     ImGui::PopStyleVar();
@@ -136,7 +141,12 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
         ImGui::SameLine();
     }
     const float right = ImGui::GetWindowContentRegionMax().x;
-    ImGui::SetCursorPosX(right - 2 * buttonWidth - ImGui::GetStyle().ItemSpacing.x);
+    ImGui::SetCursorPosX(right - 3 * buttonWidth - 2 * ImGui::GetStyle().ItemSpacing.x);
+    ImGui::BeginDisabled(!canContinue);
+    if (ImGui::Button("Continue", ImVec2(buttonWidth, 0)))
+        commands.push_back({ShellCommand::Kind::ContinueGame, {}, -1});
+    ImGui::EndDisabled();
+    ImGui::SameLine();
     if (ImGui::Button("Return", ImVec2(buttonWidth, 0)))
         commands.push_back({ShellCommand::Kind::ReturnToMain, {}, -1});
     ImGui::SameLine();

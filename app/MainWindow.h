@@ -17,7 +17,7 @@
 namespace tolvar {
 
 struct ShellCommand {
-    enum class Kind { SelectGame, StartGame, ReturnToMain, MenuAction, Quit, Program };
+    enum class Kind { SelectGame, StartGame, ReturnToMain, MenuAction, Quit, Program, ContinueGame };
     Kind kind;
     std::string title;   // SelectGame
     int itemIndex = -1;  // MenuAction
@@ -37,8 +37,11 @@ public:
     // One frame; returns what the player chose in it. Under the description stand what the
     // checker found in the chosen game, or why the rules file cannot be read; a game with errors
     // cannot be started.
+    // Continue stands beside Start while a kept or saved game can go on (canContinue); note says
+    // why a saved game could not be continued.
     std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, const GameMenuState& game,
-                                   bool gameRunning, const RulesWatch& rules);
+                                   bool gameRunning, const RulesWatch& rules, bool canContinue,
+                                   const std::string& note);
 
 private:
     void drawProblems(const GameLibrary& library, const RulesWatch& rules);

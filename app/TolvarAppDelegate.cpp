@@ -80,6 +80,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     // 4. The game menu, from a file that is looked at again each second.
     rules_.load(library_);
     timers_.schedule(kRulesLookInterval, [this] { reloadRulesWhenChanged(); });
+    readSavedGame();
 
     // Only the main window is made before it shows; the game window follows once it is up
     // (initWindow), and the "Actions" pop-up when it is first opened.
@@ -155,6 +156,7 @@ int TolvarAppDelegate::run() {
         if (quit_) break;
         drawWindows();
     }
+    saveGameOnQuit();
     return 0;
 }
 
@@ -169,7 +171,8 @@ void TolvarAppDelegate::drawWindows() {
         --mainFrames_;
         if (window->surface().isVisible()) {
             const bool running = gameWindow && gameWindow->isVisible();
-            std::vector<ShellCommand> commands = window->draw(library_, menu_, gameMenuState(), running, rules_);
+            std::vector<ShellCommand> commands = window->draw(library_, menu_, gameMenuState(), running, rules_,
+                                                              canContinue(), continueNote_);
             if (gameWindow) gameWindow->makeCurrentContext();
             runCommands(commands);
         }
@@ -204,6 +207,7 @@ void TolvarAppDelegate::runCommands(const std::vector<ShellCommand>& commands) {
             case ShellCommand::Kind::MenuAction: checkMenuAction(c.itemIndex); break;
             case ShellCommand::Kind::Quit: terminate(); break;
             case ShellCommand::Kind::Program: runProgramCommand(c.command); break;
+            case ShellCommand::Kind::ContinueGame: continueGame(); break;
         }
         mainFrames_ = kMainWindowFramesPerChange;
     }
@@ -217,6 +221,8 @@ std::string TolvarAppDelegate::menuSignature() const {
         s += static_cast<char>(item.keyEquivalent);
     }
     s += gameWindow && gameWindow->isVisible() ? 'g' : 'm';
+    s += canContinue() ? 'c' : '-';
+    s += continueNote_;
     const GameMenuState game = gameMenuState();
     for (const bool possible : {game.newGame, game.undo, game.redo, game.hint}) s += possible ? '+' : '-';
     return s;

@@ -73,6 +73,11 @@ private:
     void newGame();
     void showHint();
     void clearHint();
+    // Continue: the game kept after Return, or the one saved when the program last quit.
+    void readSavedGame();
+    void continueGame();
+    bool canContinue() const;
+    void saveGameOnQuit();
     void openHelpWindow();
     void showHelp();
     void showAbout();
@@ -111,6 +116,8 @@ private:
     std::string interfaceFont_;  // the font file of the main window and the pop-up
     CurrentEvent currentEvent_;
     std::vector<BoardCell> hint_;  // outlined until the next input
+    std::optional<Value> savedGame_;  // read at launch, until continued
+    std::string continueNote_;        // why it could not be
     bool quit_ = false;
     std::vector<SDL_Event> heldEvents_;  // events that wait for the tick to end
     double lastAnswerDuringTick_ = 0.0;

@@ -1,16 +1,17 @@
 #!/usr/bin/env python3
 """The desktop around the game, played under its own Xvfb: keys that must not move, keyboard-only play with
-the cursor and the hint, undo and redo, the help window, and the game window resized and full screen.
-run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|window|help"""
+the cursor and the hint, undo and redo, Continue, the help window, and the game window resized and full screen.
+run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue|window|help"""
 
 import argparse
 import os
+import plistlib
 import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from run_e2e import SELECTED, full, outline_pixels, removes, select_region, touches  # noqa: E402
-from tolvar_driver import (COLOURS, HELP_H, HELP_W, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H, SCREEN_W,  # noqa: E402
+from tolvar_driver import (COLOURS, HELP_H, HELP_W, MAIN_H, MAIN_PAD_X, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H, SCREEN_W,  # noqa: E402
                            WIN_H, WIN_W, Failure, Layout, Tolvar, check, classify, near)
 
 HINT, CURSOR = (0, 229, 255), (255, 255, 255)  # the hint's outline round its cells, the cursor's inside its cell
@@ -262,6 +263,49 @@ def test_window(t):
     t.wait_for(lambda: game_size(t) == (1100, 640), 10, "the window as it was")
 
 
+def press_continue(t):  # the button left of Return and Start, at the main window's bottom right
+    mx, my = t.geometry(t.main)
+    t.click(mx + MAIN_W - MAIN_PAD_X - 2 * 130 - 60, my + MAIN_H - 14 - 29 / 2)
+
+
+def test_continue(t):
+    """Continue shows the kept game after Return, and the saved one after a restart; a saved game whose
+    rules changed is refused, and the main window says why."""
+    lay = t.start(*VEXAMOR)
+    removes(t, lay, select_region(t, lay)[0], lambda: key(t, "space"))
+    board = lay.colours(t.shot())
+    key(t, "ctrl+w")
+    t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
+    press_continue(t)
+    t.wait_for(lambda: t.mapped(t.game), 10, "the kept game to show")
+    t.wait_for(lambda: lay.colours(t.shot()) == board, 10, "the kept board")
+    saved = os.path.join(t.folder, "SavedGame.dict")
+    key(t, "ctrl+q")  # from the game window
+    t.ended()
+    check(os.path.exists(saved), "the unfinished game is saved on quit")
+    t.launch()
+    press_continue(t)
+    t.wait_for(lambda: t.mapped(t.game), 10, "the saved game to show")
+    lay = Layout(8, 8, t.geometry(t.game))
+    t.wait_for(lambda: lay.colours(t.shot()) == board, 10, "the saved board")
+    key(t, "ctrl+q")  # from the game window
+    t.ended()
+    # The rules changed since: refused, with the reason under the description.
+    rules_path = os.path.join(t.folder, "RulesDict.dict")
+    with open(rules_path, "rb") as f:
+        rules = plistlib.load(f)
+    rules["Vexamor"]["NumColors"] = 3
+    with open(rules_path, "wb") as f:
+        plistlib.dump(rules, f, sort_keys=False)
+    t.launch()
+    press_continue(t)
+    mx, my = t.geometry(t.main)
+    t.wait_shot(lambda s: s.count(mx + 20, my + 120, mx + MAIN_W - 20, my + MAIN_H - 60,
+                                  lambda p: p[0] > 150 and p[1] < 60 and p[2] < 60) > 50, "the reason in red")
+    check(not t.mapped(t.game), "a refused game does not start")
+
+
+
 def test_help(t):
     """F1 shows the chosen game's help from the game window; the Help menu of the main window too."""
     lay = t.start(*VEXAMOR)
@@ -290,7 +334,7 @@ def test_help(t):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
-    parser.add_argument("--test", required=True, choices=("keys", "keyboard", "undo", "window", "help"))
+    parser.add_argument("--test", required=True, choices=("keys", "keyboard", "undo", "continue", "window", "help"))
     args = parser.parse_args()
     t = Tolvar(os.path.abspath(args.program), "desktop-" + args.test)
     try:
