@@ -207,6 +207,16 @@ TEST_P(CheckerMalformed, SaysWhereTheTextGoesWrong) {
 
 INSTANTIATE_TEST_SUITE_P(Texts, CheckerMalformed, ::testing::ValuesIn(kMalformed));
 
+TEST(CheckerFile, NestingPastTheReadersLimitIsRefusedWithoutRecursion) {
+    std::string deep = "<plist>";
+    for (int i = 0; i < 100000; ++i) deep += "<array>";
+    const CheckReport report = checkRulesText(deep);
+    ASSERT_EQ(report.problems.size(), 1u) << describe(report.problems);
+    EXPECT_EQ(report.problems.front().at.line, 1);
+    EXPECT_EQ(report.problems.front().at.column, 8 + 7 * kMaxXmlDepth);  // the array one level too deep
+    EXPECT_NE(report.problems.front().message.find("nested more than 256 levels deep"), std::string::npos);
+}
+
 TEST(CheckerFile, TopLevelsThatAreNoDictionaryOfGames) {
     const struct {
         const char* text;
