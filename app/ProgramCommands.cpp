@@ -24,7 +24,6 @@ bool TolvarAppDelegate::keyShortcuts(const SDL_Event& event, const CurrentEvent&
         runProgramCommand(command);
         return true;
     }
-    if (event.key.keysym.mod & (KMOD_CTRL | KMOD_GUI | KMOD_ALT)) return true;  // Ctrl+X is no "x" for the game
     // The "Actions" items answer their key equivalents (the plain key).
     if (!menu_.enabled()) return false;
     const std::int8_t c = firstCharacter(key);
