@@ -87,6 +87,16 @@ def check_files(prefix, args):
           "resources beside the installed programs: the game would not need share/tolvar")
 
 
+def check_examples(prefix, args):
+    """The example games are installed, and the installed checker finds them clean."""
+    folder = os.path.join(prefix, "share/doc/tolvar/examples")
+    games = sorted(f for f in os.listdir(os.path.join(args.source, "examples")) if f.endswith(".dict"))
+    installed = sorted(os.listdir(folder)) if os.path.isdir(folder) else []
+    check(games and installed == games, "the example games %s are not all installed in %s" % (games, folder))
+    if "tolvar-check" in args.programs:
+        validated([os.path.join(prefix, "bin", "tolvar-check")] + [os.path.join(folder, g) for g in games])
+
+
 def check_desktop_entry(prefix, args):
     entry = os.path.join(prefix, "share/applications/%s.desktop" % args.app_id)
     validated(["desktop-file-validate", entry])
@@ -225,8 +235,8 @@ def main():
     prefix = tempfile.mkdtemp(prefix="tolvar-prefix-")
     try:
         validated([args.cmake, "--install", args.build, "--prefix", prefix])
-        for step in (check_files, check_desktop_entry, check_metadata, check_icons, check_manual_pages,
-                     check_options):
+        for step in (check_files, check_examples, check_desktop_entry, check_metadata, check_icons,
+                     check_manual_pages, check_options):
             step(prefix, args)
             print("ok:", step.__name__.replace("check_", "").replace("_", " "))
         check_game_starts(prefix)
