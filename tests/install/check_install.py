@@ -214,12 +214,12 @@ def check_game_starts(prefix):
     """The installed game on a display of its own: the main window, then Vexamor's spiky pieces."""
     game = Tolvar(os.path.join(prefix, "bin", "tolvar"), "install")
     try:
-        err = game.stdout(game.err_path)
-        check("background image" not in err, "the installed game misses its background:\n" + err)
         game.choose_game(1)
         game.press_start()
         model = "resource: %s\n" % os.path.join(os.path.realpath(prefix), "share", "tolvar", "Spikes.dxf")
         game.wait_for(lambda: model in game.stdout(), 60, "the piece model read from the prefix")
+        err = game.stdout(game.err_path)  # the game window, with its nebula, is up by now
+        check("background image" not in err, "the installed game misses its background:\n" + err)
         game.finish()
     finally:
         game.close()
