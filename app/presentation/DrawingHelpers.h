@@ -1,0 +1,34 @@
+// What the board, the pieces and the score screen draw with: the background's texel size, text in
+// the bitmap font, the figures' fractions and the shades the game picks at random.
+#pragma once
+
+#include <GL/gl.h>
+#include <GL/freeglut.h>
+
+#include <cstdint>
+#include <string>
+
+#include "engine/RandomSequence.h"
+
+namespace tolvar::drawing {
+
+// The background image is 1920 x 1200 texels stretched over the window.
+constexpr float kBackgroundTexelsWide = 1920.0f;
+constexpr float kBackgroundTexelsHigh = 1200.0f;
+
+// Text in the 18-point Helvetica bitmap font, from the raster position (x, y).
+inline void drawText(float x, float y, const std::string& text) {
+    glRasterPos2f(x, y);
+    for (char c : text) glutBitmapCharacter(GLUT_BITMAP_HELVETICA_18, static_cast<unsigned char>(c));
+}
+
+// Halves and thirds of the figures: in double precision from the float values, passed as floats.
+inline float half(float v) { return static_cast<float>(static_cast<double>(v) / 2.0); }
+inline float third(float v) { return static_cast<float>(static_cast<double>(v) / 3.0); }
+
+inline std::int32_t sysRandom() { return gameRandom().next(); }
+
+// 0.00 to 1.00 in steps of 0.01.
+inline float randomShade() { return static_cast<float>((sysRandom() % 101) * 0.01); }
+
+}  // namespace tolvar::drawing

@@ -1,0 +1,146 @@
+// The score screen: the last score, the ranked best scores and the piece models flying behind them.
+#include "presentation/GameView.h"
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <string>
+
+#include "DXFtoSprite.h"
+#include "presentation/DrawingGlobals.h"
+#include "presentation/DrawingHelpers.h"
+#include "presentation/ScoreText.h"
+
+namespace tolvar {
+
+using drawing::drawText;
+using drawing::randomShade;
+using drawing::sysRandom;
+
+int GameView::scoreModelCount() const {
+    return static_cast<int>(std::count_if(spriteList.begin(), spriteList.end(),
+                                          [](const SpritePtr& s) { return s != nullptr; }));
+}
+
+void GameView::makeScoreModels() {
+    if (spriteList[0] || scoreModelsMissing_) return;
+    std::array<SpritePtr, 20> made;
+    for (std::size_t i = 0; i < made.size(); ++i) {
+        SpritePtr sprite = readDXFResourceFileintoSprite("Spikes");
+        if (!sprite || sprite->vertexCount == 0) {
+            std::fprintf(stderr, "Spikes.dxf: the model cannot be read; the score screen flies no models\n");
+            scoreModelsMissing_ = true;
+            return;
+        }
+        calcBoundingBox(sprite.get(), 1);
+        scaleSprite(sprite.get(), 25.0f, 25.0f, 25.0f);
+        sprite->spriteID = 100 + static_cast<std::int32_t>(i);
+        sprite->color[3] = 1.0f;
+        sprite->colored = 1;
+        sprite->color[0] = randomShade();
+        sprite->color[1] = randomShade();
+        sprite->color[2] = randomShade();
+        setSpritePosition(sprite.get(), 1, winWidth / 2, winHeight / 2, 0.0f);
+        sprite->velocity.x = static_cast<float>((sysRandom() % 1000) * 0.005 + 0.4);
+        sprite->velocity.y = static_cast<float>((sysRandom() % 1000) * 0.005 + 0.4);
+        sprite->velocity.z = static_cast<float>((sysRandom() % 5) + 2);
+        if (sysRandom() & 1) sprite->velocity.x = -sprite->velocity.x;
+        if (sysRandom() & 1) sprite->velocity.y = -sprite->velocity.y;
+        made[i] = std::move(sprite);
+        if (i > 0) made[i - 1]->next = made[i].get();
+    }
+    spriteList = std::move(made);
+}
+
+void GameView::flyScoreModels() {
+    if (!spriteList[0]) return;
+    glEnable(GL_LIGHTING);
+    drawSprites(spriteList[0].get());
+    for (SpritePtr& owned : spriteList) {
+        Sprite* s = owned.get();
+        // The model grows by 1 % a frame as it flies out.
+        for (float& v : s->vertices) v = static_cast<float>(v * 1.01);
+        const float step = static_cast<float>(s->step);
+        setSpritePosition(s, 0, step * s->velocity.x + s->homePosition.x, step * s->velocity.y + s->homePosition.y,
+                          step * s->velocity.z + s->homePosition.z);
+        if (s->position.z > 500.0f || s->step > 150) {
+            // Beyond the far plane or flown long enough: start again from the centre.
+            s->vertices = s->homeVertices;
+            setSpritePosition(s, 1, winWidth / 2, winHeight / 2, 0.0f);
+            s->velocity.x = static_cast<float>((sysRandom() % 10) - 5);
+            s->velocity.y = static_cast<float>((sysRandom() % 10) - 5);
+            s->velocity.z = static_cast<float>((sysRandom() % 5) + 1);
+            s->color[0] = randomShade();
+            s->color[1] = randomShade();
+            s->color[2] = randomShade();
+            s->step = 0;
+        }
+    }
+}
+
+void GameView::displayScores(const Value& scores, int highlight) {
+    if (highlight != -1) currHighlight = highlight;
+    drawScoresFrame(scores);
+    if (!host_.scoresTimerRunning()) host_.startScoresTimer(scores);
+}
+
+void GameView::redrawLastFrame() {
+    shown_.forget();
+    switch (lastFrame_) {
+        case Frame::None: break;
+        case Frame::Board: drawBoard(); break;
+        case Frame::Scores: drawScoresFrame(lastScores_); break;
+    }
+}
+
+void GameView::drawScoresFrame(const Value& scores) {
+    shown_.forget();
+    lastFrame_ = Frame::Scores;
+    if (&scores != &lastScores_) lastScores_ = scores;
+    std::size_t n = scoreEntryCount(scores);
+
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_LIGHTING);
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    if (bgTexture_ != 0) {
+        drawBackground(0.0f);
+    } else {
+        glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT);
+    }
+
+    makeScoreModels();
+    flyScoreModels();
+
+    if (n > 20) n = 20;
+    glDisable(GL_LIGHTING);
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    drawText(10.0f, winHeight - 30, "Last Score:");
+    glColor4f(0.5f, 0.0f, 0.5f, 1.0f);
+    drawText(20.0f, winHeight - 70, lastScoreText(gameInfo ? gameInfo->score : 0));
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    drawText(winWidth / 2 - 120, winHeight - 30, "Best Scores:");
+
+    for (std::size_t i = 0; i < n; ++i) {
+        const ScoreEntry entry = scoreEntryAt(scores, i);
+        const int row = static_cast<int>(i);
+        if (row == currHighlight)
+            glColor4f(0.75f, 0.0f, 0.75f, 1.0f);
+        else
+            glColor4f(0.5f, 0.0f, 0.5f, 1.0f);
+        drawText(winWidth / 2 - 120, winHeight - static_cast<float>((row + 2) * 20) - 30,
+                 scoreRowText(row, entry.score, scoreDateText(entry.date)));
+    }
+
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    drawText(winWidth / 2 - 120, winHeight - static_cast<float>((static_cast<int>(n) + 3) * 20) - 30,
+             "(press 'esc' to play again)");
+
+    glFlush();
+    if (window_.flushBuffer) window_.flushBuffer();
+    if (window_.display) window_.display();
+}
+
+void GameView::scoresTimerFired(const Value& scores) { displayScores(scores, -1); }
+
+}  // namespace tolvar
