@@ -9,7 +9,6 @@
 #include <cstdlib>
 
 #include "AlertPanel.h"
-#include "platform/DataFolder.h"
 #include "platform/FontLookup.h"
 #include "engine/RandomSequence.h"
 #include "platform/SdlEvents.h"
@@ -462,7 +461,6 @@ void TolvarAppDelegate::eventTick() {
     checkUserEvents();
 }
 
-std::string TolvarAppDelegate::dataFolder() { return tolvarFolderPath(); }
 
 // ---------------------------------------------------------------- answering the windows during a tick
 

@@ -14,6 +14,8 @@
 #include "engine/BoardLayout.h"
 #include "engine/Engine.h"
 #include "engine/Host.h"
+#include "platform/BestScoresFile.h"
+#include "platform/DataFolder.h"
 #include "platform/ProgramKeys.h"
 #include "platform/PropertyList.h"
 #include "platform/RunLoop.h"
@@ -58,7 +60,7 @@ public:
     void showMainWindow() override;
     void hideMainWindow() override;
     void scheduleEngineTimers() override;
-    std::string dataFolder() override;
+    ScoreStore& scoreStore() override { return bestScores_; }
     bool quitRequested() override;
 
 private:
@@ -101,6 +103,7 @@ private:
     GameLibrary library_;
     RulesWatch rules_;
     std::string startTitle_;  // the game to start at once
+    BestScoresFile bestScores_{tolvarFolderPath()};
     ActionsMenu menu_;
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<ActionsPopup> popup_;

@@ -1,15 +1,10 @@
 #include "engine/Completion.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <variant>
 
 #include "engine/Board.h"
 #include "engine/EventQueue.h"
-#include "platform/PlistFile.h"
 
 namespace tolvar {
 
@@ -157,7 +152,7 @@ void Completion::performActionCheckForGameCompletion() {
 
 int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lowerIsBetter) {
     std::size_t i = 0;
-    for (; i < scores.size() && i <= 19; ++i) {
+    for (; i < scores.size() && i < kBestScoresKept; ++i) {
         std::int32_t stored = 0;
         if (const Dictionary* entry = scores[i].asDictionary())
             if (const Value* v = entry->find("Score")) stored = v->intValue().value_or(0);
@@ -170,83 +165,35 @@ int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lower
             return static_cast<int>(i);
         }
     }
-    return i < 20 ? static_cast<int>(i) : -1;
+    return i < kBestScoresKept ? static_cast<int>(i) : -1;
 }
 
 void BestScores::performActionCheckBestScores(const GameAction& action) {
     GameInfo& game = ctx_.game();
     const std::uint64_t score = game.score;
-    const std::string path = ctx_.host.dataFolder() + "/BestScores.dict";
-
-    // A table that exists but cannot be read is kept aside, not written over.
-    bool unreadable = false;
-    std::string problem;
-    Value root = Value::dictionary();
-    {
-        // Anything at the path counts, even what cannot be opened; nothing is opened here, so
-        // a pipe in its place cannot block the game.
-        std::error_code ec;
-        const auto type = std::filesystem::symlink_status(path, ec).type();
-        const bool exists = type != std::filesystem::file_type::not_found &&
-                            type != std::filesystem::file_type::none;
-        if (exists) {
-            auto read = readPropertyListFile(path);
-            if (auto* error = std::get_if<PlistError>(&read)) {
-                unreadable = true;
-                problem = error->reason;
-            } else if (!std::get<Value>(read).isDictionary()) {
-                unreadable = true;
-                problem = "not a dictionary of games";
-            } else {
-                root = std::get<Value>(read);
-                const Value* table = root.asDictionary()->find(game.gameName);
-                if (table && !table->isArray()) {
-                    unreadable = true;
-                    problem = "the scores of \"" + game.gameName + "\" are not a list";
-                    root = Value::dictionary();
-                }
-            }
-        }
-    }
-
-    auto newEntry = [&] {
+    const bool lowerIsBetter = action.lowerIsBetter != 0;
+    const EnteredScore entered = ctx_.host.scoreStore().enterScore(game.gameName, [&](Array& scores) {
+        const int at = bestScoreInsertionIndex(scores, score, lowerIsBetter);
+        if (at < 0) return at;
         Dictionary entry;
         entry.set("Score", Value::integer(static_cast<std::int32_t>(static_cast<std::uint32_t>(score))));
         entry.set("Date", Value::date(Date::now()));
-        return Value::dictionary(std::move(entry));
-    };
+        scores.insert(scores.begin() + at, Value::dictionary(std::move(entry)));
+        return at;
+    });
 
-    int highlight = -1;
-    Dictionary& games = *root.asDictionary();
-    Value* table = games.find(game.gameName);
-    if (!table) {
-        games.set(game.gameName, Value::array({newEntry()}));
-        table = games.find(game.gameName);
-        highlight = 0;
-    } else {
-        Array& scores = *table->asArray();
-        highlight = bestScoreInsertionIndex(scores, score, action.lowerIsBetter != 0);
-        if (highlight >= 0) scores.insert(scores.begin() + highlight, newEntry());
-    }
+    ctx_.view.displayScores(entered.table, entered.place);
 
-    ctx_.view.displayScores(*table, highlight);
-
-    if (highlight != -1) {
-        ctx_.host.runAlert(" ", "You got one of the best scores!", "Sweet!");
-        bool mayWrite = true;
-        if (unreadable) {
-            const std::string aside = path + ".unreadable";
-            if (std::rename(path.c_str(), aside.c_str()) == 0) {
-                std::fprintf(stderr, "%s: cannot be read (%s); kept as %s, a new table is written\n",
-                             path.c_str(), problem.c_str(), aside.c_str());
-            } else {
-                // Never write over what could not be kept aside.
-                std::fprintf(stderr, "%s: cannot be read (%s) nor kept aside (%s); not written\n",
-                             path.c_str(), problem.c_str(), std::strerror(errno));
-                mayWrite = false;
-            }
+    if (entered.place != -1) {
+        if (const auto& error = entered.saveError) {
+            std::fprintf(stderr, "%s: the best score could not be saved (%s)\n", error->path.c_str(),
+                         error->reason.c_str());
+            ctx_.host.runAlert(" ", "You got one of the best scores, but it could not be saved to \"" +
+                                        error->path + "\": " + error->reason + ".",
+                               "OK");
+        } else {
+            ctx_.host.runAlert(" ", "You got one of the best scores!", "Sweet!");
         }
-        if (mayWrite) writePropertyListFile(path, root);
     }
     ctx_.gamePaused = 1;
 }

@@ -47,8 +47,8 @@ class BestScores {
 public:
     explicit BestScores(EngineContext& ctx) : ctx_(ctx) {}
 
-    // Enters the final score in "BestScores.dict" of the data folder, shows the table,
-    // congratulates a new best score, and pauses the game.
+    // Enters the final score in the host's best-score store, shows the table, congratulates a
+    // new best score (or says why it could not be saved), and pauses the game.
     void performActionCheckBestScores(const GameAction& action);
 
 private:

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/PropertyList.h"
+#include "platform/ScoreStore.h"
 
 namespace tolvar {
 
@@ -95,8 +96,8 @@ public:
     // Schedules the two engine timers (event tick 0.033 s, input poll). Called at the first start.
     virtual void scheduleEngineTimers() = 0;
 
-    // The folder that holds "BestScores.dict" (and "RulesDict.dict").
-    virtual std::string dataFolder() = 0;
+    // Where the best scores are kept.
+    virtual ScoreStore& scoreStore() = 0;
 
     // True once the player has asked to quit: a tick that is still running stops at the next
     // event or action, so the program can end at once. The desktop also answers its windows here.

@@ -1,5 +1,5 @@
 // A desktop that shows nothing: every view and host operation does nothing, the current event
-// is whatever was last put in `event`, and best scores go to `folder`. The headless runner, the
+// is whatever was last put in `event`, and best scores go to "BestScores.dict" in the folder given. The headless runner, the
 // benchmarks and the fuzz targets build on it and override what they need to see.
 #pragma once
 
@@ -7,6 +7,7 @@
 
 #include "engine/Host.h"
 #include "engine/View.h"
+#include "platform/BestScoresFile.h"
 
 namespace tolvar {
 
@@ -22,8 +23,7 @@ public:
 
 class QuietHost : public Host {
 public:
-    QuietHost() = default;
-    explicit QuietHost(std::string dataFolder) : folder(std::move(dataFolder)) {}
+    explicit QuietHost(std::string dataFolder = ".") : scores(std::move(dataFolder)) {}
 
     CurrentEvent currentEvent() override { return event; }
     void runAlert(const std::string&, const std::string&, const std::string&) override {}
@@ -36,10 +36,10 @@ public:
     void showMainWindow() override {}
     void hideMainWindow() override {}
     void scheduleEngineTimers() override {}
-    std::string dataFolder() override { return folder; }
+    ScoreStore& scoreStore() override { return scores; }
 
-    CurrentEvent event;   // what the game window last saw
-    std::string folder;   // where "BestScores.dict" lives
+    CurrentEvent event;  // what the game window last saw
+    BestScoresFile scores;
     bool scoresTimer = false;
 };
 

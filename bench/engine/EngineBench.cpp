@@ -220,8 +220,7 @@ void BM_WholeGameFromScript(benchmark::State& state) {
         state.ResumeTiming();
         gameRandom().seed(seed);
         QuietView view;
-        QuietHost host;
-        host.folder = folder.string();
+        QuietHost host(folder.string());
         ActionsMenu menu;
         Engine engine(view, host);
         auto pointer = [&](std::int64_t type, float x, float y) {

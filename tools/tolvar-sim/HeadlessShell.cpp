@@ -13,7 +13,7 @@ void HeadlessHost::runAlert(const std::string&, const std::string& message,
     std::printf(" [%s]\n", button.c_str());
 }
 
-std::string HeadlessHost::dataFolder() { return tolvarFolderPath(); }
+HeadlessHost::HeadlessHost() : QuietHost(tolvarFolderPath()) {}
 
 void HeadlessView::displayScores(const Value& scores, int highlight) {
     std::printf("scores highlight=%d:", highlight);

@@ -13,7 +13,7 @@ public:
     // "alert: MESSAGE [BUTTON]", dismissed at once.
     void runAlert(const std::string& title, const std::string& message,
                   const std::string& button) override;
-    std::string dataFolder() override;
+    HeadlessHost();  // best scores in the player's data folder
 };
 
 class HeadlessView : public QuietView {

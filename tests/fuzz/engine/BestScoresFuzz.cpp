@@ -48,8 +48,9 @@ const std::string& folder() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string file = folder() + "/BestScores.dict";
-    const std::string aside = file + ".unreadable";
-    std::filesystem::remove(aside);
+    const std::string aside = file + ".unreadable";  // the first name a broken file is kept under
+    for (const auto& entry : std::filesystem::directory_iterator(folder()))
+        if (entry.path().filename() != "BestScores.dict") std::filesystem::remove(entry.path());
     const std::string bytes(reinterpret_cast<const char*>(data), size);
     {
         std::ofstream out(file, std::ios::binary | std::ios::trunc);

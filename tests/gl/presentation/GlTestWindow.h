@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/Host.h"
+#include "platform/BestScoresFile.h"
 #include "presentation/GameView.h"
 
 namespace tolvar::test {
@@ -33,7 +34,8 @@ public:
     void hideGameWindow() override {}
     void showMainWindow() override {}
     void hideMainWindow() override {}
-    std::string dataFolder() override { return "."; }
+    ScoreStore& scoreStore() override { return scores; }
+    BestScoresFile scores{"."};
     bool timerRunning = false;
     int timerStarts = 0;
 };

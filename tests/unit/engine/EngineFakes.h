@@ -12,6 +12,7 @@
 #include "engine/EngineContext.h"
 #include "engine/Host.h"
 #include "engine/View.h"
+#include "platform/BestScoresFile.h"
 
 namespace tolvar::testing {
 
@@ -34,11 +35,12 @@ struct RecordingView : View {
 };
 
 struct RecordingHost : Host {
-    RecordingHost() {
+    static std::filesystem::path freshFolder() {
         static std::atomic<int> counter{0};
-        folder /= "tolvar-engine-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
-        std::filesystem::create_directories(folder);
+        return std::filesystem::temp_directory_path() /
+               ("tolvar-engine-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
     }
+    RecordingHost() { std::filesystem::create_directories(folder); }
     ~RecordingHost() override { std::error_code ec; std::filesystem::remove_all(folder, ec); }
     CurrentEvent currentEvent() override { return event; }
     void runAlert(const std::string& t, const std::string& m, const std::string& b) override {
@@ -53,14 +55,15 @@ struct RecordingHost : Host {
     void showMainWindow() override { mainWindowShown = true; }
     void hideMainWindow() override { mainWindowShown = false; }
     void scheduleEngineTimers() override { ++timerSchedules; }
-    std::string dataFolder() override { return folder.string(); }
+    ScoreStore& scoreStore() override { return scores; }
     bool quitRequested() override { return quit; }
 
     CurrentEvent event;
     std::vector<std::string> alerts;  // title|message|button
     bool scoresTimer = false, gameWindowShown = false, mainWindowShown = true, quit = false;
     int projectionResets = 0, timerSchedules = 0;
-    std::filesystem::path folder = std::filesystem::temp_directory_path();  // removed afterwards
+    std::filesystem::path folder = freshFolder();  // removed afterwards
+    BestScoresFile scores{folder.string()};
 };
 
 struct EngineFixture : ::testing::Test {

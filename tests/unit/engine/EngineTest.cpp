@@ -271,6 +271,26 @@ TEST(BestScoreIndexTest, InsertionCases) {
     }
 }
 
+TEST_F(EngineFixture, ABestScoreThatCannotBeSavedIsShownAndTheAlertAndStandardErrorSayWhy) {
+    installGame(2, 2).gameName = "Vexamor";
+    gameInfo->score = 30;
+    const std::string path = (host.folder / "BestScores.dict").string();
+    std::string err;
+    {
+        ScopedWriteFailure full(100, ENOSPC);
+        err = stderrOf([&] { BestScores{ctx}.performActionCheckBestScores(GameAction{}); });
+    }
+    EXPECT_EQ(err, path + ": the best score could not be saved (No space left on device)\n");
+    EXPECT_EQ(host.alerts, std::vector<std::string>{" |You got one of the best scores, but it could not be saved to \"" +
+                                                    path + "\": No space left on device.|OK"});
+    EXPECT_EQ(ctx.gamePaused, 1);
+    EXPECT_FALSE(std::filesystem::exists(path));
+    host.alerts.clear();  // once the disk has room, the same finish is saved and congratulated
+    BestScores{ctx}.performActionCheckBestScores(GameAction{});
+    EXPECT_EQ(host.alerts, std::vector<std::string>{" |You got one of the best scores!|Sweet!"});
+    EXPECT_TRUE(std::filesystem::exists(path));
+}
+
 TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
     Dictionary wrongKind;
     wrongKind.set("Vexamor", Value::string("not a list"));
