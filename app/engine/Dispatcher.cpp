@@ -1,6 +1,7 @@
 #include "engine/Dispatcher.h"
 
 #include <cstdio>
+#include <string>
 
 #include "engine/EventQueue.h"
 
@@ -12,13 +13,30 @@ void Dispatcher::processEvents() {
     GameInfo& game = ctx_.game();
     while (game.eventQueue) {
         if (ctx_.host.quitRequested()) return;
+        if (runaway_.runsAway()) return stopRunawayGame(*game.eventQueue);
         std::printf("processing event %d\n", static_cast<int>(game.eventQueue->eventID));
         processEvent(*game.eventQueue);
         // Entries queued while the actions ran follow in this same tick.
         std::unique_ptr<SupportedEvent> done = std::move(game.eventQueue);
         game.eventQueue = std::move(done->next);
     }
+    runaway_.queueEmptied();
     if (ctx_.gamePaused == 0) ctx_.view.drawBoard();
+}
+
+void Dispatcher::stopRunawayGame(const SupportedEvent& looping) {
+    GameInfo& game = ctx_.game();
+    const std::string event = "event " + std::to_string(looping.eventID) + " (type " +
+                              std::to_string(looping.eventType) + ")";
+    EventQueue(game).clearEventQueue();
+    runaway_.queueEmptied();
+    ctx_.gamePaused = 1;
+    std::printf("stopped: %s keeps queueing events, %zu in a row\n", event.c_str(),
+                RunawayGuard::kMaxChainedEvents);
+    ctx_.host.runAlert(" ",
+                       "The game \"" + game.gameName + "\" was stopped: its " + event +
+                           " keeps queueing events without end. Press the 'esc' key to play again.",
+                       "OK");
 }
 
 void Dispatcher::checkForEvents() {

@@ -4,6 +4,7 @@
 #include "engine/BoardActions.h"
 #include "engine/Completion.h"
 #include "engine/EngineContext.h"
+#include "engine/RunawayGuard.h"
 
 namespace tolvar {
 
@@ -20,10 +21,14 @@ public:
     void processEvent(const SupportedEvent& event);
 
 private:
+    // Ends a game whose events keep queueing one another, naming the one at the head.
+    void stopRunawayGame(const SupportedEvent& looping);
+
     EngineContext& ctx_;
     BoardActions actions_;
     Completion completion_;
     BestScores bestScores_;
+    RunawayGuard runaway_;
 };
 
 }  // namespace tolvar

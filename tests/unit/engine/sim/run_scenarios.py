@@ -103,6 +103,18 @@ with tempfile.TemporaryDirectory() as home:  # junk is kept aside and a new tabl
     check(open(path + ".unreadable", "rb").read() == bytes(range(256)) * 3, "broken: kept intact")
     check(len(stored(home, "Vexamor")) == 1, "broken table: a new table written")
 
+with tempfile.TemporaryDirectory() as home:  # rules whose events queue each other without end
+    for rules, name, event in [("loop-events.dict", "Vexamor", "event 3 (type 11)"),
+                               ("loop-refill.dict", "Glimmet", "event 2 (type 12)")]:
+        run = sim(home, ["--seed", "1", "--rules", os.path.join(DIR, rules)],
+                  "select %s\nstart\ntick\nstate\ntick\n" % name)
+        stopped = [l for l in run.stdout.splitlines() if l.startswith("stopped: ")]
+        check(run.returncode == 0 and stopped == ["stopped: %s keeps queueing events, 1000 in a row" % event]
+              and run.stdout.count("processing event") == 1000, rules + ": stopped once at the bound")
+        check('alert: The game "%s" was stopped: its %s keeps queueing events without end. Press the '
+              "'esc' key to play again. [OK]\nstate score=" % (name, event) in run.stdout
+              and run.stdout.endswith("paused=1\n"), rules + ": alert and the game ended")
+
 with tempfile.TemporaryDirectory() as home:  # unplayable rules and a broken script
     game = plistlib.loads(read("vexamor-4x4.dict", "rb"))
     game["Vexamor"]["BoardWidth"] = 0
