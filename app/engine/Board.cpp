@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <cstdio>
 
 #include "engine/BoardLayout.h"
@@ -28,9 +29,29 @@ BoardPiece& Board::getBoardPieceAtX(int x, int y) const {
 }
 
 BoardPiece* Board::getPieceByID(std::uint32_t pieceID) const {
-    for (BoardPiece& piece : game_.board)
-        if (piece.pieceID == pieceID) return &piece;
-    return nullptr;
+    std::vector<BoardPiece>& cells = game_.board;
+    if (pieceID == 0) {
+        for (BoardPiece& piece : cells)
+            if (piece.pieceID == 0) return &piece;
+        return nullptr;
+    }
+    // A number is on one cell at most: the deal numbers every cell, a refill hands out free
+    // numbers and a move carries its number along. So a cell that still holds the number is the
+    // one; otherwise the whole board is indexed again, once for all numbers.
+    std::vector<std::uint32_t>& index = game_.cellOfPiece;
+    auto cached = [&]() -> BoardPiece* {
+        if (pieceID >= index.size() || index[pieceID] >= cells.size()) return nullptr;
+        BoardPiece& piece = cells[index[pieceID]];
+        return piece.pieceID == pieceID ? &piece : nullptr;
+    };
+    if (BoardPiece* piece = cached()) return piece;
+    constexpr std::uint32_t kNoCell = std::numeric_limits<std::uint32_t>::max();
+    std::uint32_t highest = 0;
+    for (const BoardPiece& piece : cells) highest = std::max(highest, piece.pieceID);
+    index.assign(static_cast<std::size_t>(highest) + 1, kNoCell);
+    for (std::uint32_t n = static_cast<std::uint32_t>(cells.size()); n-- > 0;)
+        index[cells[n].pieceID] = n;  // the first cell wins, should a number ever repeat
+    return cached();
 }
 
 BoardPiece* Board::getBoardPieceAtWindowX(float x, float y) const {

@@ -173,6 +173,9 @@ struct GameInfo {
     std::uint8_t boardWidth = 0;
     std::uint8_t hasLauncher = 0;
     std::vector<BoardPiece> board;  // empty until the board is set up
+    // The cell of each piece number, as last seen: the board's lookup by number checks the cell
+    // before trusting it and rebuilds this when it is stale.
+    std::vector<std::uint32_t> cellOfPiece;
     std::uint8_t numColors = 0;
     std::uint8_t numShapes = 0;
     std::uint8_t colorsMatchShapes = 0;

@@ -110,12 +110,12 @@ void sizes(benchmark::internal::Benchmark* b) {
 BENCHMARK(BM_CompletionRandomBoard)->Apply(sizes);
 BENCHMARK(BM_CompletionNoMoveLeft)->Apply(sizes);
 
-// One pass of line resolution over a fresh board (no line), and one that removes a planted
-// line of four and refills nothing.
+// One pass of line resolution over a fresh board (no line), one that removes a planted line of
+// four, and one that removes a line as long as the board is wide; none refills.
 void BM_ResolveMatches(benchmark::State& state) {
     Silence quiet;
     const int size = static_cast<int>(state.range(0));
-    const bool planted = state.range(1) != 0;
+    const int planted = state.range(1) == 2 ? size : state.range(1) == 1 ? 4 : 0;
     installGame(3, size);
     const std::vector<BoardPiece> fresh = gameInfo->board;
     QuietView view;
@@ -126,8 +126,7 @@ void BM_ResolveMatches(benchmark::State& state) {
         state.PauseTiming();
         gameInfo->board = fresh;
         gameInfo->eventQueue.reset();
-        if (planted)
-            for (int x = 0; x < 4; ++x) gameInfo->board[x * size + size / 2].colorIndex = 9;
+        for (int x = 0; x < planted; ++x) gameInfo->board[x * size + size / 2].colorIndex = 9;
         state.ResumeTiming();
         actions.performActionResolveMatches();
     }
@@ -139,6 +138,7 @@ void BM_ResolveMatches(benchmark::State& state) {
 BENCHMARK(BM_ResolveMatches)
     ->Args({8, 0})->Args({64, 0})->Args({255, 0})
     ->Args({8, 1})->Args({64, 1})->Args({255, 1})
+    ->Args({8, 2})->Args({64, 2})->Args({255, 2})
     ->Unit(benchmark::kMicrosecond);
 
 // Falling pieces after a quarter of the cells were emptied.
