@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -63,20 +64,20 @@ StoredTables readTables(const std::string& path) {
         stored.unreadable = error->reason;
         return stored;
     }
-    Dictionary* games = std::get<Value>(read).asDictionary();
+    const Dictionary* games = std::get<Value>(read).asDictionary();
     if (!games) {
         stored.unreadable = "not a dictionary of games";
         return stored;
     }
     Dictionary kept;
-    for (auto& [name, table] : games->entries()) {
-        Array* entries = table.asArray();
+    for (const auto& [name, table] : games->entries()) {
+        const Array* entries = table.asArray();
         if (!entries) {
             stored.dropped.push_back(name);
             continue;
         }
-        if (entries->size() > kBestScoresKept) entries->resize(kBestScoresKept);
-        kept.set(name, std::move(table));
+        const auto best = entries->begin() + static_cast<std::ptrdiff_t>(std::min(entries->size(), kBestScoresKept));
+        kept.set(name, Value::array(Array(entries->begin(), best)));
     }
     stored.games = Value::dictionary(std::move(kept));
     return stored;

@@ -58,33 +58,33 @@ Date Date::fromUnixTime(double unixSeconds) {
 double Date::unixTime() const { return secondsSinceReference + kReferenceDateUnixTime; }
 
 const Value* Dictionary::find(const std::string& key) const {
-    for (const auto& entry : entries_)
-        if (entry.first == key) return &entry.second;
-    return nullptr;
+    const auto at = positions_.find(key);
+    return at == positions_.end() ? nullptr : &entries_[at->second].second;
 }
 
 Value* Dictionary::find(const std::string& key) {
-    for (auto& entry : entries_)
-        if (entry.first == key) return &entry.second;
-    return nullptr;
+    const auto at = positions_.find(key);
+    return at == positions_.end() ? nullptr : &entries_[at->second].second;
 }
 
 void Dictionary::set(const std::string& key, Value value) {
-    if (Value* existing = find(key)) {
-        *existing = std::move(value);
+    const auto [at, added] = positions_.try_emplace(key, entries_.size());
+    if (!added) {
+        entries_[at->second].second = std::move(value);
         return;
     }
     entries_.emplace_back(key, std::move(value));
 }
 
 bool Dictionary::erase(const std::string& key) {
-    for (auto it = entries_.begin(); it != entries_.end(); ++it) {
-        if (it->first == key) {
-            entries_.erase(it);
-            return true;
-        }
-    }
-    return false;
+    const auto at = positions_.find(key);
+    if (at == positions_.end()) return false;
+    const std::size_t position = at->second;
+    positions_.erase(at);
+    entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(position));
+    for (auto& [name, index] : positions_)
+        if (index > position) --index;
+    return true;
 }
 
 const Array* Value::asArray() const {

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -35,7 +36,7 @@ struct Data {
 
 using Array = std::vector<Value>;
 
-// Keys in insertion order; lookups are linear, which suits the small dictionaries of a rules file.
+// Keys in insertion order, found through a hash index: a rules file may hold many thousands of games.
 class Dictionary {
 public:
     const Value* find(const std::string& key) const;
@@ -46,10 +47,10 @@ public:
     std::size_t size() const;  // defined below, once Value is complete
     bool empty() const;
     const std::vector<std::pair<std::string, Value>>& entries() const { return entries_; }
-    std::vector<std::pair<std::string, Value>>& entries() { return entries_; }
 
 private:
     std::vector<std::pair<std::string, Value>> entries_;
+    std::unordered_map<std::string, std::size_t> positions_;  // key -> its index in entries_
 };
 
 class Value {
