@@ -1,5 +1,7 @@
 #include "checker/XmlPositions.h"
 
+#include "platform/Utf8.h"
+
 #include <cstring>
 #include <optional>
 
@@ -24,25 +26,6 @@ bool isValueElement(const std::string& name) {
     for (const char* n : kNames)
         if (name == n) return true;
     return false;
-}
-
-// Appends the UTF-8 form of a character number.
-void appendUtf8(std::string& out, unsigned long c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | ((c >> 18) & 0x07));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
 }
 
 class Scanner {
@@ -144,7 +127,7 @@ std::optional<XmlProblem> Scanner::readContent(const std::string& name, std::str
                 if (digits.empty() || digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "0123456789") !=
                                           std::string::npos)
                     return problem(here(), "the character reference &" + ref + "; is not a number");
-                appendUtf8(out, std::stoul(digits, nullptr, hex ? 16 : 10) & 0x1FFFFF);
+                out += utf8(static_cast<char32_t>(std::stoul(digits, nullptr, hex ? 16 : 10) & 0x1FFFFF));
             } else {
                 return problem(here(), "an unknown entity &" + ref + ";");
             }

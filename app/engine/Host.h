@@ -8,6 +8,7 @@
 
 #include "platform/PropertyList.h"
 #include "platform/ScoreStore.h"
+#include "platform/Utf8.h"
 
 namespace tolvar {
 
@@ -61,8 +62,6 @@ inline std::int8_t firstCharacter(const CurrentEvent& event) {
     return event.characters.empty() ? 0 : static_cast<std::int8_t>(event.characters[0]);
 }
 
-// The UTF-8 form of one character.
-std::string utf8(char32_t character);
 // The first character of a key event's characters, decoded from UTF-8 (0 when empty or not
 // UTF-8).
 char32_t firstKeyCharacter(const CurrentEvent& event);
