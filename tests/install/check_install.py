@@ -22,8 +22,8 @@ import tempfile
 import xml.etree.ElementTree as ET
 import zlib
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "e2e"))
-from tolvar_driver import Failure, Tolvar, check  # noqa: E402
+from temporary_folder import check, checked_in_temporary_folder
+from tolvar_driver import Tolvar
 
 
 def validated(command):
@@ -232,8 +232,8 @@ def main():
     args = parser.parse_args()
     args.programs = args.programs.split(",")
     args.icon_sizes = [int(s) for s in args.icon_sizes.split(",")]
-    prefix = tempfile.mkdtemp(prefix="tolvar-prefix-")
-    try:
+
+    def install_and_check(prefix):
         validated([args.cmake, "--install", args.build, "--prefix", prefix])
         for step in (check_files, check_examples, check_desktop_entry, check_metadata, check_icons,
                      check_manual_pages, check_options):
@@ -241,12 +241,8 @@ def main():
             print("ok:", step.__name__.replace("check_", "").replace("_", " "))
         check_game_starts(prefix)
         print("ok: the installed game starts with its resources")
-    except Failure as failure:
-        print("FAILED:", failure)
-        return 1
-    finally:
-        shutil.rmtree(prefix, ignore_errors=True)
-    return 0
+
+    return checked_in_temporary_folder("tolvar-prefix-", install_and_check)
 
 
 if __name__ == "__main__":

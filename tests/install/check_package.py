@@ -12,19 +12,10 @@ or warning. Prints the package's size, its Depends line and lintian's full outpu
 import argparse
 import glob
 import os
-import shutil
 import subprocess
 import sys
-import tempfile
 
-
-class Failure(Exception):
-    pass
-
-
-def check(condition, message):
-    if not condition:
-        raise Failure(message)
+from temporary_folder import check, checked_in_temporary_folder
 
 
 def output(*command):
@@ -101,20 +92,16 @@ def main():
         parser.add_argument("--" + option, required=True)
     args = parser.parse_args()
     args.programs = args.programs.split(",")
-    work = tempfile.mkdtemp(prefix="tolvar-package-")
-    try:
+
+    def make_and_check(work):
         status, log = output(args.cpack, "-G", "DEB", "-B", work, "--config",
                              os.path.join(args.build, "CPackConfig.cmake"))
         check(status == 0, "cpack fails:\n" + log)
         debs = glob.glob(os.path.join(work, "tolvar_*.deb"))
         check(len(debs) == 1, "cpack made %s" % os.listdir(work))
         check_package(debs[0], args)
-    except Failure as failure:
-        print("FAILED:", failure)
-        return 1
-    finally:
-        shutil.rmtree(work, ignore_errors=True)
-    return 0
+
+    return checked_in_temporary_folder("tolvar-package-", make_and_check)
 
 
 if __name__ == "__main__":
