@@ -16,7 +16,11 @@ namespace {
 
 using namespace tolvar;
 
-void drawBoardOf(benchmark::State& state, const std::string& name, bool withBackground) {
+// Starts the game in a fresh view on the test window and draws its first frame (the model is read
+// and sized then), then hands the view to the timed frames; a game that cannot start skips the
+// benchmark and says why.
+template <typename Frames>
+void timeFramesOf(benchmark::State& state, const std::string& name, bool withBackground, Frames frames) {
     std::string why;
     if (!test::openTestWindow(why)) {
         state.SkipWithError(("no OpenGL window: " + why).c_str());
@@ -30,41 +34,33 @@ void drawBoardOf(benchmark::State& state, const std::string& name, bool withBack
         state.SkipWithError(("cannot start " + name).c_str());
         return;
     }
-    view.drawBoard();  // the model is read and sized on the first frame
+    view.drawBoard();
     glFinish();
-    for (auto _ : state) {
-        view.setNeedsDisplay();
-        view.drawBoard();
-        glFinish();
-    }
-    state.counters["cells"] = static_cast<double>(gameInfo->board.size());
+    frames(view);
     gameInfo.reset();
+}
+
+void drawBoardOf(benchmark::State& state, const std::string& name, bool withBackground) {
+    timeFramesOf(state, name, withBackground, [&](GameView& view) {
+        for (auto _ : state) {
+            view.setNeedsDisplay();
+            view.drawBoard();
+            glFinish();
+        }
+        state.counters["cells"] = static_cast<double>(gameInfo->board.size());
+    });
 }
 
 // One piece changes colour on every frame: only its cell's patch is drawn again.
 void drawOneCellOf(benchmark::State& state, const std::string& name) {
-    std::string why;
-    if (!test::openTestWindow(why)) {
-        state.SkipWithError(("no OpenGL window: " + why).c_str());
-        return;
-    }
-    test::RecordingHost host;
-    test::CountingWindow window;
-    GameView view(host, window.callbacks());
-    view.loadBGTexture();
-    if (!bench::startBuiltinGame(name, view)) {
-        state.SkipWithError(("cannot start " + name).c_str());
-        return;
-    }
-    view.drawBoard();
-    glFinish();
-    BoardPiece& piece = gameInfo->board[gameInfo->board.size() / 2];
-    for (auto _ : state) {
-        piece.red = piece.red > 0.5f ? 0.0f : 1.0f;
-        view.drawBoard();
-        glFinish();
-    }
-    gameInfo.reset();
+    timeFramesOf(state, name, true, [&](GameView& view) {
+        BoardPiece& piece = gameInfo->board[gameInfo->board.size() / 2];
+        for (auto _ : state) {
+            piece.red = piece.red > 0.5f ? 0.0f : 1.0f;
+            view.drawBoard();
+            glFinish();
+        }
+    });
 }
 
 BENCHMARK_CAPTURE(drawBoardOf, Vexamor, std::string("Vexamor"), true)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
