@@ -5,7 +5,6 @@ the keyboard cursor on a selection, and the game window made smaller, taken from
     desktop_screenshots.py --program build/bin/tolvar --out docs
 """
 
-import argparse
 import os
 import sys
 import time
@@ -13,43 +12,39 @@ import time
 # The program is driven by the end-to-end tests' driver and their keyboard helpers.
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "e2e"))
 from run_e2e_desktop import VEXAMOR, ask_hint, cursor_to, game_size, key  # noqa: E402
-from take_screenshots import save  # noqa: E402
-from tolvar_driver import HELP_H, HELP_W, WIN_H, WIN_W, Tolvar, near  # noqa: E402
+from take_screenshots import save, take_pictures  # noqa: E402
+from tolvar_driver import HELP_H, HELP_W, WIN_H, WIN_W, near  # noqa: E402
+
+
+def take_desktop_pictures(t, out):
+    """The hint, the keyboard cursor, the help window and the game window made smaller."""
+    lay = t.start(*VEXAMOR)
+    gx, gy = t.geometry(t.game)
+    region = ask_hint(t, lay, 2)
+    save(t, os.path.join(out, "window-hint.png"), gx, gy, WIN_W, WIN_H)
+    cursor_to(t, lay, region[0])
+    key(t, "Return")
+    time.sleep(0.8)
+    save(t, os.path.join(out, "window-cursor.png"), gx, gy, WIN_W, WIN_H)
+    key(t, "F1")
+    helpw = t.wait_for(lambda: next((wid for wid, _n, w, h in t.windows() if (w, h) == (HELP_W, HELP_H)
+                                     and t.mapped(wid)), None), 10, "the help window")
+    hx, hy = t.geometry(helpw)
+    t.wait_shot(lambda s: near(s.pixel(hx + 4, hy + HELP_H - 4), (240, 240, 242), 12), "the help drawn")
+    time.sleep(0.5)
+    save(t, os.path.join(out, "window-help.png"), hx, hy, HELP_W, HELP_H)
+    t.xdo("windowfocus", "--sync", helpw, "key", "Escape")
+    t.wait_for(lambda: not t.mapped(helpw), 10, "the help to close")
+    size = (900, 560)
+    t.xdo("windowsize", "--sync", t.game, *size)
+    t.wait_for(lambda: game_size(t) == size, 10, "the smaller window")
+    time.sleep(1.5)
+    save(t, os.path.join(out, "window-scaled.png"), gx, gy, *size)
+    t.finish()
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--out", required=True)
-    args = parser.parse_args()
-    out = os.path.abspath(args.out)
-    t = Tolvar(os.path.abspath(args.program), "desktop-pictures")
-    try:
-        lay = t.start(*VEXAMOR)
-        gx, gy = t.geometry(t.game)
-        region = ask_hint(t, lay, 2)
-        save(t, os.path.join(out, "window-hint.png"), gx, gy, WIN_W, WIN_H)
-        cursor_to(t, lay, region[0])
-        key(t, "Return")
-        time.sleep(0.8)
-        save(t, os.path.join(out, "window-cursor.png"), gx, gy, WIN_W, WIN_H)
-        key(t, "F1")
-        helpw = t.wait_for(lambda: next((wid for wid, _n, w, h in t.windows() if (w, h) == (HELP_W, HELP_H)
-                                         and t.mapped(wid)), None), 10, "the help window")
-        hx, hy = t.geometry(helpw)
-        t.wait_shot(lambda s: near(s.pixel(hx + 4, hy + HELP_H - 4), (240, 240, 242), 12), "the help drawn")
-        time.sleep(0.5)
-        save(t, os.path.join(out, "window-help.png"), hx, hy, HELP_W, HELP_H)
-        t.xdo("windowfocus", "--sync", helpw, "key", "Escape")
-        t.wait_for(lambda: not t.mapped(helpw), 10, "the help to close")
-        size = (900, 560)
-        t.xdo("windowsize", "--sync", t.game, *size)
-        t.wait_for(lambda: game_size(t) == size, 10, "the smaller window")
-        time.sleep(1.5)
-        save(t, os.path.join(out, "window-scaled.png"), gx, gy, *size)
-        t.finish()
-    finally:
-        t.close()
+    take_pictures("desktop-pictures", take_desktop_pictures)
 
 
 if __name__ == "__main__":
