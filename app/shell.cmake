@@ -12,6 +12,7 @@ target_link_libraries(tolvar_shell_platform PUBLIC tolvar_engine PkgConfig::SDL2
 add_executable(tolvar
   ${CMAKE_CURRENT_LIST_DIR}/main.cpp
   ${CMAKE_CURRENT_LIST_DIR}/TolvarAppDelegate.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/TolvarInput.cpp
   ${CMAKE_CURRENT_LIST_DIR}/MyWindow.cpp
   ${CMAKE_CURRENT_LIST_DIR}/MainWindow.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RulesWatch.cpp
