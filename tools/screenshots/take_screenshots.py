@@ -31,9 +31,11 @@ def take_pictures(data_folder_name, take):
         t.close()
 
 
-def save(t, path, x, y, w, h):
+def save(t, path, x, y, w, h, shot=None):
+    """Writes the rectangle of the screen (or of a shot taken earlier) to path."""
+    shot = t.shot() if shot is None else shot
     subprocess.run(["convert", "-size", "1280x1024", "-depth", "8", "bgra:-", "-alpha", "off", "-crop",
-                    "%dx%d+%d+%d" % (w, h, x, y), "+repage", path], input=t.shot().raw, check=True)
+                    "%dx%d+%d+%d" % (w, h, x, y), "+repage", path], input=shot.raw, check=True)
     print("wrote", path)
 
 
@@ -49,10 +51,7 @@ def save_fall(t, path, gx, gy):
     after = t.shot().raw
     between = [s for s in shots if s.raw not in (before, after)]
     if between:
-        shot = between[len(between) // 2]
-        subprocess.run(["convert", "-size", "1280x1024", "-depth", "8", "bgra:-", "-alpha", "off", "-crop",
-                        "%dx%d+%d+%d" % (WIN_W, WIN_H, gx, gy), "+repage", path], input=shot.raw, check=True)
-        print("wrote", path)
+        save(t, path, gx, gy, WIN_W, WIN_H, between[len(between) // 2])
     else:
         print("no picture of a fall was caught; %s not written" % path)
 
