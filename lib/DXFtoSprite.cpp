@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <new>
 
 #include "FileIO.h"
@@ -149,6 +150,13 @@ void processPolyLine(Sprite*, std::uint64_t*, std::uint64_t*, const char*, std::
 }
 
 SpritePtr readDXFintoSprite(const char* path) {
+    std::error_code ec;
+    const std::uintmax_t bytes = path != nullptr ? std::filesystem::file_size(path, ec) : 0;
+    if (path != nullptr && !ec && bytes > kMaxModelFileMegabytes << 20) {
+        fprintf(stderr, "%s: the model file is too large (%ju bytes; the limit is %llu MB)\n", path, bytes,
+                static_cast<unsigned long long>(kMaxModelFileMegabytes));
+        return nullptr;
+    }
     const FileData file = getFileData(path);
     if (!file.ok) return nullptr;
     return readDXFDataintoSprite(file.bytes.data(), file.bytes.size(), path);
@@ -158,9 +166,9 @@ SpritePtr readDXFDataintoSprite(const char* data, std::uint64_t size, const char
     if (data == nullptr) size = 0;
     if (path == nullptr) path = "";
     const std::uint64_t count = getVertexCount(data, size);
-    if (count > UINT32_MAX) {
-        fprintf(stderr, "%s: too many faces for one model (%llu vertices)\n", path,
-                static_cast<unsigned long long>(count));
+    if (count > kMaxModelVertices) {
+        fprintf(stderr, "%s: the model has too many faces (%llu vertices; the limit is %llu)\n", path,
+                static_cast<unsigned long long>(count), static_cast<unsigned long long>(kMaxModelVertices));
         return nullptr;
     }
     SpritePtr sprite = newSprite();

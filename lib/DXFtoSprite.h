@@ -20,9 +20,14 @@ enum TokenType : int {
     kTokenOther = 11,
 };
 
+// A model file larger than this is not read, and a model of more vertices than this is not
+// built (four a face): the game's own models hold a few hundred, a detailed one some thousands.
+inline constexpr std::uint64_t kMaxModelFileMegabytes = 16;
+inline constexpr std::uint64_t kMaxModelVertices = std::uint64_t{1} << 20;
+
 // The model of the bundle resource name (type "dxf"); none when it cannot be read.
 SpritePtr readDXFResourceFileintoSprite(const char* name);
-// The model in the file at path; none when the file is missing or unreadable.
+// The model in the file at path; none when the file is missing, unreadable or past the limits.
 SpritePtr readDXFintoSprite(const char* path);
 
 // The model in data of size bytes already in memory, named name in the reader's messages;

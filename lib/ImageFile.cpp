@@ -196,7 +196,9 @@ bool probeImage(const std::uint8_t* data, std::size_t size, Header& header, std:
     if (header.width > kMaxSide || header.height > kMaxSide ||
         header.width * header.height > kMaxPixels) {
         reason = "the image is too large (" + std::to_string(header.width) + " x " +
-                 std::to_string(header.height) + ")";
+                 std::to_string(header.height) + " pixels; the limit is " + std::to_string(kMaxPixels) +
+                 " pixels, " + std::to_string(kMaxDecodedMegabytes) + " MB decoded, and " +
+                 std::to_string(kMaxSide) + " a side)";
         return false;
     }
     return true;
@@ -245,7 +247,8 @@ bool readImageFile(const char* path, bool asRGB, Image& image, std::string& reas
         return false;
     }
     if (static_cast<std::uint64_t>(end) > kMaxFileBytes) {
-        reason = "the file is too large";
+        reason = "the file is too large (" + std::to_string(end) + " bytes; the limit is " +
+                 std::to_string(kMaxFileBytes >> 20) + " MB)";
         return false;
     }
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(end));

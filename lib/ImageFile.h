@@ -11,12 +11,15 @@
 
 namespace tolvar::images {
 
-// No side of an image may exceed this, and no image may hold more pixels than kMaxPixels:
-// a file that claims more is refused before anything is allocated for it.
+// No side of an image may exceed this, and no image may hold more pixels than kMaxPixels
+// (64 MB once decoded to four bytes a pixel, a 4096 x 4096 picture or a 5120 x 3200 one):
+// a file whose header claims more is refused before anything is allocated for it.
 inline constexpr int kMaxSide = 16384;
-inline constexpr std::int64_t kMaxPixels = std::int64_t{1} << 26;
-// Image files larger than this are not read at all.
-inline constexpr std::size_t kMaxFileBytes = std::size_t{256} << 20;
+inline constexpr std::int64_t kMaxPixels = std::int64_t{1} << 24;
+inline constexpr std::int64_t kMaxDecodedMegabytes = kMaxPixels * 4 >> 20;
+// Image files larger than this are not read at all: no file of an image within the limits
+// needs more than its decoded pixels and a megabyte of headers.
+inline constexpr std::size_t kMaxFileBytes = static_cast<std::size_t>(kMaxDecodedMegabytes + 1) << 20;
 
 enum class Format { Unknown, PNG, BMP, JPEG };
 

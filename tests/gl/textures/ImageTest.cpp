@@ -2,6 +2,7 @@
 #include <chrono>
 
 #include "FileIO.h"
+#include "ImageFile.h"
 #include "TextureTestSupport.h"
 
 using namespace texturetest;
@@ -113,4 +114,46 @@ TEST(ImageFiles, BadInputIsRefusedWithoutACrash) {
     Image shortPixels = patternImage(64, 64, false), narrowRows = shortPixels, noRows = shortPixels;  // do not add up
     shortPixels.pixels.resize(100), narrowRows.bytesPerRow = 100, noRows.height = 0;
     for (const Image& image : {shortPixels, narrowRows, noRows}) expectRefused(image);
+}
+
+// PNG headers claiming a size (the pixel data after them is only 4 x 4): what the game allows is
+// decided from the header, before anything is decoded, and a refusal names the limit. A file
+// past the size limit (sparse) is not read at all.
+TEST(ImageFiles, SizeLimitsComeFromTheHeader) {
+    const auto claiming = [](std::uint32_t width, std::uint32_t height) {
+        std::vector<std::uint8_t> png = kGrey16PNG;
+        for (int k = 0; k < 4; ++k) {
+            png[16 + k] = static_cast<std::uint8_t>(width >> (24 - 8 * k));
+            png[20 + k] = static_cast<std::uint8_t>(height >> (24 - 8 * k));
+        }
+        return png;
+    };
+    struct Case { std::uint32_t width, height; bool allowed; };
+    for (const Case& c : {Case{4096, 4096, true}, Case{4097, 4096, false}, Case{16384, 1024, true},
+                          Case{16384, 1025, false}, Case{16385, 1, false}, Case{8192, 8192, false},
+                          Case{1920, 1200, true}}) {
+        SCOPED_TRACE(testing::Message() << c.width << " x " << c.height);
+        const std::vector<std::uint8_t> png = claiming(c.width, c.height);
+        tolvar::images::Header header;
+        std::string reason;
+        EXPECT_EQ(tolvar::images::probeImage(png.data(), png.size(), header, reason), c.allowed) << reason;
+        if (!c.allowed) {
+            EXPECT_EQ(reason, "the image is too large (" + std::to_string(c.width) + " x " + std::to_string(c.height) +
+                                  " pixels; the limit is 16777216 pixels, 64 MB decoded, and 16384 a side)");
+        }
+    }
+    const auto huge = scratchFolder() / "huge-header.png", long_ = scratchFolder() / "long.png";
+    writeBytes(huge, claiming(8192, 8192));
+    writeBytes(long_, kGrey16PNG);
+    std::filesystem::resize_file(long_, tolvar::images::kMaxFileBytes + 1);
+    struct FileCase { std::filesystem::path path; std::string complaint; };
+    for (const FileCase& c : {FileCase{huge, ": the image is too large (8192 x 8192 pixels; the limit is 16777216 pixels, "
+                                             "64 MB decoded, and 16384 a side)\n"},
+                              FileCase{long_, ": the file is too large (68157441 bytes; the limit is 65 MB)\n"}}) {
+        Image image;
+        testing::internal::CaptureStderr();
+        EXPECT_FALSE(loadImageFile(c.path.c_str(), image));
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.path.string() + c.complaint);
+        EXPECT_TRUE(image.pixels.empty());
+    }
 }

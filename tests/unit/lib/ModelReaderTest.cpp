@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 #include "DXFtoSprite.h"
 #include "FileIO.h"
@@ -90,6 +94,53 @@ TEST(ReaderBrokenFiles, MissingCutShortAndLongLines) {
     // A value line of 70 characters: its first 63 are the value, the rest the next line.
     EXPECT_EQ(read(model(face(std::string(kTriangle).replace(12, 3, "3." + std::string(66, '0'))))).normal(0),
               (V{0, 0, 3}));
+}
+
+// Files past the size limit (sparse, so nothing real is written) and models past the vertex limit
+// are refused with one line on standard error, before any room is taken for them; just under
+// either limit the model is read.
+TEST(ReaderLimits, BigFilesAndManyFacesAreRefusedWithTheLimit) {
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::temp_directory_path() / ("tolvar-model-limits-" + std::to_string(getpid()));
+    fs::create_directories(folder);
+    const std::uint64_t limitBytes = kMaxModelFileMegabytes << 20;
+    const std::string faces = "3DFACE\n";
+    struct Case {
+        const char* name;
+        std::uint64_t sparseBytes;  // a file of this many zero bytes, or
+        std::uint64_t faceCount;    // a file of this many bare faces
+        std::string complaint;      // after the file's path; empty when the model is read
+        std::uint64_t vertices;
+    };
+    const Case cases[] = {
+        {"over.dxf", limitBytes + 1, 0, ": the model file is too large (16777217 bytes; the limit is 16 MB)\n", 0},
+        {"at.dxf", limitBytes, 0, "", 0},
+        {"many.dxf", 0, kMaxModelVertices / 4 + 1, ": the model has too many faces (1048580 vertices; the limit is 1048576)\n", 0},
+        {"most.dxf", 0, kMaxModelVertices / 4, "", kMaxModelVertices},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string path = (folder / c.name).string();
+        {
+            std::ofstream out(path, std::ios::binary);
+            for (std::uint64_t k = 0; k < c.faceCount; ++k) out << faces;
+        }
+        if (c.sparseBytes != 0) fs::resize_file(path, c.sparseBytes);
+        testing::internal::CaptureStderr();
+        const Read r = capture([&] { return readDXFintoSprite(path.c_str()); });
+        const std::string complaint = testing::internal::GetCapturedStderr();
+        if (c.complaint.empty()) {
+            ASSERT_TRUE(r.sprite);
+            EXPECT_EQ(r.sprite->vertexCount, c.vertices);
+            EXPECT_EQ(r.out, "New sprite " + path + " has " + std::to_string(c.vertices) + " vertices.\n");
+            EXPECT_EQ(complaint, "");
+        } else {
+            EXPECT_FALSE(r.sprite);
+            EXPECT_EQ(r.out, "");
+            EXPECT_EQ(complaint, path + c.complaint);
+        }
+    }
+    fs::remove_all(folder);
 }
 
 // The piece model, found beside the program: a closed ball of triangles round the origin, every
