@@ -59,15 +59,17 @@ def select_region(t, lay):
 
 def removes(t, lay, removed, act):
     """act removes the selection, whose emptied cells queue an event: the pieces above fall."""
-    before = t.stdout().count("processing event")
+    since = len(t.stdout())
     act()
-    t.wait_for(lambda: t.stdout().count("processing event") > before, 10, "the pieces-removed event")
-    t.settle()
-    colours = lay.colours(t.shot())
-    pieces = sum(1 for col in colours for c in col if c)
-    check(pieces == lay.board_w * lay.board_h - removed, "%d pieces left after %d went" % (pieces, removed))
-    for col in colours:
-        check([bool(c) for c in col] == sorted((bool(c) for c in col), reverse=True), "a hole under a piece: %s" % col)
+    t.wait_tick(since, "the pieces-removed event and the falls after it")
+
+    def problem(colours):
+        pieces = sum(1 for col in colours for c in col if c)
+        if pieces != lay.board_w * lay.board_h - removed:
+            return "%d pieces left after %d went" % (pieces, removed)
+        return next(("a hole under a piece: %s" % col for col in colours
+                     if [bool(c) for c in col] != sorted((bool(c) for c in col), reverse=True)), None)
+    t.wait_right(lambda: lay.colours(t.shot()), problem)
 
 
 def test_play(t):

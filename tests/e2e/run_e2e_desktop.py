@@ -75,13 +75,11 @@ def pieces(shot, lay):
 def removes_more(t, lay, before, removed, act):
     """Like `removes`, on a board of `before` pieces that may have holes already (a selected piece spins, so
     it is not counted from the screen). Returns the pieces left."""
-    out = diagnostics(t)
+    since = len(t.stdout())
     act()
-    t.wait_for(lambda: diagnostics(t) > out, 10, "the pieces-removed event")
-    t.settle()
-    left = pieces(t.shot(), lay)
-    check(left == before - removed, "%d pieces went, not %d" % (before - left, removed))
-    return left
+    t.wait_tick(since, "the pieces-removed event and the falls after it")
+    return t.wait_right(lambda: pieces(t.shot(), lay), lambda left: None if left == before - removed else
+                        "%d pieces went, not %d" % (before - left, removed))
 
 
 def select_on(t, lay):
@@ -142,16 +140,16 @@ def test_keyboard(t):
     key(t, "ctrl+w")  # back to the main window, then Glimmet
     t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
     t.choose_game(GLIMMET[0])
+    since = len(t.stdout())
     t.press_start()
     t.wait_for(lambda: not t.mapped(t.main), 10, "the main window to hide")
     lay = Layout(GLIMMET[1], GLIMMET[2], t.geometry(t.game))
-    time.sleep(1.0)
     for _ in range(3):
-        t.settle()
+        t.wait_tick(since, "the board at rest")
         pair = ask_hint(t, lay, 2)
         check(len(pair) == 2 and abs(pair[0][0] - pair[1][0]) + abs(pair[0][1] - pair[1][1]) == 1,
               "the hint is two neighbours: %s" % pair)
-        before = diagnostics(t)
+        before, since = diagnostics(t), len(t.stdout())
         cursor_to(t, lay, pair[0])
         key(t, "Return")
         cursor_to(t, lay, pair[1])
@@ -194,10 +192,11 @@ def test_undo(t):
         undo()
         board_is(selected, "the board before the removal")
         t.wait_shot(lambda s: len(selected_cells(s, lay)) == size, "the selection back")
+        since = len(t.stdout())
         redo()
-        board_is(after, "the board after the removal again")
-        t.settle()
-        check(lay.colours(t.shot()) == after, "the redone removal ended differently")
+        t.wait_tick(since, "the redone removal")
+        t.wait_right(lambda: lay.colours(t.shot()), lambda now: None if now == after else
+                     "the redone removal ended differently: %s" % now)
         check(t.stdout().endswith(removal), "the redo printed other lines:\n" + t.stdout()[len(out):])
     # Redoing printed the same diagnostics as the removal itself, each time.
     check(t.stdout().count("processing event 2") == 4, "three redos print the removal's event again:\n"

@@ -60,14 +60,15 @@ def during_flash(t, act):
         colours = lay.colours(t.shot())
         x, y = next((x, y) for x in range(11) for y in range(attempt, 12)
                     if colours[x][y] and colours[x + 1][y] and colours[x][y] != colours[x + 1][y])
-        seen, removed = len(t.stdout().splitlines()), t.stdout().count("Removing piece")
+        since, removed = len(t.stdout()), t.stdout().count("Removing piece")
         (x0, y0), (x1, y1) = lay.centre(x, y), lay.centre(x + 1, y)
         t.xdo("mousemove", int(x0), int(y0), "mousedown", 1, "mousemove", int(x1), int(y1), "mouseup", 1)
-        t.wait_for(lambda: "piece count" in "".join(t.stdout().splitlines()[seen:]), 10, "the swap")
-        if flash_began(t.stdout().splitlines()[seen:]) and t.stdout().count("Removing piece") == removed:
+        t.wait_for(lambda: "piece count" in t.stdout()[since:], 10, "the swap")
+        if flash_began(t.stdout()[since:].splitlines()) and t.stdout().count("Removing piece") == removed:
             act()
             return True
-        t.settle()
+        if t.stdout().count("Removing piece") > removed:  # too late: the group went, the pieces above fall
+            t.wait_tick(since, "the falls after the group went")
     return False
 
 

@@ -3,6 +3,7 @@ reads the screen through Xlib at positions from the game's layout, never from pi
 
 import ctypes
 import os
+import plistlib
 import re
 import shutil
 import subprocess
@@ -104,7 +105,7 @@ class Layout:
 class Tolvar:  # the program on a display of its own, with an empty data folder
     def __init__(self, program, name, seed=7):
         self.program, self.proc, self.xvfb, self.dpy, self.runs = program, None, None, None, 0
-        self.game = self.main = None
+        self.game = self.main = self.playing = None
         self.work = tempfile.mkdtemp(prefix="tolvar-e2e-%s-" % name)
         self.folder = os.path.join(self.work, "data", "Tolvar")
         try:
@@ -191,14 +192,36 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
     def wait_shot(self, predicate, what, timeout=10):  # returns the screenshot
         return self.wait_for(lambda: (lambda s: predicate(s) and s)(self.shot()), timeout, what)
 
-    def settle(self):  # until the screen stops changing: falling pieces have landed
-        last = [self.shot().raw]
+    def event_sizes(self):  # {event id: its number of actions} in the game chosen last, from the data folder
+        with open(os.path.join(self.folder, "RulesDict.dict"), "rb") as f:
+            game = list(plistlib.load(f).values())[self.playing]
+        return {e["EventID"]: len(e.get("ActionList", [])) for e in game.get("SupportedEvents", [])}
 
-        def still():
-            time.sleep(0.4)
-            same, last[0] = (now := self.shot().raw) == last[0], now
-            return same
-        self.wait_for(still, 20, "the screen to settle")
+    def wait_tick(self, since, what, timeout=20):
+        """Until the output after character `since` holds an event whose every action has begun: the
+        game's events end in a score or a check, so the pieces that moved in it have landed."""
+        sizes = self.event_sizes()
+
+        def over():
+            lines = self.stdout()[since:].splitlines()
+            starts = [i for i, line in enumerate(lines) if line.startswith("processing event ")]
+            return starts and sum(line.startswith("action ") for line in lines[starts[-1] + 1:]) >= sizes.get(
+                int(lines[starts[-1]].split()[2]), 0)
+        self.wait_for(over, timeout, what)
+
+    def wait_right(self, look, problem, timeout=10):
+        """Until problem(look()) finds nothing wrong (None); fails with what it last found. Returns what was seen."""
+        seen = [None]
+
+        def right():
+            seen[0] = look()
+            return problem(seen[0]) is None
+        try:
+            self.wait_for(right, timeout, "the expected state")
+        except Failure:
+            check(self.proc.poll() is not None, problem(seen[0]))
+            raise
+        return seen[0]
 
     def shot(self):
         return Screen(self.dpy)
@@ -246,6 +269,7 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
         return mx + MAIN_W / 2 + 40, my + MENU_BAR_H + MAIN_PAD_Y + 2 + ITEM_SPACING_Y + FRAME_H / 2
 
     def choose_game(self, index):  # the index-th entry ("None" is 0) of the game pop-up, listed under it
+        self.playing = index - 1
         cx, cy = self.combo_centre()
         self.click(cx, cy)
         time.sleep(0.3)
