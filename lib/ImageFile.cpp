@@ -231,7 +231,7 @@ bool decodeImage(const std::uint8_t* data, std::size_t size, bool asRGB, Image& 
     return fromSurface(loaded.get(), header, asRGB, image, reason);
 }
 
-bool readImageFile(const char* path, bool asRGB, Image& image, std::string& reason) {
+bool readImageBytes(const char* path, std::vector<std::uint8_t>& bytes, Header& header, std::string& reason) {
     if (path == nullptr || *path == '\0') {
         reason = "no file name";
         return false;
@@ -251,14 +251,21 @@ bool readImageFile(const char* path, bool asRGB, Image& image, std::string& reas
                  std::to_string(kMaxFileBytes >> 20) + " MB)";
         return false;
     }
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(end));
+    bytes.assign(static_cast<std::size_t>(end), 0);
     in.seekg(0);
     if (!bytes.empty() &&
         !in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()))) {
         reason = "cannot read the file";
         return false;
     }
-    return decodeImage(bytes.data(), bytes.size(), asRGB, image, reason);
+    return probeImage(bytes.data(), bytes.size(), header, reason);
+}
+
+bool readImageFile(const char* path, bool asRGB, Image& image, std::string& reason) {
+    std::vector<std::uint8_t> bytes;
+    Header header;
+    return readImageBytes(path, bytes, header, reason) &&
+           decodeImage(bytes.data(), bytes.size(), asRGB, image, reason);
 }
 
 bool isWellFormed(const Image& image) {

@@ -42,6 +42,10 @@ bool probeImage(const std::uint8_t* data, std::size_t size, Header& header, std:
 bool decodeImage(const std::uint8_t* data, std::size_t size, bool asRGB, Image& image,
                  std::string& reason);
 
+// Reads an image file into bytes after checking its size, and its header (see probeImage). False
+// (with a reason naming the limit when one is passed) when the file cannot be the image the game reads.
+bool readImageBytes(const char* path, std::vector<std::uint8_t>& bytes, Header& header, std::string& reason);
+
 // Reads and decodes an image file (see decodeImage).
 bool readImageFile(const char* path, bool asRGB, Image& image, std::string& reason);
 

@@ -11,9 +11,11 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "DXFtoSprite.h"
 #include "FileIO.h"
+#include "ImageFile.h"
 #include "engine/BoardLayout.h"
 #include "engine/SelectColor.h"
 #include "presentation/DrawingGlobals.h"
@@ -104,7 +106,16 @@ void GameView::loadBGTexture() {
 
 void GameView::loadBGTextureFromFile(const std::string& path) {
     bgTexture_ = 0;
-    SurfacePtr image(IMG_Load(path.c_str()));
+    // The header is checked against the image limits before anything is decoded.
+    std::vector<std::uint8_t> bytes;
+    tolvar::images::Header header;
+    std::string reason;
+    if (!tolvar::images::readImageBytes(path.c_str(), bytes, header, reason)) {
+        std::fprintf(stderr, "%s: cannot read the background image (%s); the background stays black\n",
+                     path.c_str(), reason.c_str());
+        return;
+    }
+    SurfacePtr image(IMG_Load_RW(SDL_RWFromConstMem(bytes.data(), static_cast<int>(bytes.size())), 1));
     if (!image) {
         std::fprintf(stderr, "%s: cannot read the background image (%s); the background stays black\n",
                      path.c_str(), IMG_GetError());

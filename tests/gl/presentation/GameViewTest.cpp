@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <string>
 #include <tuple>
 
 #include "FileIO.h"
@@ -228,12 +231,25 @@ TEST_F(GameViewTest, NebulaIsStretchedOverTheWindowUnflipped) {
     }
     EXPECT_GT(countPixels(0, 0, 120, 767, [](const Rgb& p) { return p.r + p.g + p.b > 120; }), 500) << "not all dark";
 
-    testing::internal::CaptureStderr();
-    view.loadBGTextureFromFile("/nonexistent/Nebula.png");
-    const std::string errors = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(view.bgTexture(), 0u);
-    EXPECT_EQ(errors.find("/nonexistent/Nebula.png"), 0u) << errors;
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+    // A missing background, and one whose header claims 8192 x 8192 pixels (refused before decoding):
+    // one line each naming the file, and a black background.
+    const std::string huge = testing::TempDir() + "tolvar-huge-background.png";
+    {
+        const unsigned char header[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13, 'I', 'H', 'D', 'R',
+                                        0, 0, 0x20, 0, 0, 0, 0x20, 0, 8, 2, 0, 0, 0};
+        std::ofstream(huge, std::ios::binary).write(reinterpret_cast<const char*>(header), sizeof header);
+    }
+    for (const auto& [path, says] : {std::pair<std::string, std::string>{"/nonexistent/Nebula.png", "cannot open"},
+                                     {huge, "8192 x 8192 pixels; the limit is 16777216 pixels"}}) {
+        testing::internal::CaptureStderr();
+        view.loadBGTextureFromFile(path);
+        const std::string errors = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(view.bgTexture(), 0u);
+        EXPECT_EQ(errors.find(path), 0u) << errors;
+        EXPECT_NE(errors.find(says), std::string::npos) << errors;
+        EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+    }
+    std::remove(huge.c_str());
 }
 
 TEST_F(GameViewTest, SingleCellRedrawsAndFallingPiecesPatchTheBackground) {
