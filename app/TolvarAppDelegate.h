@@ -92,6 +92,7 @@ private:
     // and uncover are answered at once; every other event waits, in order, for the run loop.
     void holdFrame(double seconds);
     void answerWindowsDuringTick(int timeoutMs);
+    void giveBackHeldEvents();
     bool answersDuringTick(const SDL_Event& event);
     std::string menuSignature() const;
     // Reads the rules file again when it changed on disk (a look a second).

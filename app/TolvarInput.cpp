@@ -150,26 +150,33 @@ bool TolvarAppDelegate::quitRequested() {
     if (!quit_ && now - lastAnswerDuringTick_ >= kAnswerIntervalDuringTick) {
         lastAnswerDuringTick_ = now;
         answerWindowsDuringTick(0);
+        giveBackHeldEvents();
     }
     return quit_;
 }
 
 void TolvarAppDelegate::holdFrame(double seconds) {
     const double until = monotonicSeconds() + seconds;
+    // The events that wait for the tick stay out of the queue for the whole hold, so the wait
+    // below sleeps until something new comes rather than finding them again at once.
     for (double left = seconds; !quit_ && left > 0.0; left = until - monotonicSeconds())
         answerWindowsDuringTick(static_cast<int>(std::ceil(left * 1000.0)));
+    giveBackHeldEvents();
 }
 
 void TolvarAppDelegate::answerWindowsDuringTick(int timeoutMs) {
     SDL_Event event;
     while (!quit_ && SDL_PollEvent(&event))
         if (!answersDuringTick(event)) heldEvents_.push_back(event);
-    if (!quit_ && timeoutMs > 0 && SDL_WaitEventTimeout(&event, timeoutMs)) {
+    if (!quit_ && timeoutMs > 0 && SDL_WaitEventTimeout(&event, timeoutMs))
         if (!answersDuringTick(event)) heldEvents_.push_back(event);
-        while (!quit_ && SDL_PollEvent(&event))
-            if (!answersDuringTick(event)) heldEvents_.push_back(event);
-    }
-    // The held events go back in the order they came, ahead of none: the queue is empty now.
+}
+
+void TolvarAppDelegate::giveBackHeldEvents() {
+    // Whatever came meanwhile is taken too, so the held events go back in the order they came.
+    SDL_Event event;
+    while (!quit_ && SDL_PollEvent(&event))
+        if (!answersDuringTick(event)) heldEvents_.push_back(event);
     if (!heldEvents_.empty()) {
         SDL_PeepEvents(heldEvents_.data(), static_cast<int>(heldEvents_.size()), SDL_ADDEVENT, SDL_FIRSTEVENT,
                        SDL_LASTEVENT);
