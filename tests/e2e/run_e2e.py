@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """The real game played under its own Xvfb: run_e2e.py --program build/bin/tolvar --test play|game_end"""
 
-import argparse
 import os
 import plistlib
 import sys
@@ -9,7 +8,7 @@ import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from tolvar_driver import (FRAME_H, MAIN_H, MAIN_PAD_X, MAIN_PAD_Y, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
-                           POPUP_W, WIN_H, WIN_W, Failure, Layout, Tolvar, check, near)
+                           POPUP_W, WIN_H, WIN_W, Layout, check, near, run_test_script)
 
 FRAME, SELECTED = (127, 63, 0), (127, 25, 25)  # the frame round the board, a selected piece's outline
 SCORE_TEXT, SCORE_HIGHLIGHT = (127, 0, 127), (191, 0, 191)
@@ -135,13 +134,8 @@ def test_play(t):
 
 def test_game_end(t):
     # A game that ends in one move: "Vexamor" on a 2 x 1 board of one colour.
-    rules_path, best_path = (os.path.join(t.folder, f) for f in ("RulesDict.dict", "BestScores.dict"))
-    t.quit()
-    with open(rules_path, "rb") as f:
-        tiny = dict(plistlib.load(f)["Vexamor"], GameName="Tiny", BoardWidth=2, BoardHeight=1, NumColors=1)
-    with open(rules_path, "wb") as f:
-        plistlib.dump({"Tiny": tiny}, f, sort_keys=False)
-    t.launch()
+    best_path = os.path.join(t.folder, "BestScores.dict")
+    t.relaunch_with_one_move_game()
     lay = t.start(1, 2, 1)
     colours = lay.colours(t.shot())
     check(colours[0][0] == colours[1][0], "two pieces of one colour: %s" % colours)
@@ -241,19 +235,7 @@ def test_reload(t):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--test", required=True, choices=("play", "game_end", "reload"))
-    args = parser.parse_args()
-    t = Tolvar(os.path.abspath(args.program), args.test)
-    try:
-        globals()["test_" + args.test](t)
-        t.finish()
-    except Failure as e:
-        sys.exit("FAILED %s: %s" % (args.test, e))
-    finally:
-        t.close()
-    print("passed", args.test)
+    run_test_script({"play": test_play, "game_end": test_game_end, "reload": test_reload})
 
 
 if __name__ == "__main__":

@@ -3,7 +3,6 @@
 the cursor and the hint, undo and redo, Continue, the help window, and the game window resized and full screen.
 run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue|window|help"""
 
-import argparse
 import os
 import plistlib
 import sys
@@ -12,7 +11,7 @@ import time
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from run_e2e import SELECTED, full, outline_pixels, removes, select_region, touches  # noqa: E402
 from tolvar_driver import (COLOURS, HELP_H, HELP_W, MAIN_H, MAIN_PAD_X, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H, SCREEN_W,  # noqa: E402
-                           WIN_H, WIN_W, Failure, Layout, Tolvar, check, classify, near)
+                           WIN_H, WIN_W, Layout, check, classify, near, run_test_script)
 
 HINT, CURSOR = (0, 229, 255), (255, 255, 255)  # the hint's outline round its cells, the cursor's inside its cell
 VEXAMOR, GLIMMET = (1, 8, 8), (3, 8, 8)  # the game pop-up's index, board width and height
@@ -331,19 +330,7 @@ def test_help(t):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--test", required=True, choices=("keys", "keyboard", "undo", "continue", "window", "help"))
-    args = parser.parse_args()
-    t = Tolvar(os.path.abspath(args.program), "desktop-" + args.test)
-    try:
-        globals()["test_" + args.test](t)
-        t.finish()
-    except Failure as e:
-        sys.exit("FAILED %s: %s" % (args.test, e))
-    finally:
-        t.close()
-    print("passed", args.test)
+    run_test_script({"keys": test_keys, "keyboard": test_keyboard, "undo": test_undo, "continue": test_continue, "window": test_window, "help": test_help}, "desktop-")
 
 
 if __name__ == "__main__":

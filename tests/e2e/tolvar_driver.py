@@ -1,12 +1,14 @@
 """Plays the real game under a private Xvfb: finds its windows with xwininfo, clicks and types with xdotool,
 reads the screen through Xlib at positions from the game's layout, never from pictures the program made."""
 
+import argparse
 import ctypes
 import os
 import plistlib
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -223,6 +225,15 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
             raise
         return seen[0]
 
+    def relaunch_with_one_move_game(self):  # "Tiny": "Vexamor" on a 2 x 1 board of one colour, alone in the rules
+        self.quit()
+        rules_path = os.path.join(self.folder, "RulesDict.dict")
+        with open(rules_path, "rb") as f:
+            tiny = dict(plistlib.load(f)["Vexamor"], GameName="Tiny", BoardWidth=2, BoardHeight=1, NumColors=1)
+        with open(rules_path, "wb") as f:
+            plistlib.dump({"Tiny": tiny}, f, sort_keys=False)
+        self.launch()
+
     def shot(self):
         return Screen(self.dpy)
 
@@ -288,3 +299,19 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
         layout = Layout(board_w, board_h, self.geometry(self.game))
         self.wait_shot(lambda s: all(c for col in layout.colours(s) for c in col), "a piece in every cell")
         return layout
+
+
+def run_test_script(tests, prefix=""):  # --program P --test NAME: runs tests[NAME] on a Tolvar of its own
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--test", required=True, choices=tuple(tests))
+    args = parser.parse_args()
+    t = Tolvar(os.path.abspath(args.program), prefix + args.test)
+    try:
+        tests[args.test](t)
+        t.finish()
+    except Failure as e:
+        sys.exit("FAILED %s: %s" % (args.test, e))
+    finally:
+        t.close()
+    print("passed", args.test)

@@ -12,7 +12,6 @@ Every figure is the median of --runs runs, with the lowest and highest in bracke
 import argparse
 import json
 import os
-import plistlib
 import statistics
 import subprocess
 import sys
@@ -75,14 +74,8 @@ def session(program, seconds, seed):
         t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
         time.sleep(1.0)
         figures["game hidden, main window (% of a core)"] = t.cpu_percent(seconds)
-        t.quit()
-        # The score screen: a one-move game ("Vexamor" on a 2 x 1 board of one colour).
-        rules_path = os.path.join(t.folder, "RulesDict.dict")
-        with open(rules_path, "rb") as f:
-            tiny = dict(plistlib.load(f)["Vexamor"], GameName="Tiny", BoardWidth=2, BoardHeight=1, NumColors=1)
-        with open(rules_path, "wb") as f:
-            plistlib.dump({"Tiny": tiny}, f, sort_keys=False)
-        t.launch()
+        # The score screen: a one-move game.
+        t.relaunch_with_one_move_game()
         lay = t.start(1, 2, 1)
         t.xdo("mousemove", *map(int, lay.centre(0, 0)), "click", 1, "sleep", 0.3, "key", "space")
         t.dismiss_alert()
