@@ -131,12 +131,16 @@ std::optional<FileWriteError> writeFileAtomically(const std::string& path, std::
 }
 
 std::optional<FileWriteError> writeNewFile(const std::string& path, std::string_view bytes) {
-    const int fd = createNew(path);
+    // Written whole beside it first, then linked in under its name: the link fails when anything
+    // is there already, and a copy cut short by a crash never appears under the name.
+    std::string temporary;
+    const int fd = createTemporaryBeside(path, temporary);
     if (fd < 0) return failure(path, errno);
-    OpenFile file(fd, path);
+    OpenFile file(fd, temporary);
     if (const int error = writeAll(file.fd(), bytes)) return failure(path, error);
     if (::fsync(file.fd()) != 0) return failure(path, errno);
-    if (const int error = file.closeAndKeep()) return failure(path, error);
+    if (::link(temporary.c_str(), path.c_str()) != 0) return failure(path, errno);
+    // The temporary name goes with the descriptor; the file stays under path.
     return std::nullopt;
 }
 
