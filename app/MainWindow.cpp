@@ -137,7 +137,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());
     if (refused) {
         ImGui::AlignTextToFramePadding();
-        ImGui::TextColored(ImVec4(0.75f, 0.0f, 0.0f, 1.0f), "Fix the errors above to play this game.");
+        ImGui::TextColored(ImVec4(0.75f, 0.0f, 0.0f, 1.0f), "Fix the errors above.");
         ImGui::SameLine();
     }
     const float right = ImGui::GetWindowContentRegionMax().x;

@@ -14,6 +14,7 @@ void Dispatcher::processEvents() {
     while (game.eventQueue) {
         if (ctx_.host.quitRequested()) return;
         if (runaway_.runsAway()) return stopRunawayGame(*game.eventQueue);
+        ctx_.view.showMotion(!runaway_.outrunsRealGames());
         std::printf("processing event %d\n", static_cast<int>(game.eventQueue->eventID));
         processEvent(*game.eventQueue);
         // Entries queued while the actions ran follow in this same tick.
@@ -21,6 +22,7 @@ void Dispatcher::processEvents() {
         game.eventQueue = std::move(done->next);
     }
     runaway_.queueEmptied();
+    ctx_.view.showMotion(true);
     if (ctx_.gamePaused == 0) ctx_.view.drawBoard();
 }
 
@@ -30,6 +32,7 @@ void Dispatcher::stopRunawayGame(const SupportedEvent& looping) {
                               std::to_string(looping.eventType) + ")";
     EventQueue(game).clearEventQueue();
     runaway_.queueEmptied();
+    ctx_.view.showMotion(true);
     ctx_.gamePaused = 1;
     std::printf("stopped: %s keeps queueing events, %zu in a row\n", event.c_str(),
                 RunawayGuard::kMaxChainedEvents);

@@ -19,6 +19,7 @@ public:
     void displayScores(const Value&, int) override {}
     void clearPieceSprites(int) override {}
     void pauseForFlash() override {}
+    void showMotion(bool) override {}
 };
 
 class QuietHost : public Host {

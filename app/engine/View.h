@@ -25,6 +25,9 @@ public:
     virtual void clearPieceSprites(int forget) = 0;
     // Holds one frame of the removal flash on screen (0.1 s in the window).
     virtual void pauseForFlash() = 0;
+    // false while a chain of events runs on past what any real game's does: its flashes and falls
+    // are then not held on screen, so a chain that never settles reaches the runaway bound at once.
+    virtual void showMotion(bool shown) = 0;
 };
 
 }  // namespace tolvar

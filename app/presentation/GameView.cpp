@@ -169,8 +169,14 @@ void GameView::drawBackground(float z) {
     glDisable(GL_TEXTURE_RECTANGLE_ARB);
 }
 
+void GameView::showMotion(bool shown) {
+    const bool framesSkipped = shown && !motionShown_;
+    motionShown_ = shown;
+    if (framesSkipped) drawBoard();  // the board as the chain left it
+}
+
 void GameView::drawBoard() {
-    if (!gameInfo || gameInfo->boardWidth < 1 || gameInfo->boardHeight < 1) return;
+    if (!motionShown_ || !gameInfo || gameInfo->boardWidth < 1 || gameInfo->boardHeight < 1) return;
     const GameInfo& game = *gameInfo;
     const BoardLayout L = computeBoardLayout(game);
     FrameLook frame;
@@ -305,7 +311,7 @@ void GameView::drawMarks(const BoardLayout& L, const BoardMarks& marks) {
 }
 
 void GameView::pauseForFlash() {
-    if (window_.hold) window_.hold(kFlashFrameSeconds);
+    if (motionShown_ && window_.hold) window_.hold(kFlashFrameSeconds);
 }
 
 }  // namespace tolvar

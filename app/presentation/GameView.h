@@ -69,6 +69,7 @@ public:
     void displayScores(const Value& scores, int highlight) override;
     void clearPieceSprites(int forget) override;
     void pauseForFlash() override;
+    void showMotion(bool shown) override;
 
     // Marks the whole window for the next frame of the board (something else was drawn there,
     // or the window was shown again); without it a frame redraws only the cells that changed.
@@ -117,6 +118,7 @@ private:
     ShownBoard shown_;
     // Set when "Spikes" could not be read, so a board does not try again on every frame.
     bool pieceModelMissing_ = false;
+    bool motionShown_ = true;  // false: no frame of the board is drawn, no flash or fall held
 
     // The score screen: the highlighted row (kept between games) and its 20 models, element 0
     // heading the list the others are linked into by `next`.

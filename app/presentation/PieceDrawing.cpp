@@ -252,6 +252,7 @@ void GameView::drawIndividualPiece(const BoardPiece* piece) {
 
 void GameView::animatePiece(const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
                             std::uint32_t endX, std::uint32_t endY) {
+    if (!motionShown_) return;  // the next frame of the board shows the piece where it lands
     BoardPiece moving = piece;
     moving.x = startX;
     moving.y = startY;

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The real game played under its own Xvfb: run_e2e.py --program build/bin/tolvar --test play|game_end"""
+"""The real game played under its own Xvfb: run_e2e.py --program build/bin/tolvar --test play|game_end|reload|loops"""
 
 import os
 import plistlib
@@ -234,8 +234,41 @@ def test_reload(t):
     t.wait_shot(lambda s: full(lay.colours(s)), "Vexamor's board after the fix")
 
 
+def test_loops(t):
+    """Rules whose events queue one another without end. A completion test that queues its own event
+    again is refused before Start; a refill whose lines never run out is stopped at the bound, said on
+    standard output and in an alert, and the game goes on answering."""
+    here = os.path.dirname(os.path.abspath(__file__))
+
+    def relaunch(rules):
+        with open(os.path.join(here, "..", "unit", "engine", "sim", rules), "rb") as f:
+            t.relaunch_with_rules(plistlib.load(f))
+        t.choose_game(1)
+
+    relaunch("loop-events.dict")
+    mx, my = t.geometry(t.main)
+    t.wait_shot(lambda s: s.count(mx + 20, my + 150, mx + MAIN_W - 20, my + MAIN_H - 20,
+                                  lambda p: near(p, (191, 0, 0), 40)) > 30, "the loop's error in the main window")
+    t.click(mx + MAIN_W - MAIN_PAD_X - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)  # Start, refused
+    relaunch("loop-refill.dict")  # the quit waits for the click above to have been taken
+    refused_run = t.stdout(os.path.join(t.work, "out-%d.txt" % (t.runs - 1)))
+    check("processing event" not in refused_run, "the refused game ran events")
+
+    began = time.monotonic()
+    t.press_start()  # the game's start event begins the chain
+    title = t.dismiss_alert()
+    print("the alert was up %.2f s after Start" % (time.monotonic() - began))
+    out = t.stdout()
+    check(title == " ", "the alert is titled %r" % title)
+    stopped = [line for line in out.splitlines() if line.startswith("stopped: ")]
+    check(stopped == ["stopped: event 2 (type 12) keeps queueing events, 1000 in a row"], "stopped: %s" % stopped)
+    check(out.count("processing event ") == 1000, "%d events ran" % out.count("processing event "))
+    t.xdo("key", "Return")  # the game still answers: Return leaves it for the main window
+    t.wait_for(lambda: t.mapped(t.main), 10, "the main window after the stopped game")
+
+
 def main():
-    run_test_script({"play": test_play, "game_end": test_game_end, "reload": test_reload})
+    run_test_script({"play": test_play, "game_end": test_game_end, "reload": test_reload, "loops": test_loops})
 
 
 if __name__ == "__main__":

@@ -225,14 +225,16 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
             raise
         return seen[0]
 
-    def relaunch_with_one_move_game(self):  # "Tiny": "Vexamor" on a 2 x 1 board of one colour, alone in the rules
+    def relaunch_with_rules(self, games):  # quits, writes these games as the rules file and starts again
         self.quit()
-        rules_path = os.path.join(self.folder, "RulesDict.dict")
-        with open(rules_path, "rb") as f:
-            tiny = dict(plistlib.load(f)["Vexamor"], GameName="Tiny", BoardWidth=2, BoardHeight=1, NumColors=1)
-        with open(rules_path, "wb") as f:
-            plistlib.dump({"Tiny": tiny}, f, sort_keys=False)
+        with open(os.path.join(self.folder, "RulesDict.dict"), "wb") as f:
+            plistlib.dump(games, f, sort_keys=False)
         self.launch()
+
+    def relaunch_with_one_move_game(self):  # "Tiny": "Vexamor" on a 2 x 1 board of one colour, alone in the rules
+        with open(os.path.join(self.folder, "RulesDict.dict"), "rb") as f:
+            tiny = dict(plistlib.load(f)["Vexamor"], GameName="Tiny", BoardWidth=2, BoardHeight=1, NumColors=1)
+        self.relaunch_with_rules({"Tiny": tiny})
 
     def shot(self):
         return Screen(self.dpy)

@@ -28,8 +28,10 @@ struct RecordingView : View {
     }
     void displayScores(const Value&, int) override {}
     void clearPieceSprites(int) override { ++spriteClears; }
-    void pauseForFlash() override { ++flashFrames; }
+    void pauseForFlash() override { flashFrames += motionShown; }
+    void showMotion(bool shown) override { motionShown = shown; }
     int draws = 0, flashFrames = 0, spriteClears = 0;
+    bool motionShown = true;
     std::function<void()> onDraw;  // called at every frame
     std::vector<std::string> moves;
 };

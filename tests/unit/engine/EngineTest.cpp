@@ -57,14 +57,25 @@ TEST_F(DispatcherTest, StartEventReplacesWhateverWasPendingAndIsOptional) {
 TEST_F(DispatcherTest, OnlyAnUnbrokenChainOfEventsPastTheBoundStopsTheGame) {
     gameInfo->gameName = "Loops";
     SupportedEvent& removed = addEvent(*gameInfo, 2, kEventPiecesRemoved);
-    appendAction(removed.actions, 40, 3);
+    appendAction(removed.actions, 40, kActionAddScore);  // draws once
     constexpr std::size_t kBound = RunawayGuard::kMaxChainedEvents;
     auto chainOf = [&](std::size_t n) {
         for (std::size_t i = 0; i < n; ++i) queue(removed);
         return tick();
     };
-    // Chains up to the bound run whole, each in a tick of its own, however many there are.
-    for (std::size_t n : {kBound, kBound, kBound - 1}) EXPECT_EQ(chainOf(n).find("stopped"), std::string::npos);
+    // Chains up to the bound run whole, each in a tick of its own, however many there are; past the
+    // longest real cascade their motion is no longer shown.
+    int hiddenDraws = 0;
+    view.onDraw = [&] { hiddenDraws += !view.motionShown; };
+    for (std::size_t n : {kBound, kBound, kBound - 1}) {
+        hiddenDraws = 0;
+        EXPECT_EQ(chainOf(n).find("stopped"), std::string::npos);
+        EXPECT_EQ(hiddenDraws, static_cast<int>(n - RunawayGuard::kShownChainedEvents));
+        EXPECT_TRUE(view.motionShown);
+    }
+    hiddenDraws = 0;
+    chainOf(RunawayGuard::kShownChainedEvents);
+    EXPECT_EQ(hiddenDraws, 0);
     EXPECT_TRUE(host.alerts.empty() && ctx.gamePaused == 0 && !gameInfo->eventQueue);
     const std::string out = chainOf(kBound + 5);
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), static_cast<long>(2 * kBound + 1));
@@ -72,7 +83,7 @@ TEST_F(DispatcherTest, OnlyAnUnbrokenChainOfEventsPastTheBoundStopsTheGame) {
                               " in a row\n")) << out.substr(out.size() - 200);
     EXPECT_EQ(host.alerts, std::vector<std::string>{" |The game \"Loops\" was stopped: its event 2 (type 12) keeps "
                                                     "queueing events without end. Press the 'esc' key to play again.|OK"});
-    EXPECT_TRUE(ctx.gamePaused == 1 && !gameInfo->eventQueue);
+    EXPECT_TRUE(ctx.gamePaused == 1 && !gameInfo->eventQueue && view.motionShown);
 }
 
 TEST_F(DispatcherTest, CompletionRunsOnlyForTheLastPendingRemoval) {
