@@ -1,6 +1,8 @@
 #include "platform/AtomicFile.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,6 +10,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <limits>
 
 namespace tolvar {
@@ -86,10 +89,39 @@ int createNew(const std::string& path) {
     return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
 }
 
+bool allDigits(const std::string& text) {
+    return !text.empty() && text.size() < 10 && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// Removes the temporary files beside path that writers killed before their rename left behind:
+// named ".<name>.<process>.<n>", their process is gone and nothing has written to them for a minute.
+void removeLeftTemporaries(const std::string& path) {
+    const std::string folder = folderOf(path), prefix = "." + nameOf(path) + ".";
+    DIR* dir = ::opendir(folder.c_str());
+    if (!dir) return;
+    const std::time_t now = std::time(nullptr);
+    while (const dirent* entry = ::readdir(dir)) {
+        const std::string name = entry->d_name;
+        if (name.compare(0, prefix.size(), prefix) != 0) continue;
+        const std::size_t dot = name.find('.', prefix.size());
+        if (dot == std::string::npos) continue;
+        const std::string process = name.substr(prefix.size(), dot - prefix.size());
+        if (!allDigits(process) || !allDigits(name.substr(dot + 1))) continue;
+        const pid_t writer = static_cast<pid_t>(std::stol(process));
+        if (writer == ::getpid() || ::kill(writer, 0) == 0 || errno != ESRCH) continue;
+        const std::string left = folder + "/" + name;
+        struct stat info {};
+        if (::lstat(left.c_str(), &info) == 0 && S_ISREG(info.st_mode) && now - info.st_mtime >= 60)
+            ::unlink(left.c_str());
+    }
+    ::closedir(dir);
+}
+
 // Creates a new hidden file beside path, so that the rename stays within one file system, and
 // returns its descriptor (or -1 with errno set) and its name.
 int createTemporaryBeside(const std::string& path, std::string& name) {
     static std::atomic<unsigned> counter{0};
+    removeLeftTemporaries(path);
     const std::string stem = folderOf(path) + "/." + nameOf(path) + "." + std::to_string(::getpid());
     for (int attempt = 0; attempt < 100; ++attempt) {
         name = stem + "." + std::to_string(counter++);

@@ -1,6 +1,7 @@
 // Writing a whole file so that a reader only ever sees the old contents or the new ones: the
 // bytes go to a temporary file in the same folder, are flushed to the disk, and the temporary
-// file is renamed over the old one. A write that fails leaves the old file as it was.
+// file is renamed over the old one. A write that fails leaves the old file as it was. Each write
+// first removes the temporary files that writers killed before their rename left beside the file.
 #pragma once
 
 #include <cstddef>

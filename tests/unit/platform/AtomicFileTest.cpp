@@ -2,6 +2,7 @@
 // reason when a write is refused.
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 
 #include "FileTestHelpers.h"
 #include "platform/AtomicFile.h"
@@ -92,6 +93,7 @@ TEST_F(AtomicFile, ANewFileNeverReplacesAnEarlierOne) {
 
 // A writer killed at any moment leaves one whole version: it writes two large versions in turn
 // and reports each finished write; it is killed right after a report, in the middle of the next.
+// The next write removes what the killed writers left, once it has lain untouched for a minute.
 TEST_F(AtomicFile, AWriterKilledMidWriteLeavesTheOldOrTheNewFile) {
     const std::string file = path("table.dict");
     const std::string versions[] = {std::string(3 << 20, 'a'), std::string(2 << 20, 'b')};
@@ -115,6 +117,19 @@ TEST_F(AtomicFile, AWriterKilledMidWriteLeavesTheOldOrTheNewFile) {
         const std::string left = contentsOf(file);
         EXPECT_TRUE(left == versions[0] || left == versions[1]) << "a file of " << left.size() << " bytes";
     }
+    std::vector<std::string> leftBehind = names();
+    std::erase(leftBehind, "table.dict");
+    EXPECT_FALSE(leftBehind.empty());
+    const struct timeval twoMinutesAgo[2] = {{time(nullptr) - 120, 0}, {time(nullptr) - 120, 0}};
+    for (const std::string& name : leftBehind) ASSERT_EQ(utimes(path(name).c_str(), twoMinutesAgo), 0);
+    const std::string ours = ".table.dict." + std::to_string(getpid()) + ".999", fresh = leftBehind[0];
+    putFile(path(ours), "a write of this process, under way");
+    ASSERT_EQ(utimes(path(ours).c_str(), twoMinutesAgo), 0);
+    ASSERT_EQ(utimes(path(fresh).c_str(), nullptr), 0);  // as if its writer had just written to it
+    EXPECT_EQ(writeFileAtomically(file, "whole"), std::nullopt);
+    std::vector<std::string> kept{fresh, ours, "table.dict"};
+    std::sort(kept.begin(), kept.end());
+    EXPECT_EQ(names(), kept);
 }
 
 }  // namespace
