@@ -26,6 +26,4 @@ std::string tolvarFolderPath() { return applicationSupportDirectory(true) + "/To
 
 std::string rulesFilePath() { return tolvarFolderPath() + "/RulesDict.dict"; }
 
-std::string bestScoresFilePath() { return tolvarFolderPath() + "/BestScores.dict"; }
-
 }  // namespace tolvar

@@ -12,7 +12,6 @@ std::string applicationSupportDirectory(bool create);
 
 // applicationSupportDirectory(true) + "/Tolvar".
 std::string tolvarFolderPath();
-std::string rulesFilePath();       // tolvarFolderPath() + "/RulesDict.dict"
-std::string bestScoresFilePath();  // tolvarFolderPath() + "/BestScores.dict"
+std::string rulesFilePath();  // tolvarFolderPath() + "/RulesDict.dict"
 
 }  // namespace tolvar
