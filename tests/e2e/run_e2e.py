@@ -80,23 +80,24 @@ def test_play(t):
 
     # The game pop-up lists "None" and the three games: four rows of text under the control.
     (cx, cy), (mx, my) = t.combo_centre(), t.geometry(t.main)
-    t.click(cx, cy)
-    time.sleep(0.4)
-    shot = t.shot()
-    ink = [0] + [shot.count(mx + 90, y, mx + 300, y + 1, lambda p: max(p) < 110) > 0
-                 for y in range(int(cy) + 16, int(cy) + 200)]
-    rows = sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
-    check(rows == 4, "the open game pop-up shows %d rows of text, expected None + 3 games" % rows)
+
+    def rows(shot):
+        ink = [0] + [shot.count(mx + 90, y, mx + 300, y + 1, lambda p: max(p) < 110) > 0
+                     for y in range(int(cy) + 16, int(cy) + 200)]
+        return sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
+    t.open_game_list()
+    t.wait_right(lambda: rows(t.shot()), lambda n: None if n == 4 else
+                 "the open game pop-up shows %d rows of text, expected None + 3 games" % n)
     t.click(mx + 30, my + 300)  # beside the list: it closes
+    t.wait_shot(lambda s: not t.game_list_open(s), "the game pop-up to close")
 
     # Choosing "Vexamor" shows its description.
     def text():
         return t.shot().count(mx + MAIN_PAD_X + 4, my + 190, mx + MAIN_W - MAIN_PAD_X - 4, my + MAIN_H - 80,
                               lambda p: max(p) < 100, step=2)
-    time.sleep(0.3)
     check(text() == 0, "the description is empty before a choice")
     t.choose_game(1)
-    check(text() > 300, "the description shows no text after choosing")
+    t.wait_for(lambda: text() > 300, 10, "the description after choosing")
 
     # Start: the frame, and a piece of one of the four colours in every cell (start waits for it).
     lay = t.start(1, 8, 8)
@@ -110,10 +111,8 @@ def test_play(t):
     # The right button opens the "Actions" menu at the mouse. Its first item, bound to the space bar,
     # is as wide as "Remove Selection"; unbound items are greyed.
     removed, (cx, cy) = select_region(t, lay)
-    t.click(cx, cy, button=3)
-    px, py = t.geometry(t.wait_for(lambda: t.find_window(POPUP_W, POPUP_H, True), 10, "the Actions menu"))
+    px, py = t.open_menu((cx, cy))
     check(abs(px - cx) <= 2 and abs(py - cy) <= 2, "the menu opens at the mouse")
-    time.sleep(0.4)
     shot, row0, row1 = t.shot(), py + POPUP_PAD, py + POPUP_PAD + POPUP_ROW
     ink = [x for x in range(px + 8, px + 200) if any(max(shot.pixel(x, y)) < 200 for y in range(row0 + 4, row0 + 26))]
     width = max(ink) - min(ink) + 1 if ink else 0
@@ -139,7 +138,9 @@ def test_game_end(t):
     lay = t.start(1, 2, 1)
     colours = lay.colours(t.shot())
     check(colours[0][0] == colours[1][0], "two pieces of one colour: %s" % colours)
-    t.xdo("mousemove", *map(int, lay.centre(0, 0)), "click", 1, "sleep", 0.3, "key", "space")
+    t.click(*lay.centre(0, 0))
+    t.wait_shot(lambda s: outline_pixels(s, lay, 0, 0) > 20, "the two pieces selected")
+    t.xdo("key", "space")
 
     # "No more moves!", then the new best score: two alerts titled with a blank, then the table.
     titles = [t.dismiss_alert(), t.dismiss_alert()]
@@ -157,12 +158,14 @@ def test_game_end(t):
     check(not t.alerts(), "a third alert")
 
     # The models move until the space bar stops them.
-    a, _, b = t.shot().raw, time.sleep(0.3), t.shot().raw
-    check(a != b, "the score screen is not animated")
+    a = t.shot().raw
+    t.wait_for(lambda: t.shot().raw != a, 10, "the score screen to move")
     t.xdo("key", "space")
-    time.sleep(0.5)
-    stopped, _, b = t.shot().raw, time.sleep(0.4), t.shot().raw
-    check(b == stopped, "the space bar does not stop the animation")
+
+    def still():  # two pictures 0.4 s apart are the same: what the stopped animation shows
+        first, _, second = t.shot().raw, time.sleep(0.4), t.shot().raw
+        return first == second and first
+    stopped = t.wait_for(still, 10, "the space bar to stop the animation")
 
     # A menu opened over the stopped screen leaves it whole when it goes away.
     gx, gy = t.geometry(t.game)
@@ -256,7 +259,7 @@ def test_loops(t):
 
     began = time.monotonic()
     t.press_start()  # the game's start event begins the chain
-    title = t.dismiss_alert()
+    title = t.dismiss_alert(timeout=120)  # 12 events at the game's pace, then the rest unshown
     print("the alert was up %.2f s after Start" % (time.monotonic() - began))
     out = t.stdout()
     check(title == " ", "the alert is titled %r" % title)

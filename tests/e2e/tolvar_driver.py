@@ -270,8 +270,8 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
                 if wid not in (self.game, self.main) and w not in (WIN_W, MAIN_W, POPUP_W, HELP_W) and w > 1 and h > 1
                 and self.mapped(wid)]
 
-    def dismiss_alert(self):  # presses the button of the next alert panel with Return; returns its title
-        wid, name = self.wait_for(self.alerts, 15, "an alert panel")[0]
+    def dismiss_alert(self, timeout=15):  # presses the button of the next alert panel with Return; returns its title
+        wid, name = self.wait_for(self.alerts, timeout, "an alert panel")[0]
         self.xdo("windowfocus", "--sync", wid, "key", "--window", wid, "Return")
         self.wait_for(lambda: wid not in dict(self.alerts()), 15, "the alert to close")
         return name
@@ -281,13 +281,27 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
         mx, my = self.geometry(self.main)
         return mx + MAIN_W / 2 + 40, my + MENU_BAR_H + MAIN_PAD_Y + 2 + ITEM_SPACING_Y + FRAME_H / 2
 
+    def game_list_open(self, shot):  # the game pop-up's list covers the window's grey under the control
+        cx, cy = self.combo_centre()
+        return not near(shot.pixel(cx + 200, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2), (240, 240, 242), 4)
+
+    def open_game_list(self):
+        self.click(*self.combo_centre())
+        return self.wait_shot(self.game_list_open, "the game pop-up to open")
+
     def choose_game(self, index):  # the index-th entry ("None" is 0) of the game pop-up, listed under it
         self.playing = index - 1
         cx, cy = self.combo_centre()
-        self.click(cx, cy)
-        time.sleep(0.3)
+        self.open_game_list()
         self.click(cx, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2 + index * (FONT_PX + ITEM_SPACING_Y))
-        time.sleep(0.3)
+        self.wait_shot(lambda s: not self.game_list_open(s), "the game pop-up to close")
+
+    def open_menu(self, at):  # the game window's right-click menu, opened at `at`; returns its corner
+        self.click(*at, button=3)
+        px, py = self.geometry(self.wait_for(lambda: self.find_window(POPUP_W, POPUP_H, True), 10, "the menu"))
+        self.wait_shot(lambda s: s.count(px + 8, py + POPUP_PAD + 4, px + 200, py + POPUP_PAD + 26,
+                                         lambda p: max(p) < 200) > 20, "the menu's first item")
+        return px, py
 
     def press_start(self):
         mx, my = self.geometry(self.main)
