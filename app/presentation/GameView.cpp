@@ -154,6 +154,11 @@ void GameView::loadBGTextureFromFile(const std::string& path) {
 }
 
 void GameView::drawBackground(float z) {
+    if (bgTexture_ == 0) {  // no picture: a black window
+        glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        return;
+    }
     glEnable(GL_TEXTURE_RECTANGLE_ARB);
     glBindTexture(GL_TEXTURE_RECTANGLE_ARB, bgTexture_);
     glBegin(GL_QUADS);
@@ -237,12 +242,7 @@ void GameView::drawBoardPicture(const BoardLayout& L, const PixelRect* patch, co
     glDisable(GL_LIGHTING);
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
 
-    if (bgTexture_ != 0) {
-        drawBackground(200.0f);
-    } else {
-        glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
-        glClear(GL_COLOR_BUFFER_BIT);
-    }
+    drawBackground(200.0f);
 
     // The frame: 6 pixels outside the board at left, right and top, 3 below it.
     glColor3f(gBorderColor.red, gBorderColor.green, gBorderColor.blue);

@@ -96,6 +96,7 @@ private:
     Sprite* pieceSprite(float W);
     // The figure of a piece's shape inside the rectangle X, Y, W, H (lighting already on).
     void drawFigure(const BoardPiece& piece, float X, float Y, float W, float H);
+    // The background picture over the whole window at depth z, or black when there is none.
     void drawBackground(float z);
     void drawMarks(const BoardLayout& L, const BoardMarks& marks);
     void drawScoresFrame(const Value& scores);

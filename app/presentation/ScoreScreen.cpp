@@ -102,12 +102,7 @@ void GameView::drawScoresFrame(const Value& scores) {
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_LIGHTING);
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-    if (bgTexture_ != 0) {
-        drawBackground(0.0f);
-    } else {
-        glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
-        glClear(GL_COLOR_BUFFER_BIT);
-    }
+    drawBackground(0.0f);
 
     makeScoreModels();
     flyScoreModels();
