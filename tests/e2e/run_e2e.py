@@ -113,12 +113,15 @@ def test_play(t):
     removed, (cx, cy) = select_region(t, lay)
     px, py = t.open_menu((cx, cy))
     check(abs(px - cx) <= 2 and abs(py - cy) <= 2, "the menu opens at the mouse")
-    shot, row0, row1 = t.shot(), py + POPUP_PAD, py + POPUP_PAD + POPUP_ROW
-    ink = [x for x in range(px + 8, px + 200) if any(max(shot.pixel(x, y)) < 200 for y in range(row0 + 4, row0 + 26))]
-    width = max(ink) - min(ink) + 1 if ink else 0
-    check(110 <= width <= 160, "the first item is %d pixels wide, unlike 'Remove Selection'" % width)
-    grey = shot.count(px + 10, row1 + 4, px + 120, row1 + 26, lambda p: 120 <= max(p) <= 200 and max(p) - min(p) < 20)
-    check(grey > 20, "unbound items are not greyed (%d grey pixels)" % grey)
+    row0, row1 = py + POPUP_PAD, py + POPUP_PAD + POPUP_ROW
+
+    def items(shot):  # the first item's width and the grey pixels of the second
+        ink = [x for x in range(px + 8, px + 200) if any(max(shot.pixel(x, y)) < 200 for y in range(row0 + 4, row0 + 26))]
+        grey = shot.count(px + 10, row1 + 4, px + 120, row1 + 26, lambda p: 120 <= max(p) <= 200 and max(p) - min(p) < 20)
+        return (max(ink) - min(ink) + 1 if ink else 0), grey
+    t.wait_right(lambda: items(t.shot()), lambda m: (
+        "the first item is %d pixels wide, unlike 'Remove Selection'" % m[0] if not 110 <= m[0] <= 160 else
+        "unbound items are not greyed (%d grey pixels)" % m[1] if m[1] <= 20 else None))
     removes(t, lay, removed, lambda: t.click(px + 60, row0 + POPUP_ROW / 2))
     check(not t.find_window(POPUP_W, POPUP_H, True), "the menu closed")
 

@@ -299,8 +299,11 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
     def open_menu(self, at):  # the game window's right-click menu, opened at `at`; returns its corner
         self.click(*at, button=3)
         px, py = self.geometry(self.wait_for(lambda: self.find_window(POPUP_W, POPUP_H, True), 10, "the menu"))
-        self.wait_shot(lambda s: s.count(px + 8, py + POPUP_PAD + 4, px + 200, py + POPUP_PAD + 26,
-                                         lambda p: max(p) < 200) > 20, "the menu's first item")
+
+        def drawn(shot):  # the first item's text on the menu's light ground
+            box = (px + 8, py + POPUP_PAD + 4, px + 200, py + POPUP_PAD + 26)
+            return shot.count(*box, lambda p: max(p) < 200) > 20 and shot.count(*box, lambda p: min(p) > 200) > 2000
+        self.wait_shot(drawn, "the menu's first item")
         return px, py
 
     def press_start(self):

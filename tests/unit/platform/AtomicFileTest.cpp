@@ -93,7 +93,6 @@ TEST_F(AtomicFile, ANewFileNeverReplacesAnEarlierOne) {
 
 // A writer killed at any moment leaves one whole version: it writes two large versions in turn
 // and reports each finished write; it is killed right after a report, in the middle of the next.
-// The next write removes what the killed writers left, once it has lain untouched for a minute.
 TEST_F(AtomicFile, AWriterKilledMidWriteLeavesTheOldOrTheNewFile) {
     const std::string file = path("table.dict");
     const std::string versions[] = {std::string(3 << 20, 'a'), std::string(2 << 20, 'b')};
@@ -117,17 +116,29 @@ TEST_F(AtomicFile, AWriterKilledMidWriteLeavesTheOldOrTheNewFile) {
         const std::string left = contentsOf(file);
         EXPECT_TRUE(left == versions[0] || left == versions[1]) << "a file of " << left.size() << " bytes";
     }
-    std::vector<std::string> leftBehind = names();
-    std::erase(leftBehind, "table.dict");
-    EXPECT_FALSE(leftBehind.empty());
+}
+
+// A write clears the temporary files of writers that are gone, once nobody has written to them for
+// a minute; a file of a live writer, one written just now, and any other name stay.
+TEST_F(AtomicFile, WhatKilledWritersLeftIsClearedOnceItHasLainAMinute) {
+    auto goneProcess = [] {
+        const pid_t child = fork();
+        if (child == 0) _exit(0);
+        waitpid(child, nullptr, 0);
+        return std::to_string(child);
+    };
+    const std::string gone = goneProcess(), goneToo = goneProcess(), ours = std::to_string(getpid());
+    const std::string stale = ".table.dict." + gone + ".0", fresh = ".table.dict." + goneToo + ".3";
+    const std::vector<std::string> aged = {stale, ".table.dict." + ours + ".999", ".table.dict.backup",
+                                           ".other.dict." + gone + ".0"};
     const struct timeval twoMinutesAgo[2] = {{time(nullptr) - 120, 0}, {time(nullptr) - 120, 0}};
-    for (const std::string& name : leftBehind) ASSERT_EQ(utimes(path(name).c_str(), twoMinutesAgo), 0);
-    const std::string ours = ".table.dict." + std::to_string(getpid()) + ".999", fresh = leftBehind[0];
-    putFile(path(ours), "a write of this process, under way");
-    ASSERT_EQ(utimes(path(ours).c_str(), twoMinutesAgo), 0);
-    ASSERT_EQ(utimes(path(fresh).c_str(), nullptr), 0);  // as if its writer had just written to it
-    EXPECT_EQ(writeFileAtomically(file, "whole"), std::nullopt);
-    std::vector<std::string> kept{fresh, ours, "table.dict"};
+    for (const std::string& name : aged) {
+        putFile(path(name), "left by a writer");
+        ASSERT_EQ(utimes(path(name).c_str(), twoMinutesAgo), 0);
+    }
+    putFile(path(fresh), "a writer that was just writing");
+    EXPECT_EQ(writeFileAtomically(path("table.dict"), "whole"), std::nullopt);
+    std::vector<std::string> kept = {aged[1], aged[2], aged[3], fresh, "table.dict"};
     std::sort(kept.begin(), kept.end());
     EXPECT_EQ(names(), kept);
 }
