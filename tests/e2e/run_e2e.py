@@ -85,11 +85,11 @@ def test_play(t):
         ink = [0] + [shot.count(mx + 90, y, mx + 300, y + 1, lambda p: max(p) < 110) > 0
                      for y in range(int(cy) + 16, int(cy) + 200)]
         return sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
-    t.open_game_list()
+    is_open = t.open_game_list()
     t.wait_right(lambda: rows(t.shot()), lambda n: None if n == 4 else
                  "the open game pop-up shows %d rows of text, expected None + 3 games" % n)
     t.click(mx + 30, my + 300)  # beside the list: it closes
-    t.wait_shot(lambda s: not t.game_list_open(s), "the game pop-up to close")
+    t.wait_shot(lambda s: not is_open(s), "the game pop-up to close")
 
     # Choosing "Vexamor" shows its description.
     def text():
@@ -188,10 +188,7 @@ def test_reload(t):
     # The rules file is saved while the game runs: within a second the list and the problems change.
     rules_path = os.path.join(t.folder, "RulesDict.dict")
     mx, my = t.geometry(t.main)
-    box = (mx + 20, my + 150, mx + MAIN_W - 20, my + MAIN_H - 20)  # the description, what is found, the buttons
-
-    def reds(shot):  # error lines are drawn in dark red
-        return shot.count(*box, lambda p: near(p, (191, 0, 0), 40))
+    reds = t.error_ink()
 
     def save(games=None, text=None):  # as an editor saves: a new file renamed over the old one
         with open(rules_path + ".new", "wb") as f:
@@ -244,9 +241,8 @@ def test_loops(t):
         t.choose_game(1)
 
     relaunch("loop-events.dict")
-    mx, my = t.geometry(t.main)
-    t.wait_shot(lambda s: s.count(mx + 20, my + 150, mx + MAIN_W - 20, my + MAIN_H - 20,
-                                  lambda p: near(p, (191, 0, 0), 40)) > 30, "the loop's error in the main window")
+    mx, my, reds = *t.geometry(t.main), t.error_ink()
+    t.wait_shot(lambda s: reds(s) > 30, "the loop's error in the main window")
     t.click(mx + MAIN_W - MAIN_PAD_X - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)  # Start, refused
     relaunch("loop-refill.dict")  # the quit waits for the click above to have been taken
     refused_run = t.stdout(os.path.join(t.work, "out-%d.txt" % (t.runs - 1)))

@@ -281,20 +281,28 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
         mx, my = self.geometry(self.main)
         return mx + MAIN_W / 2 + 40, my + MENU_BAR_H + MAIN_PAD_Y + 2 + ITEM_SPACING_Y + FRAME_H / 2
 
-    def game_list_open(self, shot):  # the game pop-up's list covers the window's grey under the control
+    def game_list_open(self):  # a test of a screenshot: the pop-up's list covers the grey under the control
         cx, cy = self.combo_centre()
-        return not near(shot.pixel(cx + 200, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2), (240, 240, 242), 4)
+        return lambda shot: not near(shot.pixel(cx + 200, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2),
+                                     (240, 240, 242), 4)
 
-    def open_game_list(self):
+    def error_ink(self):  # a count on a screenshot: the main window's error lines, drawn in dark red
+        mx, my = self.geometry(self.main)
+        return lambda shot: shot.count(mx + 20, my + 150, mx + MAIN_W - 20, my + MAIN_H - 20,
+                                       lambda p: near(p, (191, 0, 0), 40))
+
+    def open_game_list(self):  # returns the test of whether it is open
         self.click(*self.combo_centre())
-        return self.wait_shot(self.game_list_open, "the game pop-up to open")
+        is_open = self.game_list_open()
+        self.wait_shot(is_open, "the game pop-up to open")
+        return is_open
 
     def choose_game(self, index):  # the index-th entry ("None" is 0) of the game pop-up, listed under it
         self.playing = index - 1
         cx, cy = self.combo_centre()
-        self.open_game_list()
+        is_open = self.open_game_list()
         self.click(cx, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2 + index * (FONT_PX + ITEM_SPACING_Y))
-        self.wait_shot(lambda s: not self.game_list_open(s), "the game pop-up to close")
+        self.wait_shot(lambda s: not is_open(s), "the game pop-up to close")
 
     def open_menu(self, at):  # the game window's right-click menu, opened at `at`; returns its corner
         self.click(*at, button=3)
