@@ -271,7 +271,9 @@ class Tolvar:  # the program on a display of its own, with an empty data folder
                 and self.mapped(wid)]
 
     def dismiss_alert(self, timeout=15):  # presses the button of the next alert panel with Return; returns its title
-        wid, name = self.wait_for(self.alerts, timeout, "an alert panel")[0]
+        # A panel can be mapped a moment before its title is set: it counts once it has one (the
+        # game's alerts are titled " ").
+        wid, name = self.wait_for(lambda: [a for a in self.alerts() if a[1]], timeout, "an alert panel")[0]
         self.xdo("windowfocus", "--sync", wid, "key", "--window", wid, "Return")
         self.wait_for(lambda: wid not in dict(self.alerts()), 15, "the alert to close")
         return name
