@@ -1,19 +1,27 @@
 #!/usr/bin/env python3
-"""Draws Tolvar's icon, the game's spiky piece, from the piece model itself.
+"""Draws Tolvar's icons, the game's spiky piece, from the piece model itself.
 
 Reads the 3DFACE entities of a DXF model (the game's resources/Spikes.dxf), turns the ball a
 little so it reads as round, lights it like the game window does (two lights from the upper
 right, the game's ambient and diffuse strengths) in the first piece colour, and draws the faces
-that look at the viewer back to front. The same list of shaded polygons becomes a scalable SVG
-and PNG images of the given sizes (transparent background, 4 x 4 samples a pixel). Only the
-Python standard library is used.
+that look at the viewer back to front. That list of shaded polygons becomes the scalable SVG and
+the PNG images from SMALL_LIMIT + 1 pixels up (transparent background, 4 x 4 samples a pixel).
 
-    tools/make-icon/make-icon.py MODEL OUTPUT_FOLDER [SIZE...]   (sizes default to 48 64 128 256)
+At SMALL_LIMIT pixels and below the model's 32 spikes would blur into a red blob, so the piece is
+drawn the way it is seen in profile, with fewer, bolder spikes: a ball and SMALL_SPIKES spikes
+around it, a little longer than the model's (spike tip against ball radius), lit by the same
+lights, with the centre, the ball's radius and every spike's tip on the pixel grid. The outline of that drawing, in one colour, is the
+symbolic icon. Only the Python standard library is used.
 
-writes OUTPUT_FOLDER/tolvar.svg and OUTPUT_FOLDER/tolvar-SIZE.png.
+    tools/make-icon/make-icon.py MODEL OUTPUT_FOLDER [SIZE...]
+        (sizes default to 16 22 24 32 48 64 128 256 512, the sizes the game installs)
+
+writes OUTPUT_FOLDER/tolvar.svg, tolvar-symbolic.svg and tolvar-SIZE.png.
 """
+import argparse
 import math
 import os
+import re
 import struct
 import sys
 import zlib
@@ -25,6 +33,19 @@ LIGHTS = ((256.0, 192.0, 100.0), (512.0, 384.0, 70.0))
 TURN_X, TURN_Y = math.radians(20.0), math.radians(-28.0)
 MARGIN = 0.03                      # of the icon's side, left free around the piece
 SAMPLES = 4                        # samples a pixel along each axis
+DEFAULT_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
+
+SMALL_LIMIT = 24                   # sizes up to this get the profile drawing
+SMALL_SPIKES = 8                   # spikes around the ball in profile, none along a row or column
+SPIKE_REACH = 1.3                  # the profile's spikes reach this much farther than the model's
+SPIKE_BASE = math.radians(23.0)    # half the angle of the ball a spike's base covers
+SPIKE_RIDGE = 0.5                  # height of a spike's ridge towards the viewer, of its length
+ARC_STEPS = 8                      # segments of the ball's outline between two spikes
+SHADES = ((1.0, 0.0, (-0.45, -0.45)),  # the ball's layers: radius, shift towards the light and
+          (0.78, 0.16, (0.0, 0.0)),    # the point of the sphere whose light it takes,
+          (0.36, 0.42, (0.5, 0.5)))    # darkest and largest first
+SYMBOLIC_SIDE = 16                 # symbolic icons are drawn on a 16-pixel grid
+SYMBOLIC_FILL = "#2e3436"          # the colour desktops replace with their own
 
 
 def normalised(v):
@@ -68,6 +89,20 @@ def read_faces(path):
     return faces
 
 
+def spike_proportion(faces):
+    """How far the spikes' tips reach against the ball's radius: outermost over innermost corner."""
+    radii = [math.sqrt(dot(p, p)) for face in faces for p in face]
+    if min(radii) <= 0.0:
+        sys.exit("make-icon: the model has a corner at its centre, so it has no ball to draw")
+    return max(radii) / min(radii)
+
+
+def lit(normal):
+    """The piece colour, 0..255, of a surface facing `normal`, under the game window's lights."""
+    light = AMBIENT + sum(DIFFUSE * max(0.0, dot(normal, normalised(l))) for l in LIGHTS)
+    return tuple(min(255, round(255 * c * light)) for c in PIECE_COLOUR)
+
+
 def turned(p):
     x, y, z = p
     y, z = y * math.cos(TURN_X) - z * math.sin(TURN_X), y * math.sin(TURN_X) + z * math.cos(TURN_X)
@@ -78,8 +113,7 @@ def turned(p):
 def shaded_polygons(faces):
     """(points in the unit square with y down, (r, g, b) in 0..255), back to front."""
     faces = [[turned(p) for p in face] for face in faces]
-    lights = [normalised(light) for light in LIGHTS]
-    lit = []
+    shown = []
     for face in faces:
         centre = tuple(sum(c) / len(face) for c in zip(*face))
         normal = normalised(cross(sub(face[1], face[0]), sub(face[2], face[0])))
@@ -87,14 +121,82 @@ def shaded_polygons(faces):
             normal = tuple(-c for c in normal)
         if normal[2] <= 0.0:
             continue
-        light = AMBIENT + sum(DIFFUSE * max(0.0, dot(normal, l)) for l in lights)
-        colour = tuple(min(255, round(255 * c * light)) for c in PIECE_COLOUR)
-        lit.append((centre[2], face, colour))
-    lit.sort(key=lambda item: item[0])
+        shown.append((centre[2], face, lit(normal)))
+    shown.sort(key=lambda item: item[0])
     reach = max(max(abs(p[0]), abs(p[1])) for face in faces for p in face)
     scale = (0.5 - MARGIN) / reach
     return [([(0.5 + p[0] * scale, 0.5 - p[1] * scale) for p in face], colour)
-            for _, face, colour in lit]
+            for _, face, colour in shown]
+
+
+class Profile:
+    """The piece seen in profile on a grid of `side` pixels: a ball and spikes around it.
+
+    Coordinates are pixels with y up and the origin at the centre, which lies on a pixel corner
+    (or a pixel's middle on odd sides), so the drawing is symmetric on the grid."""
+
+    def __init__(self, side, proportion):
+        self.side = side
+        self.tip = side / 2.0   # the tips reach the edge, then go to the middle of their pixel
+        self.ball = max(1.0, round(self.tip / (proportion * SPIKE_REACH)))
+        step = 2.0 * math.pi / SMALL_SPIKES
+        self.angles = [math.pi / 2.0 + step / 2.0 + step * k for k in range(SMALL_SPIKES)]
+
+    def at(self, radius, angle):
+        return (radius * math.cos(angle), radius * math.sin(angle))
+
+    def tip_of(self, angle):
+        """A spike's tip, moved to the middle of the pixel it lies in, so the point shows sharp."""
+        middle = 0.5 if self.side % 2 == 0 else 0.0   # pixel middles, counted from the centre
+        return tuple(round(c - middle) + middle for c in self.at(self.tip, angle))
+
+    def outline(self):
+        """The silhouette, counter-clockwise: each spike, then the ball's arc to the next one."""
+        points, step = [], 2.0 * math.pi / SMALL_SPIKES
+        for angle in self.angles:
+            points += [self.at(self.ball, angle - SPIKE_BASE), self.tip_of(angle),
+                       self.at(self.ball, angle + SPIKE_BASE)]
+            arc = step - 2.0 * SPIKE_BASE
+            points += [self.at(self.ball, angle + SPIKE_BASE + arc * i / ARC_STEPS) for i in range(1, ARC_STEPS)]
+        return points
+
+    def spike_halves(self):
+        """Each spike as two triangles either side of its ridge, with the colour its slope takes."""
+        halves = []
+        for angle in self.angles:
+            tip = self.tip_of(angle) + (0.0,)
+            root = self.at(self.ball * math.cos(SPIKE_BASE), angle) + (SPIKE_RIDGE * (self.tip - self.ball),)
+            for side in (-1.0, 1.0):
+                corner = self.at(self.ball, angle + side * SPIKE_BASE) + (0.0,)
+                normal = normalised(cross(sub(corner, tip), sub(root, tip)))
+                if normal[2] < 0.0:
+                    normal = tuple(-c for c in normal)
+                halves.append(([tip[:2], corner[:2], root[:2]], lit(normal)))
+        return halves
+
+    def disc(self, radius, shift):
+        """A disc of `radius` balls, its centre moved `shift` balls towards the lights."""
+        towards = normalised(tuple(sum(l[i] for l in LIGHTS) for i in range(2)))
+        corners = SMALL_SPIKES * ARC_STEPS
+        return [(self.ball * (towards[0] * shift + radius * math.cos(2.0 * math.pi * i / corners)),
+                 self.ball * (towards[1] * shift + radius * math.sin(2.0 * math.pi * i / corners)))
+                for i in range(corners)]
+
+    def ball_layers(self):
+        """Discs that shade the ball from its rim in shadow to the highlight towards the lights."""
+        return [(self.disc(radius, shift), lit((x, y, math.sqrt(max(0.0, 1.0 - x * x - y * y)))))
+                for radius, shift, (x, y) in SHADES]
+
+    def highlight(self):
+        radius, shift, _ = SHADES[-1]
+        return self.disc(radius, shift)
+
+    def in_unit_square(self, points):
+        return [(0.5 + x / self.side, 0.5 - y / self.side) for x, y in points]
+
+    def polygons(self):
+        """The shaded drawing, back to front, in the unit square with y down."""
+        return [(self.in_unit_square(points), colour) for points, colour in self.spike_halves() + self.ball_layers()]
 
 
 def svg(polygons, side=256):
@@ -107,6 +209,19 @@ def svg(polygons, side=256):
                    f'stroke-width="0.4" stroke-linejoin="round"/>\n')
     out.append("</svg>\n")
     return "".join(out)
+
+
+def symbolic_svg(profile):
+    """The profile's silhouette in one colour, as desktops recolour symbolic icons, with the ball's
+    highlight cut out of it so that it reads as a ball rather than a star."""
+    side = profile.side
+
+    def subpath(points):
+        return "M " + " ".join(f"{x * side:.3f},{y * side:.3f}" for x, y in profile.in_unit_square(points)) + " Z"
+    return (f'<svg xmlns="http://www.w3.org/2000/svg" width="{side}" height="{side}" '
+            f'viewBox="0 0 {side} {side}">\n'
+            f'  <path d="{subpath(profile.outline())} {subpath(profile.highlight())}" '
+            f'fill="{SYMBOLIC_FILL}" fill-rule="evenodd"/>\n</svg>\n')
 
 
 def raster(polygons, size):
@@ -162,19 +277,56 @@ def png(rows, size):
             + chunk(b"IDAT", zlib.compress(pixels, 9)) + chunk(b"IEND", b""))
 
 
+def project_version():
+    """The version CMakeLists.txt gives the project, two folders up from this tool."""
+    top = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "CMakeLists.txt")
+    try:
+        with open(top, encoding="utf-8") as f:
+            found = re.search(r"project\(\s*Tolvar\s+VERSION\s+([0-9.]+)", f.read())
+    except OSError:
+        found = None
+    return found.group(1) if found else "unknown"
+
+
+def icon_size(text):
+    size = int(text)
+    if not 1 <= size <= 4096:
+        raise argparse.ArgumentTypeError(f"{size} is not an icon size (1 to 4096 pixels)")
+    return size
+
+
+def arguments(argv):
+    parser = argparse.ArgumentParser(
+        prog="make-icon.py", description="Draws the game's icons from the piece model: a scalable SVG, "
+        "a symbolic SVG and a PNG image of each size.")
+    parser.add_argument("--version", action="version", version=f"make-icon.py {project_version()}")
+    parser.add_argument("model", help="the piece model, a DXF file of 3DFACE entities (resources/Spikes.dxf)")
+    parser.add_argument("folder", help="where to write tolvar.svg, tolvar-symbolic.svg and tolvar-SIZE.png")
+    parser.add_argument("sizes", nargs="*", type=icon_size, default=list(DEFAULT_SIZES),
+                        help="the PNG sizes in pixels (default: %s)" % " ".join(map(str, DEFAULT_SIZES)))
+    return parser.parse_args(argv[1:])
+
+
+def write(path, data):
+    """Writes the file whole under a temporary name first, so a build never sees half an icon."""
+    temporary = path + ".part"
+    with open(temporary, "wb") as f:
+        f.write(data)
+    os.replace(temporary, path)
+
+
 def main(argv):
-    if len(argv) < 3:
-        sys.stderr.write("usage: make-icon.py MODEL OUTPUT_FOLDER [SIZE...]\n")
-        return 2
-    model, folder = argv[1], argv[2]
-    sizes = [int(s) for s in argv[3:]] or [48, 64, 128, 256]
-    polygons = shaded_polygons(read_faces(model))
-    os.makedirs(folder, exist_ok=True)
-    with open(os.path.join(folder, "tolvar.svg"), "w", encoding="ascii") as f:
-        f.write(svg(polygons))
-    for size in sizes:
-        with open(os.path.join(folder, f"tolvar-{size}.png"), "wb") as f:
-            f.write(png(raster(polygons, size), size))
+    args = arguments(argv)
+    faces = read_faces(args.model)
+    proportion = spike_proportion(faces)
+    polygons = shaded_polygons(faces)
+    os.makedirs(args.folder, exist_ok=True)
+    write(os.path.join(args.folder, "tolvar.svg"), svg(polygons).encode("ascii"))
+    write(os.path.join(args.folder, "tolvar-symbolic.svg"),
+          symbolic_svg(Profile(SYMBOLIC_SIDE, proportion)).encode("ascii"))
+    for size in args.sizes:
+        drawing = Profile(size, proportion).polygons() if size <= SMALL_LIMIT else polygons
+        write(os.path.join(args.folder, f"tolvar-{size}.png"), png(raster(drawing, size), size))
     return 0
 
 
