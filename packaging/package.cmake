@@ -1,7 +1,7 @@
 # `cpack -G DEB` in the build folder: tolvar_VERSION_ARCH.deb, installed under /usr. The shared
 # libraries it needs are computed by dpkg-shlibdeps; what the game needs besides them is listed.
 set(CPACK_PACKAGE_NAME tolvar)
-set(CPACK_PACKAGE_VENDOR "Tolvar maintainers")
+set(CPACK_PACKAGE_VENDOR "The Tolvar developers")
 set(CPACK_PACKAGE_CONTACT "${TOLVAR_MAINTAINER}")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "puzzle games whose rules are data you can edit")
 set(CPACK_PACKAGE_DESCRIPTION
@@ -23,7 +23,9 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION games)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${TOLVAR_HOMEPAGE}")
+if(TOLVAR_HOMEPAGE)
+  set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${TOLVAR_HOMEPAGE}")
+endif()
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The main window and text drawn into images use fonts found through fontconfig: the URW fonts
 # give "Helvetica" and a sans-serif face.
