@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 """The Debian package made from a build, checked as the distribution's tools see it.
 
-    check_package.py --cpack CPACK --build DIR --version V --programs a,b
+    check_package.py --cpack CPACK --build DIR --source DIR --version V --programs a,b --hardened ON|OFF
 
 Makes the package with `cpack -G DEB` into a temporary folder, then checks its control fields
 (section games, a description, the shared libraries' packages computed into Depends), its files
-(the programs in /usr/games, their resources in /usr/share/tolvar) and that lintian finds no error
-or warning. Prints the package's size, its Depends line and lintian's full output.
+(the programs in /usr/games, their resources in /usr/share/tolvar), its copyright, changelog and
+documentation in /usr/share/doc/tolvar, the programs' hardening, and that lintian finds no error or
+warning and nothing about hardening. Prints the package's size, its Depends line and lintian's
+full output.
 """
 
 import argparse
@@ -15,7 +17,11 @@ import os
 import subprocess
 import sys
 
+from installed_files import (check_changelog, check_copyright, check_documentation, check_hardening,
+                             check_no_placeholder_urls)
 from temporary_folder import check, checked_in_temporary_folder
+
+DOCS = "usr/share/doc/tolvar"
 
 
 def output(*command):
@@ -59,6 +65,21 @@ def installed_with(depends):
     return {line.split(":")[0] for line in tree.splitlines() if line and not line.startswith(" ")}
 
 
+def check_contents(deb, args, work):
+    """The package's copyright, changelog, pages and programs, unpacked as dpkg would put them."""
+    root = os.path.join(work, "root")
+    status, log = output("dpkg-deb", "--extract", deb, root)
+    check(status == 0, "dpkg-deb cannot unpack %s:\n%s" % (deb, log))
+    check_copyright(os.path.join(root, DOCS, "copyright"), args.source)
+    check_changelog(os.path.join(root, DOCS, "changelog.gz"), args.source)
+    check_documentation(os.path.join(root, DOCS), args.source)
+    check_no_placeholder_urls(root)
+    if args.hardened:
+        check_hardening([os.path.join(root, "usr/games", p) for p in args.programs])
+    control = dict(line.split(": ", 1) for line in output("dpkg-deb", "--field", deb)[1].splitlines() if ": " in line)
+    check("example." not in control.get("Homepage", ""), "the package's home page is %r" % control.get("Homepage"))
+
+
 def check_package(deb, args):
     status, fields = output("dpkg-deb", "--field", deb)
     check(status == 0, "dpkg-deb cannot read %s:\n%s" % (deb, fields))
@@ -84,13 +105,16 @@ def check_package(deb, args):
     status, report = output("lintian", "--pedantic", "--display-info", "--fail-on", "error,warning", deb)
     print("lintian:\n" + report)
     check(status == 0, "lintian finds errors or warnings (status %d)" % status)
+    if args.hardened:
+        check("hardening-" not in report, "lintian finds the programs not hardened")
 
 
 def main():
     parser = argparse.ArgumentParser()
-    for option in ("cpack", "build", "version", "programs"):
+    for option in ("cpack", "build", "source", "version", "programs", "hardened"):
         parser.add_argument("--" + option, required=True)
     args = parser.parse_args()
+    args.hardened = args.hardened == "ON"
     args.programs = args.programs.split(",")
 
     def make_and_check(work):
@@ -100,6 +124,7 @@ def main():
         debs = glob.glob(os.path.join(work, "tolvar_*.deb"))
         check(len(debs) == 1, "cpack made %s" % os.listdir(work))
         check_package(debs[0], args)
+        check_contents(debs[0], args, work)
 
     return checked_in_temporary_folder("tolvar-package-", make_and_check)
 
