@@ -39,8 +39,11 @@ def releases(path):
             heading = HEADING.match(line)
             where = "%s:%d" % (path, number)
             if heading:
-                date = datetime.date.fromisoformat(heading.group(2))
-                if found and (date > found[-1][1]):
+                try:
+                    date = datetime.date.fromisoformat(heading.group(2))
+                except ValueError as problem:
+                    raise Problem("%s: %s: %s" % (where, heading.group(2), problem)) from None
+                if found and date > found[-1][1]:
                     raise Problem("%s: release %s is dated after the one above it" % (where, heading.group(1)))
                 found.append((heading.group(1), date, []))
             elif not found or not line.strip():
@@ -108,7 +111,7 @@ def main(argv):
             text = template.replace(RELEASES_MARK, metainfo_releases(notes))
         else:
             text = changelog(notes, source)
-    except (OSError, ValueError, Problem) as problem:
+    except (OSError, Problem) as problem:
         sys.stderr.write("news.py: %s\n" % problem)
         return 1
     with open(output, "w", encoding="utf-8") as f:
