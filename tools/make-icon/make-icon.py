@@ -67,8 +67,15 @@ def dot(a, b):
 
 def read_faces(path):
     """The model's triangles (a repeated fourth corner dropped), as lists of (x, y, z)."""
-    with open(path, encoding="ascii") as f:
-        lines = [line.strip() for line in f]
+    try:
+        with open(path, encoding="ascii") as f:
+            lines = [line.strip() for line in f]
+        return faces_of(path, lines)
+    except (OSError, UnicodeDecodeError, ValueError) as problem:
+        sys.exit(f"make-icon: cannot read the model {path}: {problem}")
+
+
+def faces_of(path, lines):
     pairs = list(zip(lines[0::2], lines[1::2]))
     faces, corners = [], None
     for code, value in pairs + [("0", "EOF")]:
