@@ -2,7 +2,7 @@
 """Tolvar installed into a fresh temporary prefix, checked as a desktop and a player meet it.
 
     check_install.py --cmake CMAKE --build DIR --source DIR --version V --programs a,b
-                     --icon-sizes 48,64 --app-id ID --homepage=[URL] --hardened ON|OFF
+                     --icon-sizes 48,64 --app-id ID --homepage=[URL] --hardened GNU|Clang|OFF
 
 Installs with `cmake --install`, then checks the files' places, the licence, the changelog, the
 documentation, the menu entry and the metadata with their validators, the screenshots the
@@ -293,8 +293,8 @@ def check_options(prefix, args):
 
 def check_hardened(prefix, args):
     """The programs carry the hardening of every build type but Debug, unless it was turned off."""
-    if args.hardened:
-        check_hardening([os.path.join(prefix, "bin", p) for p in args.programs])
+    if args.hardened != "OFF":
+        check_hardening([os.path.join(prefix, "bin", p) for p in args.programs], args.hardened)
     else:
         print("  not hardened: a Debug build, or TOLVAR_HARDEN is OFF")
 
@@ -319,7 +319,6 @@ def main():
     for option in ("cmake", "build", "source", "version", "programs", "icon-sizes", "app-id", "homepage", "hardened"):
         parser.add_argument("--" + option, required=True)
     args = parser.parse_args()
-    args.hardened = args.hardened == "ON"
     args.programs = args.programs.split(",")
     args.icon_sizes = [int(s) for s in args.icon_sizes.split(",")]
 

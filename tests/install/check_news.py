@@ -30,7 +30,8 @@ REFUSED = [
     ("a line that is neither", GOOD.replace("  - First.", "First."), "0.2", "NEWS:8: expected a change"),
     ("dates out of order", GOOD.replace("2026-01-01", "2026-03-01"), "0.2", "NEWS:7: release 0.1 is dated after"),
     ("a release without a change", GOOD.replace("  - First.\n", ""), "0.2", "releases without a change: 0.1"),
-    ("a date that does not exist", GOOD.replace("2026-02-01", "2026-02-30"), "0.2", "NEWS:3: 2026-02-30: day is out of range"),
+    ("a date that does not exist", GOOD.replace("2026-02-01", "2026-02-30"), "0.2",
+     "NEWS:3: 2026-02-30: day is out of range"),
     ("no release at all", "Nothing yet.\n", "0.2", "lists no release"),
 ]
 
