@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchMain.h"
 #include "engine/Board.h"
 #include "engine/BoardActions.h"
 #include "engine/BoardLayout.h"
@@ -258,8 +259,8 @@ int main(int argc, char** argv) {
     // The rules loader makes the data folder: keep it out of the user's own.
     const auto home = std::filesystem::temp_directory_path() / "tolvar-bench-home";
     setenv("XDG_DATA_HOME", home.c_str(), 1);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return tolvar::bench::runBenchmarks(argc, argv, "bench_engine",
+                                        "Times the rule engine: the completion test, line resolution, falling pieces,\n"
+                                        "the region count, a whole game played from a script, and loading and saving\n"
+                                        "big files.");
 }

@@ -1,7 +1,7 @@
 // Draws each built-in game's board, a board with a selected region, and the score screen into
 // a game-sized window and writes them as PNG pictures:
 //
-//     presentation-pictures <folder>
+//     presentation-pictures FOLDER
 //
 // Run under a display (xvfb-run). Pictures: board-vexamor.png, board-trindle.png,
 // board-glimmet.png, board-selection.png, board-figures.png, scores.png.
@@ -12,10 +12,22 @@
 
 #include "BuiltinBoards.h"
 #include "GlTestWindow.h"
+#include "platform/CommandLine.h"
 
 using namespace tolvar;
 
 namespace {
+
+constexpr const char* kUsage = "usage: presentation-pictures FOLDER\n";
+constexpr const char* kHelp =
+    "usage: presentation-pictures FOLDER\n"
+    "Draws each built-in game's board, a board with a selected region, the ten figures and the\n"
+    "score screen as the game window shows them, and writes them into FOLDER as PNG pictures\n"
+    "(board-vexamor.png, board-trindle.png, board-glimmet.png, board-selection.png,\n"
+    "board-figures.png, scores.png). Needs a display: run it under Xvfb.\n"
+    "\n"
+    "  --help     show this help and exit\n"
+    "  --version  show the version and exit\n";
 
 std::string lower(std::string s) {
     for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -35,8 +47,9 @@ bool save(const std::string& folder, const std::string& file) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (answerHelpOrVersion(argc, argv, "presentation-pictures", kHelp)) return 0;
     if (argc != 2) {
-        std::fprintf(stderr, "usage: %s <folder>\n", argv[0]);
+        std::fprintf(stderr, "%s", kUsage);
         return 2;
     }
     const std::string folder = argv[1];

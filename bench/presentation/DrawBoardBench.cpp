@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "BenchMain.h"
 #include "BuiltinBoards.h"
 #include "GlTestWindow.h"
 
@@ -71,4 +72,8 @@ BENCHMARK_CAPTURE(drawBoardOf, VexamorBlackBackground, std::string("Vexamor"), f
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    return tolvar::bench::runBenchmarks(argc, argv, "bench_presentation",
+                                        "Times a full frame of each built-in game and a frame in which one piece\n"
+                                        "changed, on the display's OpenGL (run it under Xvfb).");
+}

@@ -9,10 +9,25 @@
 #include <vector>
 
 #include "SpikesScene.h"
+#include "platform/CommandLine.h"
+
+namespace {
+
+constexpr const char* kUsage = "usage: render-spikes OUT.png\n";
+constexpr const char* kHelp =
+    "usage: render-spikes OUT.png\n"
+    "Draws the piece model lit as in the game window, large and in a row of piece colours, and\n"
+    "saves the picture as the PNG file OUT.png (needs a display: run it under Xvfb).\n"
+    "\n"
+    "  --help     show this help and exit\n"
+    "  --version  show the version and exit\n";
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    if (tolvar::answerHelpOrVersion(argc, argv, "render-spikes", kHelp)) return 0;
     if (argc != 2) {
-        fprintf(stderr, "usage: render-spikes OUT.png\n");
+        fprintf(stderr, "%s", kUsage);
         return 2;
     }
     SpikesView view;
