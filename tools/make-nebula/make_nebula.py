@@ -13,10 +13,14 @@ placed at full size on top.
 
 import argparse
 import math
+import os
 import random
 import struct
 import sys
 import zlib
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from tool_version import add_version_option  # noqa: E402
 
 
 def smooth(t):
@@ -247,6 +251,7 @@ def main(argv):
     parser.add_argument("--seed", type=int, default=1987)
     parser.add_argument("--width", type=int, default=1920)
     parser.add_argument("--height", type=int, default=1200)
+    add_version_option(parser)
     args = parser.parse_args(argv)
     if args.width < 8 or args.height < 8:
         parser.error("the picture must be at least 8 x 8 pixels")

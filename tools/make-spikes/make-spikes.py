@@ -16,9 +16,13 @@ in a single LF.
 
     tools/make-spikes/make-spikes.py [OUTPUT]   (default: resources/Spikes.dxf)
 """
+import argparse
 import math
 import os
 import sys
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from tool_version import add_version_option  # noqa: E402
 
 SPIKE_RADIUS = 1.55
 BALL_RADIUS = 1.0
@@ -97,7 +101,11 @@ def dxf(triangles):
 
 def main():
     here = os.path.dirname(os.path.abspath(__file__))
-    out = sys.argv[1] if len(sys.argv) > 1 else os.path.normpath(os.path.join(here, "..", "..", "resources", "Spikes.dxf"))
+    parser = argparse.ArgumentParser(description="Write the piece model, a ball with 32 spikes, as a DXF file.")
+    parser.add_argument("output", nargs="?", help="the DXF file to write (default: resources/Spikes.dxf)",
+                        default=os.path.normpath(os.path.join(here, "..", "..", "resources", "Spikes.dxf")))
+    add_version_option(parser)
+    out = parser.parse_args().output
     triangles = spiky_triangles()
     with open(out, "w", newline="\n") as f:
         f.write(dxf(triangles))

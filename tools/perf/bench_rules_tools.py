@@ -11,8 +11,12 @@ import os
 import plistlib
 import statistics
 import subprocess
+import sys
 import tempfile
 import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from tool_version import add_version_option  # noqa: E402
 
 
 def timed(command, env):
@@ -30,6 +34,7 @@ def main():
     parser.add_argument("build")
     parser.add_argument("--runs", type=int, default=5)
     parser.add_argument("--games", type=int, default=200)
+    add_version_option(parser)
     args = parser.parse_args()
     check, sim = (os.path.join(args.build, "bin", p) for p in ("tolvar-check", "tolvar-sim"))
     print("load average before: %.2f %.2f %.2f on %d cores" % (os.getloadavg() + (os.cpu_count(),)))

@@ -22,6 +22,9 @@ import time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "e2e"))
 from tolvar_driver import Layout, Tolvar  # noqa: E402
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from tool_version import add_version_option  # noqa: E402
+
 
 def peak_resident_mib(pid):
     with open("/proc/%d/status" % pid) as f:
@@ -111,6 +114,7 @@ def main():
     parser.add_argument("--seconds", type=float, default=10.0)
     parser.add_argument("--runs", type=int, default=3)
     parser.add_argument("--seed", type=int, default=7)
+    add_version_option(parser)
     args = parser.parse_args()
     with open("/proc/loadavg") as f:
         load = f.read().split()[:3]

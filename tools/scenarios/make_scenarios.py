@@ -8,6 +8,7 @@ transcripts they give.
 OUT_DIR defaults to tests/unit/engine/sim. Run it again only when the engine's transcript
 changes on purpose; tests/unit/engine/sim/run_scenarios.py checks that the runner still plays
 every script to the same end."""
+import argparse
 import os
 import plistlib
 import random
@@ -15,9 +16,10 @@ import subprocess
 import sys
 import tempfile
 
-SIM = sys.argv[1]
-OUT = sys.argv[2] if len(sys.argv) > 2 else os.path.join(
-    os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "unit", "engine", "sim")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from tool_version import add_version_option  # noqa: E402
+
+SIM = OUT = None  # the runner and the folder written, from the command line
 
 NO_MOVES = "alert: No more moves!  Press the 'esc' key to play again after clicking 'OK'. [OK]"
 
@@ -184,5 +186,18 @@ def main():
             sys.exit("no seed ends " + name)
 
 
+def command_line():
+    parser = argparse.ArgumentParser(description="Write the runner scenarios: small rules files, scripts that "
+                                     "play each game to its end, and their transcripts.")
+    parser.add_argument("tolvar_sim", help="the runner program, build/bin/tolvar-sim")
+    parser.add_argument("out_dir", nargs="?", help="the folder written (default: tests/unit/engine/sim)",
+                        default=os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests",
+                                             "unit", "engine", "sim"))
+    add_version_option(parser)
+    return parser.parse_args()
+
+
 if __name__ == "__main__":
+    ARGUMENTS = command_line()
+    SIM, OUT = ARGUMENTS.tolvar_sim, ARGUMENTS.out_dir
     main()

@@ -16,6 +16,9 @@ import time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "e2e"))
 from tolvar_driver import MAIN_H, MAIN_W, MENU_BAR_H, WIN_H, WIN_W, Layout, Tolvar  # noqa: E402
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from tool_version import add_version_option  # noqa: E402
+
 
 def take_pictures(data_folder_name, take):
     """Reads --program and --out, starts the program with a data folder of its own and hands it, with
@@ -23,6 +26,7 @@ def take_pictures(data_folder_name, take):
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
     parser.add_argument("--out", required=True)
+    add_version_option(parser)
     args = parser.parse_args()
     t = Tolvar(os.path.abspath(args.program), data_folder_name)
     try:
