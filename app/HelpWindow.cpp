@@ -13,17 +13,27 @@ namespace tolvar {
 HelpWindow::HelpWindow(const std::string& fontFile, float fontPixels)
     : surface_("Tolvar Help", 700, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels) {}
 
+void HelpWindow::showPage(const char* title) {
+    surface_.show();
+    SDL_SetWindowTitle(surface_.sdlWindow(), title);
+}
+
 void HelpWindow::showGame(GameHelp help) {
     help_ = std::move(help);
-    about_ = false;
-    surface_.show();
-    SDL_SetWindowTitle(surface_.sdlWindow(), "Tolvar Help");
+    page_ = Page::Game;
+    showPage("Tolvar Help");
 }
 
 void HelpWindow::showAbout() {
-    about_ = true;
-    surface_.show();
-    SDL_SetWindowTitle(surface_.sdlWindow(), "About Tolvar");
+    page_ = Page::About;
+    showPage("About Tolvar");
+}
+
+void HelpWindow::showWritingGames(std::string problem, std::string path) {
+    problem_ = std::move(problem);
+    pagePath_ = std::move(path);
+    page_ = Page::WritingGames;
+    showPage("Writing Games");
 }
 
 namespace {
@@ -76,6 +86,21 @@ void HelpWindow::drawAbout() {
     ImGui::PopTextWrapPos();
 }
 
+void HelpWindow::drawWritingGames() {
+    heading(surface_.boldFont(), "Writing Games");
+    ImGui::PushTextWrapPos(0.0f);
+    ImGui::TextUnformatted(problem_.c_str());
+    ImGui::Dummy(ImVec2(0, 4));
+    ImGui::TextUnformatted("The page for rules authors, how to write a game of your own, is the file:");
+    ImGui::PopTextWrapPos();
+    // Read-only, but it can be selected and copied.
+    ImGui::SetNextItemWidth(-1.0f);
+    ImGui::InputText("##path", pagePath_.data(), pagePath_.size() + 1, ImGuiInputTextFlags_ReadOnly);
+    ImGui::PushTextWrapPos(0.0f);
+    ImGui::TextUnformatted("Any text editor shows it; a Markdown viewer shows it formatted.");
+    ImGui::PopTextWrapPos();
+}
+
 bool HelpWindow::draw() {
     bool keepOpen = true;
     surface_.beginFrame();
@@ -86,10 +111,11 @@ bool HelpWindow::draw() {
                  ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings);
     const float closeHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f;
     ImGui::BeginChild("##page", ImVec2(0, -closeHeight));
-    if (about_)
-        drawAbout();
-    else
-        drawGame();
+    switch (page_) {
+        case Page::Game: drawGame(); break;
+        case Page::About: drawAbout(); break;
+        case Page::WritingGames: drawWritingGames(); break;
+    }
     ImGui::EndChild();
     const float buttonWidth = 120.0f;
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());

@@ -1,5 +1,6 @@
 // The help window (F1, Help menu): the chosen game's name, description and inputs read from its
-// rules, and the program's own keys; or, from the Help menu, what Tolvar is and its version.
+// rules, and the program's own keys; or, from the Help menu, what Tolvar is and its version, or
+// where the rules author's page is when it could not be opened.
 #pragma once
 
 #include <string>
@@ -23,6 +24,9 @@ public:
     // Shows the help of a game (an empty page: no game chosen), or the About page.
     void showGame(GameHelp help);
     void showAbout();
+    // Shows why the rules author's page did not open (problem) and where it is (path; where it
+    // would be installed when it is nowhere).
+    void showWritingGames(std::string problem, std::string path);
     void close() { surface_.hide(); }
 
     // One frame; false when the player closed the window with its button.
@@ -31,10 +35,14 @@ public:
 private:
     void drawGame();
     void drawAbout();
+    void drawWritingGames();
+    void showPage(const char* title);
 
+    enum class Page { Game, About, WritingGames };
     ImGuiSurface surface_;
     GameHelp help_;
-    bool about_ = false;
+    std::string problem_, pagePath_;
+    Page page_ = Page::Game;
 };
 
 }  // namespace tolvar

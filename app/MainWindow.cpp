@@ -86,6 +86,9 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
         if (ImGui::BeginMenu("Help")) {
             if (ImGui::MenuItem("Game Help", "F1"))
                 commands.push_back({ShellCommand::Kind::Program, {}, -1, ProgramCommand::Help});
+            if (ImGui::MenuItem("Writing Games"))
+                commands.push_back({ShellCommand::Kind::Program, {}, -1, ProgramCommand::WritingGames});
+            ImGui::Separator();
             if (ImGui::MenuItem("About Tolvar"))
                 commands.push_back({ShellCommand::Kind::Program, {}, -1, ProgramCommand::About});
             ImGui::EndMenu();

@@ -4,7 +4,9 @@
 
 #include <cstdio>
 
+#include "FileIO.h"
 #include "platform/DataFolder.h"
+#include "platform/DocumentPages.h"
 #include "platform/PlistFile.h"
 #include "rules/GameHelp.h"
 
@@ -55,6 +57,7 @@ void TolvarAppDelegate::runProgramCommand(ProgramCommand command) {
             break;
         case ProgramCommand::Hint: showHint(); break;
         case ProgramCommand::Help: showHelp(); break;
+        case ProgramCommand::WritingGames: openWritingGames(); break;
         case ProgramCommand::About: showAbout(); break;
         case ProgramCommand::Fullscreen:
             if (gameWindow) gameWindow->toggleFullscreen();
@@ -169,6 +172,37 @@ void TolvarAppDelegate::showHelp() {
 void TolvarAppDelegate::showAbout() {
     openHelpWindow();
     helpWindow_->showAbout();
+    helpFrames_ = kMainWindowFramesPerChange;
+}
+
+namespace {
+constexpr const char* kWritingGamesPage = "writing-games.md";
+}  // namespace
+
+void TolvarAppDelegate::openWritingGames() {
+    const DocumentPage page =
+        findDocumentPage(kWritingGamesPage, {programFolder(), TOLVAR_BUILD_PROGRAM_DIR, TOLVAR_SOURCE_DOCS_DIR});
+    if (page.path.empty()) {
+        tellWhereWritingGamesIs("It is not installed here; a complete install of Tolvar has it.", page.installedPath);
+        return;
+    }
+    writingGamesPath_ = page.path;
+    const std::string problem = pageOpener_.open(page.path);
+    if (!problem.empty()) tellWhereWritingGamesIs("Tolvar cannot show it: " + problem + ".", page.path);
+}
+
+void TolvarAppDelegate::writingGamesViewerEnded(Sint32 status) {
+    pageOpener_.forgetEnded();
+    if (status == 0) return;
+    const std::string how =
+        status == PageOpener::kKilled ? "was stopped" : "ended with status " + std::to_string(status);
+    tellWhereWritingGamesIs("Tolvar cannot show it: xdg-open " + how + ".", writingGamesPath_);
+}
+
+void TolvarAppDelegate::tellWhereWritingGamesIs(const std::string& problem, const std::string& path) {
+    std::fprintf(stderr, "tolvar: the page for rules authors: %s It is %s\n", problem.c_str(), path.c_str());
+    openHelpWindow();
+    helpWindow_->showWritingGames(problem, path);
     helpFrames_ = kMainWindowFramesPerChange;
 }
 

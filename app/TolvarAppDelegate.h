@@ -16,6 +16,7 @@
 #include "engine/Host.h"
 #include "platform/BestScoresFile.h"
 #include "platform/DataFolder.h"
+#include "platform/PageOpener.h"
 #include "platform/ProgramKeys.h"
 #include "platform/PropertyList.h"
 #include "platform/RunLoop.h"
@@ -83,6 +84,11 @@ private:
     void openHelpWindow();
     void showHelp();
     void showAbout();
+    // Help > Writing Games: the rules author's page in the desktop's viewer; when it cannot be
+    // opened, the help window tells why and where the page is.
+    void openWritingGames();
+    void writingGamesViewerEnded(Sint32 status);
+    void tellWhereWritingGamesIs(const std::string& problem, const std::string& path);
     void checkUserEvents();
     void eventTick();
     void closePopup();
@@ -109,6 +115,8 @@ private:
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<ActionsPopup> popup_;
     std::unique_ptr<HelpWindow> helpWindow_;
+    PageOpener pageOpener_;
+    std::string writingGamesPath_;  // the page given to the viewer last
 
     Timers timers_;
     Timers::Id eventTimer = 0;

@@ -19,6 +19,10 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         terminate();
         return;
     }
+    if (event.type == PageOpener::endedEventType()) {
+        writingGamesViewerEnded(event.user.code);
+        return;
+    }
     Uint32 windowID = 0;
     switch (event.type) {
         case SDL_WINDOWEVENT: windowID = event.window.windowID; break;

@@ -57,15 +57,14 @@ FileData getFileData(const char* path) {
     return data;
 }
 
-namespace {
-
-// The folder of the running program.
-fs::path programFolder() {
+std::string programFolder() {
     std::error_code ec;
     const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
     if (ec) return {};
-    return exe.parent_path();
+    return exe.parent_path().string();
 }
+
+namespace {
 
 // Where the resources may be: beside the program in the build tree, or the installed share.
 std::vector<fs::path> resourceFolders() {

@@ -21,6 +21,9 @@ void getResourcePath(const char* name, const char* type, char* path);
 // The folder that holds the resources, or an empty string when there is none.
 std::string resourceFolder();
 
+// The folder of the running program, or an empty string when it cannot be told.
+std::string programFolder();
+
 // The file route of textures: a square image file uploaded at its own size with linear
 // filtering. Returns the texture name, or -1 (all bits set) when no texture is made.
 std::uint32_t createTextureFromFile(const char* path);

@@ -20,6 +20,7 @@ enum class ProgramCommand {
     Redo,
     Hint,
     Help,
+    WritingGames,
     About,
     Fullscreen,
 };

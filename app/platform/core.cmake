@@ -5,6 +5,7 @@ add_library(tolvar_platform_core STATIC
   ${CMAKE_CURRENT_LIST_DIR}/AtomicFile.cpp
   ${CMAKE_CURRENT_LIST_DIR}/BestScoresFile.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Utf8.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/DocumentPages.cpp
 )
 target_include_directories(tolvar_platform_core PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(tolvar_platform_core PRIVATE PkgConfig::PLIST)

@@ -1,15 +1,17 @@
 #!/usr/bin/env python3
 """The desktop around the game, played under its own Xvfb: keys that must not move, keyboard-only play with
-the cursor and the hint, undo and redo, Continue, the help window, and the game window resized and full screen.
-run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue|window|help"""
+the cursor and the hint, undo and redo, Continue, the help window and the rules author's page, and the game window
+resized and full screen.
+run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue|window|help|writing_games"""
 
 import os
 import plistlib
+import shutil
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from run_e2e import SELECTED, full, outline_pixels, removes, select_region, touches  # noqa: E402
-from tolvar_driver import (COLOURS, HELP_H, HELP_W, MAIN_H, MAIN_PAD_X, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H, SCREEN_W,  # noqa: E402
+from tolvar_driver import (COLOURS, HELP_H, HELP_W, MAIN_H, MAIN_PAD_X, MAIN_W, MENU_BAR_H, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H, SCREEN_W,  # noqa: E402
                            WIN_H, WIN_W, Layout, check, classify, near, run_test_script)
 
 HINT, CURSOR = (0, 229, 255), (255, 255, 255)  # the hint's outline round its cells, the cursor's inside its cell
@@ -326,8 +328,81 @@ def test_help(t):
     t.wait_for(lambda: t.mapped(helpw), 10, "the help from the main window")
 
 
+def ink_runs(positions, gap):
+    """[first, last] of each run of positions no more than gap apart."""
+    runs = []
+    for p in positions:
+        if runs and p - runs[-1][1] <= gap:
+            runs[-1][1] = p
+        else:
+            runs.append([p, p])
+    return runs
+
+
+def choose_writing_games(t):
+    """Help > Writing Games in the main window: the menu bar's last title, then the second line of its menu."""
+    mx, my = t.geometry(t.main)
+    dark = lambda p: max(p) < 90  # noqa: E731
+
+    def title_runs(s):  # the menu bar's titles that can be chosen (drawn dark)
+        return ink_runs([x for x in range(mx, mx + MAIN_W)
+                         if any(dark(s.pixel(x, y)) for y in range(my + 2, my + MENU_BAR_H))], 10)
+    titles = title_runs(t.wait_shot(lambda s: len(title_runs(s)) >= 3, "the menu bar: Tolvar, Game and Help"))
+    left = titles[-1][0]
+    t.click((titles[-1][0] + titles[-1][1]) / 2, my + MENU_BAR_H / 2)
+
+    def items(s):  # the menu's lines of text, under its title
+        return ink_runs([y for y in range(my + MENU_BAR_H + 4, my + 200)
+                         if any(dark(s.pixel(x, y)) for x in range(left, left + 180))], 4)
+    _first, second, _about = items(t.wait_shot(lambda s: len(items(s)) == 3, "the Help menu's three items"))
+    t.click(left + 40, (second[0] + second[1]) / 2)
+
+
+def test_writing_games(t):
+    """Help > Writing Games gives the rules author's page to xdg-open; when xdg-open fails or is missing, the
+    help window tells where the page is."""
+    page = os.path.realpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "docs",
+                                         "writing-games.md"))
+    viewer, alone = os.path.join(t.work, "viewer"), os.path.join(t.work, "no-viewer")
+    record, status = os.path.join(t.work, "opened.txt"), os.path.join(t.work, "viewer-status.txt")
+    os.makedirs(viewer)
+    os.makedirs(alone)
+    with open(os.path.join(viewer, "xdg-open"), "w") as f:  # records what it is given, ends with the status asked
+        f.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\nexit "$(cat "%s")"\n' % (record, status))
+    os.chmod(os.path.join(viewer, "xdg-open"), 0o755)
+    for tool in ("xdotool", "xwininfo"):  # the test's own tools, and no xdg-open
+        os.symlink(shutil.which(tool), os.path.join(alone, tool))
+
+    def opened():
+        return open(record).read().splitlines() if os.path.exists(record) else []
+
+    def told(why):  # the help window titled "Writing Games", and the reason on standard error
+        t.wait_for(lambda: t.find_window(HELP_W, HELP_H, True, "Writing Games"), 10, "the page's place shown")
+        t.wait_for(lambda: why in t.stdout(t.err_path), 10, "the reason: " + why)
+        return t.stdout(t.err_path).count("the page for rules authors")
+
+    t.quit()
+    t.env["PATH"] = viewer + os.pathsep + os.environ["PATH"]
+    t.launch()
+    with open(status, "w") as f:
+        f.write("0\n")
+    choose_writing_games(t)
+    t.wait_for(lambda: opened() == [page], 10, "xdg-open given " + page)
+    with open(status, "w") as f:
+        f.write("3\n")
+    choose_writing_games(t)
+    check(told("xdg-open ended with status 3. It is %s" % page) == 1, "a page the viewer opened is not told of")
+    check(opened() == [page, page], "xdg-open given the page twice: %s" % opened())
+
+    t.quit()
+    t.env["PATH"] = alone
+    t.launch()
+    choose_writing_games(t)
+    told("xdg-open is not installed. It is %s" % page)
+
+
 def main():
-    run_test_script({"keys": test_keys, "keyboard": test_keyboard, "undo": test_undo, "continue": test_continue, "window": test_window, "help": test_help}, "desktop-")
+    run_test_script({"keys": test_keys, "keyboard": test_keyboard, "undo": test_undo, "continue": test_continue, "window": test_window, "help": test_help, "writing_games": test_writing_games}, "desktop-")
 
 
 if __name__ == "__main__":
