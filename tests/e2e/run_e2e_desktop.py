@@ -7,6 +7,7 @@ run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue
 import os
 import plistlib
 import shutil
+import signal
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
@@ -367,8 +368,11 @@ def test_writing_games(t):
     record, status = os.path.join(t.work, "opened.txt"), os.path.join(t.work, "viewer-status.txt")
     os.makedirs(viewer)
     os.makedirs(alone)
-    with open(os.path.join(viewer, "xdg-open"), "w") as f:  # records what it is given, ends with the status asked
-        f.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\nexit "$(cat "%s")"\n' % (record, status))
+    staying = os.path.join(t.work, "viewer-pid.txt")
+    # The viewer records what it is given and ends with the status asked, or stays open ("stay").
+    with open(os.path.join(viewer, "xdg-open"), "w") as f:
+        f.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\nread s < "%s"\n'
+                'if [ "$s" = stay ]; then echo $$ > "%s"; exec sleep 600; fi\nexit "$s"\n' % (record, status, staying))
     os.chmod(os.path.join(viewer, "xdg-open"), 0o755)
     for tool in ("xdotool", "xwininfo"):  # the test's own tools, and no xdg-open
         os.symlink(shutil.which(tool), os.path.join(alone, tool))
@@ -393,8 +397,19 @@ def test_writing_games(t):
     choose_writing_games(t)
     check(told("xdg-open ended with status 3. It is %s" % page) == 1, "a page the viewer opened is not told of")
     check(opened() == [page, page], "xdg-open given the page twice: %s" % opened())
-
+    # A viewer still open when the game quits: the game ends at once and leaves it open.
+    with open(status, "w") as f:
+        f.write("stay\n")
+    choose_writing_games(t)
+    t.wait_for(lambda: os.path.exists(staying) and open(staying).read().strip(), 10, "the viewer to stay open")
+    viewer_pid = int(open(staying).read())
     t.quit()
+    try:
+        os.kill(viewer_pid, 0)
+    except ProcessLookupError:
+        check(False, "quitting the game closed the viewer")
+    os.kill(viewer_pid, signal.SIGTERM)
+
     t.env["PATH"] = alone
     t.launch()
     choose_writing_games(t)
