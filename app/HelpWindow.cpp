@@ -39,7 +39,9 @@ void HelpWindow::showWritingGames(std::string problem, std::string path) {
 namespace {
 void heading(ImFont* bold, const char* text) {
     if (bold) ImGui::PushFont(bold);
+    ImGui::PushTextWrapPos(0.0f);
     ImGui::TextUnformatted(text);
+    ImGui::PopTextWrapPos();
     if (bold) ImGui::PopFont();
 }
 }  // namespace
@@ -47,12 +49,8 @@ void heading(ImFont* bold, const char* text) {
 void HelpWindow::drawGame() {
     ImFont* bold = surface_.boldFont();
     heading(bold, help_.title.empty() ? "No game chosen" : help_.title.c_str());
-    ImGui::PushTextWrapPos(0.0f);
-    if (help_.title.empty())
-        ImGui::TextUnformatted("Choose a game in the main window to read how it is played.");
-    else
-        ImGui::TextUnformatted(help_.description.c_str());
-    ImGui::PopTextWrapPos();
+    description_.draw({{help_.title.empty() ? "Choose a game in the main window to read how it is played."
+                                            : help_.description}});
     if (!help_.inputs.empty()) {
         ImGui::Dummy(ImVec2(0, 4));
         heading(bold, "Playing");

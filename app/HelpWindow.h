@@ -6,6 +6,7 @@
 #include <string>
 
 #include "ImGuiSurface.h"
+#include "TextPage.h"
 #include "rules/GameHelp.h"
 
 namespace tolvar {
@@ -43,6 +44,7 @@ private:
     GameHelp help_;
     std::string problem_, pagePath_;
     Page page_ = Page::Game;
+    TextPage description_;
 };
 
 }  // namespace tolvar

@@ -37,9 +37,12 @@ ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, in
     io.IniFilename = nullptr;
     io.LogFilename = nullptr;
     if (!fontFile.empty()) {
+        // Latin-1 and the general punctuation ("…", dashes and quotes that descriptions use).
+        static const ImWchar kGlyphs[] = {0x0020, 0x00FF, 0x2000, 0x206F, 0};
         ImFontConfig config;
         config.OversampleH = 2;
         config.OversampleV = 2;
+        config.GlyphRanges = kGlyphs;
         if (io.Fonts->AddFontFromFileTTF(fontFile.c_str(), fontPixels, &config)) interfaceFont_ = true;
         // A larger face of the same family for headings.
         std::string bold = fontFile;

@@ -2,6 +2,8 @@
 
 #include <imgui.h>
 
+#include "rules/ShownText.h"
+
 namespace tolvar {
 
 MainWindow::MainWindow(const std::string& fontFile, float fontPixels)
@@ -9,37 +11,44 @@ MainWindow::MainWindow(const std::string& fontFile, float fontPixels)
 
 namespace {
 
+constexpr std::size_t kShownFindings = 100;  // the checker's findings listed under the description
+const ImU32 kErrorColour = IM_COL32(191, 0, 0, 255);
+const ImU32 kWarningColour = IM_COL32(153, 102, 0, 255);
+
 // "line 7, column 26: error: BoardWidth: ..." (the path of keys when the file has no lines).
 std::string problemLine(const checker::Problem& p) {
     std::string where = p.at.line > 0 ? "line " + std::to_string(p.at.line) + ", column " + std::to_string(p.at.column)
-                                      : p.path;
+                                      : shownLine(p.path, kShownLineCharacters);
     if (!where.empty()) where += ": ";
     return where + (p.severity == checker::Severity::Error ? "error: " : "warning: ") +
-           (p.key.empty() ? std::string() : p.key + ": ") + p.message;
+           (p.key.empty() ? std::string() : shownLine(p.key, kShownNameCharacters) + ": ") +
+           shownLine(p.message, kShownLineCharacters);
 }
 
 }  // namespace
 
-void MainWindow::drawProblems(const GameLibrary& library, const RulesWatch& rules) {
-    const checker::CheckReport& report = rules.report();
-    std::vector<checker::Problem> shown = report.fileProblems();
-    if (library.currentRules())
-        for (checker::Problem& p : report.problemsOf(library.selectedTitle())) shown.push_back(std::move(p));
-    if (shown.empty()) return;
-    if (!library.descriptionText().empty()) {
-        ImGui::Dummy(ImVec2(0, 6));
-        ImGui::Separator();
+void MainWindow::addFindings(std::vector<Paragraph>& page, const GameLibrary& library, const RulesWatch& rules) {
+    // The file's own problems first, then the chosen game's; a file can hold any number of them.
+    const std::vector<checker::Problem>& problems = rules.report().problems;
+    const std::string* game = library.currentRules() ? &library.selectedTitle() : nullptr;
+    std::size_t total = 0;
+    for (const checker::Problem& p : problems) total += p.game.empty() || (game && p.game == *game);
+    if (total == 0) return;
+    const bool unreadable = !rules.report().rules.has_value();
+    page.push_back({unreadable ? "The rules file " + rules.path() + " cannot be read:" : "In " + rules.path() + ":"});
+    std::size_t shown = 0;
+    for (const bool ofFile : {true, false}) {
+        for (const checker::Problem& p : problems) {
+            if (shown == kShownFindings) break;
+            if (ofFile ? !p.game.empty() : !(game && !p.game.empty() && p.game == *game)) continue;
+            const bool error = p.severity == checker::Severity::Error;
+            page.push_back({problemLine(p), error ? kErrorColour : kWarningColour, false});
+            ++shown;
+        }
     }
-    const bool unreadable = !report.rules.has_value();
-    const std::string heading = unreadable ? "The rules file " + rules.path() + " cannot be read:"
-                                           : "In " + rules.path() + ":";
-    ImGui::TextUnformatted(heading.c_str());
-    for (const checker::Problem& p : shown) {
-        const bool error = p.severity == checker::Severity::Error;
-        ImGui::PushStyleColor(ImGuiCol_Text, error ? ImVec4(0.75f, 0.0f, 0.0f, 1.0f) : ImVec4(0.6f, 0.4f, 0.0f, 1.0f));
-        ImGui::TextUnformatted(problemLine(p).c_str());
-        ImGui::PopStyleColor();
-    }
+    if (shown < total)
+        page.push_back({"\xE2\x80\xA6 and " + std::to_string(total - shown) + " more (tolvar-check lists them all)", 0,
+                        false});
 }
 
 std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const ActionsMenu& menu,
@@ -101,21 +110,30 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::TextUnformatted("Game");
     ImGui::SameLine(80);
     ImGui::SetNextItemWidth(ImGui::GetContentRegionAvail().x);
+    // A game's name is shown cut to a length a line holds; the commands carry it whole.
     const std::string& selected = library.selectedTitle();
-    if (ImGui::BeginCombo("##game", selected.c_str())) {
-        for (const std::string& title : library.gameMenu()) {
-            const bool isSelected = title == selected;
-            if (ImGui::Selectable(title.c_str(), isSelected))
-                commands.push_back({ShellCommand::Kind::SelectGame, title, -1});
-            if (isSelected) ImGui::SetItemDefaultFocus();
+    const std::string shownSelected = shownLine(selected, kShownNameCharacters);
+    if (ImGui::BeginCombo("##game", shownSelected.c_str())) {
+        const std::vector<std::string>& titles = library.gameMenu();
+        ImGuiListClipper clipper;  // a file can hold any number of games
+        clipper.Begin(static_cast<int>(titles.size()));
+        while (clipper.Step()) {
+            for (int i = clipper.DisplayStart; i < clipper.DisplayEnd; ++i) {
+                const std::string& title = titles[static_cast<std::size_t>(i)];
+                const bool isSelected = title == selected;
+                const std::string label = shownLine(title, kShownNameCharacters) + "##" + std::to_string(i);
+                if (ImGui::Selectable(label.c_str(), isSelected))
+                    commands.push_back({ShellCommand::Kind::SelectGame, title, -1});
+                if (isSelected) ImGui::SetItemDefaultFocus();
+            }
         }
         ImGui::EndCombo();
     }
 
     ImGui::Dummy(ImVec2(0, 4));
-    const std::string heading = library.currentRules() ? selected : std::string("Choose a game");
+    const std::string heading = library.currentRules() ? shownSelected : std::string("Choose a game");
     if (surface_.boldFont()) ImGui::PushFont(surface_.boldFont());
-    ImGui::TextUnformatted(heading.c_str());
+    ImGui::TextUnformatted(heading.c_str());  // one line, clipped at the window's edge
     if (surface_.boldFont()) ImGui::PopFont();
 
     // The description: read-only, wrapped, scrolling.
@@ -123,14 +141,11 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::PushStyleColor(ImGuiCol_ChildBg, ImVec4(1, 1, 1, 1));
     ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, ImVec2(12, 10));
     ImGui::BeginChild("##description", ImVec2(0, -buttonsHeight), true, ImGuiWindowFlags_AlwaysUseWindowPadding);
-    ImGui::PushTextWrapPos(0.0f);
-    ImGui::TextUnformatted(library.descriptionText().c_str());
-    drawProblems(library, rules);
-    if (!note.empty()) {
-        ImGui::Dummy(ImVec2(0, 6));
-        ImGui::TextColored(ImVec4(0.75f, 0.0f, 0.0f, 1.0f), "%s", note.c_str());
-    }
-    ImGui::PopTextWrapPos();
+    std::vector<Paragraph> page;
+    if (!library.descriptionText().empty()) page.push_back({library.descriptionText()});
+    addFindings(page, library, rules);
+    if (!note.empty()) page.push_back({note, kErrorColour});
+    description_.draw(std::move(page));
     ImGui::EndChild();
     ImGui::PopStyleVar();
     ImGui::PopStyleColor();

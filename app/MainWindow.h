@@ -10,6 +10,7 @@
 
 #include "ImGuiSurface.h"
 #include "RulesWatch.h"
+#include "TextPage.h"
 #include "platform/ProgramKeys.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameLibrary.h"
@@ -44,9 +45,11 @@ public:
                                    const std::string& note);
 
 private:
-    void drawProblems(const GameLibrary& library, const RulesWatch& rules);
+    // What the checker found in the file and in the chosen game, as lines of the description's page.
+    static void addFindings(std::vector<Paragraph>& page, const GameLibrary& library, const RulesWatch& rules);
 
     ImGuiSurface surface_;
+    TextPage description_;  // the description, the checker's findings and the note
 };
 
 // The "Actions" menu as a pop-up at the mouse, opened with the right button in the game window.

@@ -20,6 +20,7 @@ add_executable(tolvar
   ${CMAKE_CURRENT_LIST_DIR}/RulesWatch.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ImGuiSurface.cpp
   ${CMAKE_CURRENT_LIST_DIR}/HelpWindow.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/TextPage.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ProgramCommands.cpp
 )
 # The About page's version is the project's own.

@@ -1,7 +1,10 @@
 #include "rules/GameHelp.h"
 
+#include <string_view>
+
 #include "rules/ActionsMenu.h"
 #include "rules/GameInfo.h"
+#include "rules/ShownText.h"
 
 namespace tolvar {
 
@@ -11,10 +14,10 @@ std::int32_t numberOr(const Dictionary& dict, const char* key, std::int32_t fall
     return v ? v->intValue().value_or(fallback) : fallback;
 }
 
-std::string stringOr(const Dictionary& dict, const char* key) {
+std::string_view stringOr(const Dictionary& dict, const char* key) {
     const Value* v = dict.find(key);
     const std::string* s = v ? v->asString() : nullptr;
-    return s ? *s : std::string();
+    return s ? std::string_view(*s) : std::string_view();
 }
 }  // namespace
 
@@ -36,8 +39,8 @@ GameHelp gameHelp(const Value* rules) {
     GameHelp help;
     const Dictionary* dict = rules ? rules->asDictionary() : nullptr;
     if (!dict) return help;
-    help.title = stringOr(*dict, "GameName");
-    help.description = stringOr(*dict, "GameDescription");
+    help.title = shownLine(stringOr(*dict, "GameName"), kShownNameCharacters);
+    help.description = shownDescription(stringOr(*dict, "GameDescription"));
     const Value* userEvents = dict->find("SupportedUserEvents");
     const Array* entries = userEvents ? userEvents->asArray() : nullptr;
     if (!entries) return help;
@@ -48,7 +51,12 @@ GameHelp gameHelp(const Value* rules) {
         const auto character = static_cast<std::int8_t>(numberOr(*input, "UserEventCharacter", 0) & 0xff);
         std::string line = inputHelpLine(static_cast<std::uint32_t>(numberOr(*input, "UserEventType", 0)), character,
                                          numberOr(*input, "MinimumPieces", 0));
-        if (!line.empty()) help.inputs.push_back(std::move(line));
+        if (line.empty()) continue;
+        if (help.inputs.size() == kShownInputs) {
+            help.inputs.push_back("\xE2\x80\xA6 and more inputs");
+            break;
+        }
+        help.inputs.push_back(std::move(line));
     }
     return help;
 }

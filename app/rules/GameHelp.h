@@ -2,6 +2,7 @@
 // with the mouse and the keys its rules bind. The program's own keys are added by the caller.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -11,11 +12,14 @@
 
 namespace tolvar {
 
+// Its texts are as the help window shows them: cut to the lengths of ShownText.h.
 struct GameHelp {
     std::string title;
     std::string description;
-    std::vector<std::string> inputs;  // one line an input, in the rules' order
+    std::vector<std::string> inputs;  // one line an input, in the rules' order; "… and more inputs" past kShownInputs
 };
+
+inline constexpr std::size_t kShownInputs = 40;
 
 // The line for one input of the rules: "Click a region of 2 or more", "Drag a piece onto a
 // neighbour", "Space: Remove Selection"; empty for an input without key that nothing plays.

@@ -10,6 +10,7 @@
 #include "platform/DataFolder.h"
 #include "platform/PlistFile.h"
 #include "rules/BuiltinGames.h"
+#include "rules/ShownText.h"
 
 namespace tolvar {
 
@@ -81,7 +82,8 @@ void GameLibrary::selectGame(const std::string& title) {
     currentRules_ = rules->isDictionary() ? *rules : Value::dictionary();
     const Value* description = currentRules_->asDictionary()->find("GameDescription");
     const std::string* text = description ? description->asString() : nullptr;
-    descriptionText_ = text ? *text : std::string("Unknown");
+    // Only what the main window shows is kept: a description can be any length in the file.
+    descriptionText_ = text ? shownDescription(*text) : std::string("Unknown");
 }
 
 }  // namespace tolvar

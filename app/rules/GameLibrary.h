@@ -23,7 +23,8 @@ public:
     bool loadRulesFromFile(const std::string& rulesPath);
 
     // selectGame: with a title of the game menu; "None" (or an unknown title) empties
-    // currentRules and leaves the description text as it was.
+    // currentRules and leaves the description text as it was. The description text is the game's
+    // as the main window shows it (see shownDescription).
     void selectGame(const std::string& title);
 
     const std::vector<std::string>& gameMenu() const { return gameMenu_; }

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """The desktop around the game, played under its own Xvfb: keys that must not move, keyboard-only play with
-the cursor and the hint, undo and redo, Continue, the help window and the rules author's page, and the game window
-resized and full screen.
-run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue|window|help|writing_games"""
+the cursor and the hint, undo and redo, Continue, the help window and the rules author's page, a description
+100,000 characters long, and the game window resized and full screen.
+run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue|window|help|writing_games|long_text"""
 
 import os
 import plistlib
@@ -308,17 +308,14 @@ def test_help(t):
     """F1 shows the chosen game's help from the game window; the Help menu of the main window too."""
     lay = t.start(*VEXAMOR)
     key(t, "F1")
-    helpw = t.wait_for(lambda: next((wid for wid, name, w, h in t.windows() if (w, h) == (HELP_W, HELP_H)
-                                     and t.mapped(wid)), None), 10, "the help window")
+    helpw = help_window(t)
     check(("Tolvar Help" in t.xwininfo("-id", helpw)), "the help window's title")
     hx, hy = t.geometry(helpw)
 
     def rows(shot):  # rows of dark text on the page's light ground: name, description, inputs, keys
         if not near(shot.pixel(hx + 4, hy + HELP_H - 4), (240, 240, 242), 12):
             return 0
-        ink = [0] + [shot.count(hx + 16, y, hx + 300, y + 1, lambda p: max(p) < 90) > 0
-                     for y in range(hy, hy + HELP_H - 60)]
-        return sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
+        return dark_rows(shot, hx + 16, hy, hx + 300, hy + HELP_H - 60)
     t.wait_shot(lambda s: rows(s) >= 18, "the help's text (name, description, inputs, keys)")
     t.xdo("windowfocus", "--sync", helpw, "key", "Escape")
     t.wait_for(lambda: not t.mapped(helpw), 10, "the help to close")
@@ -416,8 +413,49 @@ def test_writing_games(t):
     told("xdg-open is not installed. It is %s" % page)
 
 
+def help_window(t):
+    return t.wait_for(lambda: next((wid for wid, name, w, h in t.windows() if (w, h) == (HELP_W, HELP_H)
+                                    and t.mapped(wid)), None), 10, "the help window")
+
+
+def dark_rows(shot, x0, y0, x1, y1):  # rows of dark text between y0 and y1: starts of ink after a blank row
+    ink = [0] + [shot.count(x0, y, x1, y + 1, lambda p: max(p) < 90) > 0 for y in range(y0, y1)]
+    return sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
+
+
+def test_long_text(t):
+    """A game whose description runs to 100,000 characters: the main window shows its start and keeps
+    answering, the game starts, F1 shows it in help, and quitting still saves the unfinished game."""
+    with open(os.path.join(t.folder, "RulesDict.dict"), "rb") as f:
+        vexamor = plistlib.load(f)["Vexamor"]
+    t.relaunch_with_rules({"Vexamor": dict(vexamor, GameDescription="word " * 20000)})
+    t.choose_game(1)
+    mx, my = t.geometry(t.main)
+    t.wait_shot(lambda s: dark_rows(s, mx + MAIN_PAD_X + 4, my + 150, mx + MAIN_W - 40, my + MAIN_H - 60) >= 8,
+                "lines of the description in the main window")
+    t.choose_game(1)  # the window still answers: its pop-up opens and closes
+    t.press_start()
+    lay = Layout(8, 8, t.geometry(t.game))
+    t.wait_shot(lambda s: full(lay.colours(s)), "Vexamor's board")
+    key(t, "F1")
+    helpw = help_window(t)
+    hx, hy = t.geometry(helpw)
+    t.wait_shot(lambda s: dark_rows(s, hx + 16, hy + 40, hx + HELP_W - 40, hy + HELP_H - 60) >= 10,
+                "lines of the description in help")
+    t.xdo("windowfocus", "--sync", helpw, "key", "Escape")
+    t.wait_for(lambda: not t.mapped(helpw), 10, "the help to close")
+    saved = os.path.join(t.folder, "SavedGame.dict")
+    check(not os.path.exists(saved), "no saved game before the quit")
+    key(t, "ctrl+q")
+    t.ended()
+    check(os.path.exists(saved), "the unfinished game is saved on quit")
+    t.launch()
+
+
 def main():
-    run_test_script({"keys": test_keys, "keyboard": test_keyboard, "undo": test_undo, "continue": test_continue, "window": test_window, "help": test_help, "writing_games": test_writing_games}, "desktop-")
+    run_test_script({"keys": test_keys, "keyboard": test_keyboard, "undo": test_undo, "continue": test_continue,
+                     "window": test_window, "help": test_help, "writing_games": test_writing_games,
+                     "long_text": test_long_text}, "desktop-")
 
 
 if __name__ == "__main__":

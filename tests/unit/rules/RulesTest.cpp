@@ -13,6 +13,7 @@
 #include "platform/PlistFile.h"
 #include "rules/BuiltinGames.h"
 #include "rules/GameLibrary.h"
+#include "rules/ShownText.h"
 #include "rules/RulesDict.h"
 
 using namespace tolvar;
@@ -311,10 +312,14 @@ TEST_F(DataHome, TheFolderFollowsXdgDataHomeOrHomeAndAFailureToMakeItIsPrinted) 
 }
 
 TEST_F(DataHome, GamesAreOfferedInFileOrderAndChoosingOneShowsItsDescription) {
-    writeRules(toXmlPropertyList(dict({{"Zeta", createTestGameTwo()}, {"Number", num(5)}, {"Listless", str("")}})));
+    const std::string longText(kShownDescriptionCharacters + 5, 'w');
+    writeRules(toXmlPropertyList(dict({{"Zeta", createTestGameTwo()}, {"Number", num(5)}, {"Listless", str("")},
+                                       {"Long", dict({{"GameDescription", str(longText)}})}})));
     GameLibrary library;
     setup(library);
-    EXPECT_EQ(library.gameMenu(), (std::vector<std::string>{"None", "Zeta", "Number", "Listless"}));
+    EXPECT_EQ(library.gameMenu(), (std::vector<std::string>{"None", "Zeta", "Number", "Listless", "Long"}));
+    library.selectGame("Long");  // only what the main window shows is kept
+    EXPECT_EQ(library.descriptionText(), shownDescription(longText));
     library.selectGame("Number");  // not a dictionary: a game with every default
     EXPECT_TRUE(library.currentRules() && *library.currentRules() == Value::dictionary());
     EXPECT_EQ(library.descriptionText(), "Unknown");
