@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/DataFolder.h"
+#include "platform/PlistFile.h"
 
 namespace tolvar {
 
@@ -40,7 +41,16 @@ void RulesWatch::load(GameLibrary& library) {
     else library.loadRulesFromFile(path_);
     loaded_ = true;
     stamp_ = stampOf(path_);
-    report_ = checker::checkRulesFile(path_);
+    if (library.rulesNotWritten().empty()) {
+        report_ = checker::checkRulesFile(path_);
+    } else {
+        // No file to read (a full disk, a read-only folder): the games played are the built-in
+        // ones, and the reason the file is missing is the one to show.
+        report_ = checker::checkRulesText(toXmlPropertyList(*library.allGameRules()));
+        checker::Problem notWritten;
+        notWritten.message = library.rulesNotWritten();
+        report_.problems.insert(report_.problems.begin(), std::move(notWritten));
+    }
     const auto& titles = library.gameMenu();
     library.selectGame(std::find(titles.begin(), titles.end(), chosen) != titles.end() ? chosen : "None");
 }

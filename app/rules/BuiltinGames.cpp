@@ -165,16 +165,18 @@ Value createTestGameThree() {
     });
 }
 
-Value createTestRulesDict(const std::string& rulesPath) {
+Value createTestRulesDict(const std::string& rulesPath, std::string& notWritten) {
     Dictionary all;
     all.set("Vexamor", createTestGameOne());
     all.set("Trindle", createTestGameTwo());
     all.set("Glimmet", createTestGameThree());
     Value rules = Value::dictionary(std::move(all));
     // The games are played from memory either way.
-    if (const auto error = writePropertyListFile(rulesPath, rules))
-        std::fprintf(stderr, "%s: cannot be written (%s); the built-in games are played without it\n",
-                     rulesPath.c_str(), error->reason.c_str());
+    notWritten.clear();
+    if (const auto error = writePropertyListFile(rulesPath, rules)) {
+        notWritten = "cannot be written (" + error->reason + "); the built-in games are played without it";
+        std::fprintf(stderr, "%s: %s\n", rulesPath.c_str(), notWritten.c_str());
+    }
     return rules;
 }
 

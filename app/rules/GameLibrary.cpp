@@ -41,7 +41,7 @@ bool GameLibrary::setupGameSelections() {
     ensureTolvarFolder(folder);
     const std::string path = folder + "/RulesDict.dict";
     if (somethingAt(path)) return loadRulesFromFile(path);
-    allGameRules_ = createTestRulesDict(path);
+    allGameRules_ = createTestRulesDict(path, rulesNotWritten_);
     fillGameMenu();
     return true;
 }

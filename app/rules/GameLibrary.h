@@ -32,6 +32,9 @@ public:
     const Value* currentRules() const { return currentRules_ ? &*currentRules_ : nullptr; }
     const std::string& descriptionText() const { return descriptionText_; }
     const std::string& selectedTitle() const { return selectedTitle_; }
+    // Why setupGameSelections could not write the missing rules file (empty when it could, or
+    // did not have to): the built-in games are then played from memory.
+    const std::string& rulesNotWritten() const { return rulesNotWritten_; }
 
 private:
     void fillGameMenu();
@@ -40,6 +43,7 @@ private:
     std::optional<Value> currentRules_;
     std::vector<std::string> gameMenu_;
     std::string descriptionText_;
+    std::string rulesNotWritten_;
     std::string selectedTitle_ = "None";
 };
 
