@@ -164,6 +164,9 @@ void TolvarAppDelegate::openHelpWindow() {
 }
 
 void TolvarAppDelegate::showHelp() {
+    // The unfinished game is saved before the help window is made or shown: whatever befalls a
+    // window, the game is not lost.
+    if (engine_ && engine_->hasUnfinishedGame()) saveGameOnQuit();
     openHelpWindow();
     helpWindow_->showGame(gameHelp(library_.currentRules()));
     helpFrames_ = kMainWindowFramesPerChange;

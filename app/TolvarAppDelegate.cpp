@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 
 #include "AlertPanel.h"
 #include "platform/FontLookup.h"
@@ -138,6 +139,19 @@ int TolvarAppDelegate::run() {
             startGame();
         }
     }
+    try {
+        runLoop();
+    } catch (const std::exception& e) {
+        // Whatever stops the loop, a window's failure included, the unfinished game is kept.
+        std::fprintf(stderr, "tolvar: stopped by an error: %s\n", e.what());
+        saveGameOnQuit();
+        return 1;
+    }
+    saveGameOnQuit();
+    return 0;
+}
+
+void TolvarAppDelegate::runLoop() {
     while (!quit_) {
         int timeoutMs = -1;
         const double untilTimer = timers_.secondsUntilNextDue();
@@ -155,8 +169,6 @@ int TolvarAppDelegate::run() {
         if (quit_) break;
         drawWindows();
     }
-    saveGameOnQuit();
-    return 0;
 }
 
 void TolvarAppDelegate::drawWindows() {

@@ -66,6 +66,7 @@ public:
 
 private:
     bool initWindow();
+    void runLoop();
     void dispatch(const SDL_Event& event);
     // The program's keys (true: the key was a command, the game does not see it), the keyboard
     // cursor and the "Actions" shortcuts.
