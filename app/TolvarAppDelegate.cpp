@@ -2,6 +2,9 @@
 
 #include <GL/gl.h>
 #include <sys/time.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include <algorithm>
 #include <cmath>
@@ -100,6 +103,11 @@ void TolvarAppDelegate::playFrom(const std::string& rulesFile, const std::string
 void TolvarAppDelegate::reloadRulesWhenChanged() {
     if (!rules_.changedOnDisk()) return;
     rules_.load(library_);
+    // Nothing of the old file is kept; the memory its reading took goes back to the system
+    // (the allocator would keep the freed pages of many small pieces for itself).
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
     std::size_t errors = 0, warnings = 0;
     for (const checker::Problem& p : rules_.report().problems)
         ++(p.severity == checker::Severity::Error ? errors : warnings);
