@@ -50,9 +50,11 @@ void TextPage::draw(std::vector<Paragraph> paragraphs) {
     float width = ImGui::GetContentRegionAvail().x;
     if (ImGui::GetScrollMaxY() <= 0.0f) width -= ImGui::GetStyle().ScrollbarSize;
     if (width < 1.0f) width = 1.0f;
-    if (paragraphs != paragraphs_ || width != width_ || ImGui::GetFont() != font_ || ImGui::GetFontSize() != fontSize_) {
+    const bool sameFont = ImGui::GetFont() == font_ && ImGui::GetFontSize() == fontSize_;
+    if (paragraphs != paragraphs_ || width != width_ || !sameFont) {
         // Another text is read from its start; new findings under the same one keep the place.
-        if (paragraphs.empty() || paragraphs_.empty() || paragraphs.front() != paragraphs_.front()) ImGui::SetScrollY(0.0f);
+        const bool sameStart = !paragraphs.empty() && !paragraphs_.empty() && paragraphs.front() == paragraphs_.front();
+        if (!sameStart) ImGui::SetScrollY(0.0f);
         paragraphs_ = std::move(paragraphs);
         width_ = width;
         font_ = ImGui::GetFont();

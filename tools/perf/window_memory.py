@@ -6,7 +6,7 @@
 2. random window events: clicks, moves and keys over the main window, the game window and help, in
    batches, the memory after each (the figure at the start, after the first 1,000 and at the end).
 
-    window_memory.py --program build/bin/tolvar [--events 6000] [--megabytes 60] [--runs 3]
+    window_memory.py --program build/bin/tolvar [--events 6000] [--megabytes 60] [--runs 3] [--only reload|events]
 
 Figures are in MiB (VmRSS, and VmHWM for the peak), medians of --runs runs with the lowest and highest
 in brackets, with the machine's load average.
@@ -92,11 +92,14 @@ def main():
     parser.add_argument("--events", type=int, default=6000)
     parser.add_argument("--megabytes", type=int, default=60)
     parser.add_argument("--runs", type=int, default=3)
+    parser.add_argument("--only", choices=("reload", "events"))
     args = parser.parse_args()
     results = {}
     for run in range(args.runs):
         for name, measure in (("live reload", lambda t: live_reload(t, args.megabytes)),
                               ("random events", lambda t: random_events(t, args.events, run))):
+            if args.only and not name.endswith(args.only):
+                continue
             t = Tolvar(os.path.abspath(args.program), "memory")
             try:
                 for what, mib in measure(t).items():

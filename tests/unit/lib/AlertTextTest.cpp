@@ -45,7 +45,8 @@ TEST(AlertText, EveryLineFitsAndNothingIsLost) {
         EXPECT_EQ(joined(shown), joined(message));
     }
     // A path breaks after a "/" when one is in the line's second half.
-    const std::vector<std::string> pieces = lines(alertPanelText("/" + std::string(40, 'a') + "/" + std::string(40, 'b')));
+    const std::string twoNames = "/" + std::string(40, 'a') + "/" + std::string(40, 'b');
+    const std::vector<std::string> pieces = lines(alertPanelText(twoNames));
     ASSERT_EQ(pieces.size(), 2u);
     EXPECT_EQ(pieces[0], "/" + std::string(40, 'a') + "/");
     // Line breaks of the message stay; a short message is as it was.
