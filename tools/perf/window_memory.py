@@ -23,6 +23,9 @@ import sys
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "e2e"))
 from tolvar_driver import MAIN_H, MAIN_W, WIN_H, WIN_W, Tolvar  # noqa: E402
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from tool_version import add_version_option  # noqa: E402
+
 
 def memory(t, field="VmRSS"):
     with open("/proc/%d/status" % t.proc.pid) as f:
@@ -87,7 +90,8 @@ def check_alive(t):
 
 
 def main():
-    parser = argparse.ArgumentParser()
+    parser = argparse.ArgumentParser(description="The game window's memory over a big live reload and many window events.")
+    add_version_option(parser)
     parser.add_argument("--program", required=True)
     parser.add_argument("--events", type=int, default=6000)
     parser.add_argument("--megabytes", type=int, default=60)
