@@ -29,6 +29,9 @@ struct Engine::Impl {
     std::string fingerprint;  // of the running game's rules
     std::optional<GameSnapshot> interruptedTick;  // the game before a tick that a quit stopped
     bool timersScheduled = false;
+    // The game window shows the board. A game left for the main window takes no input: the
+    // main window's clicks and keys are not moves on a board nobody sees.
+    bool shown = false;
     // Set while an engine operation runs, so a modal panel that lets the desktop deliver
     // another timer or action meanwhile cannot re-enter it.
     bool busy = false;
@@ -56,6 +59,12 @@ struct Engine::Impl {
             return;
         }
         history.afterInput(ctx, in, redoing);
+    }
+
+    // The board is shown from now on; the event the host holds came before it and is not played.
+    void show() {
+        shown = true;
+        input.skipCurrentEvent();
     }
 
     // What belonged to the board that went: its moves and the cursor.
@@ -124,6 +133,7 @@ void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
         return;
     }
     ctx.host.showGameWindow();
+    impl_->show();
     setupGame(*gameInfo, ctx.view);
     ++ctx.boardsDealt;
     impl_->forgetBoard();
@@ -143,6 +153,7 @@ void Engine::returnToMain() {
     if (ctx.host.scoresTimerRunning()) ctx.host.stopScoresTimer();
     ctx.gamePaused = 0;
     impl_->cursor.reset();
+    impl_->shown = false;
     ctx.host.hideGameWindow();
     ctx.host.showMainWindow();
 }
@@ -183,7 +194,7 @@ void Engine::checkUserEvents() {
     if (impl_->busy) return;
     Impl::Busy busy(impl_->busy);
     const std::optional<CurrentEvent> event = impl_->input.newEvent();
-    if (!event) return;
+    if (!event || !impl_->shown) return;
     if (event->type == kEventTypeMouseDown) impl_->cursor.reset();
     if (event->type == kEventTypeMouseDown || event->type == kEventTypeMouseUp ||
         event->type == kEventTypeKeyDown)
@@ -193,6 +204,7 @@ void Engine::checkUserEvents() {
 void Engine::newGame() {
     if (impl_->busy || !gameInfo || !gameInfo->hasBoard()) return;
     Impl::Busy busy(impl_->busy);
+    impl_->show();  // also from the main window, whose game comes to the front
     impl_->input.restartGame();
     impl_->forgetBoard();
 }
@@ -269,6 +281,7 @@ bool Engine::resumeGame() {
     if (impl_->busy || !hasUnfinishedGame()) return false;
     EngineContext& ctx = impl_->ctx;
     ctx.host.showGameWindow();
+    impl_->show();
     ctx.view.drawBoard();
     ctx.host.hideMainWindow();
     return true;
@@ -282,31 +295,57 @@ std::optional<Value> Engine::savedGame() const {
 
 std::string Engine::savedGameTitle(const Value& saved) { return tolvar::savedGameTitle(saved); }
 
-std::string Engine::continueGame(const Value& saved, const Value* rules, ActionsMenu& menu) {
+namespace {
+// A saved game checked against the rules of its title, ready to be shown; or why it cannot be.
+struct Continuable {
+    std::unique_ptr<GameInfo> game;
+    GameSnapshot snapshot;
+    std::string fingerprint;
+};
+
+std::variant<Continuable, std::string> continuable(const Value& saved, const Value* rules, ActionsMenu& menu,
+                                                   Diagnostics said) {
     const std::string title = savedGameTitle(saved);
     if (!rules)
-        return "The saved game of \"" + title +
-               "\" cannot be continued: the rules file has no game of that name.";
+        return "The saved game of \"" + title + "\" cannot be continued: the rules file has no game of that name.";
+    Continuable c;
+    c.game = createStructsFromRulesDict(rules, menu, said);
+    if (!c.game) return "The saved game of \"" + title + "\" cannot be continued: its rules are not a dictionary.";
+    if (const std::string reason = unplayableReason(*c.game); !reason.empty())
+        return "The game \"" + c.game->gameName + "\" cannot be played: " + reason + ".";
+    c.fingerprint = rulesFingerprint(*rules);
+    std::variant<GameSnapshot, std::string> read = snapshotFromSavedGame(saved, *c.game, c.fingerprint);
+    if (std::string* why = std::get_if<std::string>(&read)) return std::move(*why);
+    c.snapshot = std::move(std::get<GameSnapshot>(read));
+    return c;
+}
+}  // namespace
+
+std::string Engine::savedGameProblem(const Value& saved, const Value* rules) {
+    ActionsMenu scratch;
+    const auto checked = continuable(saved, rules, scratch, Diagnostics::Quiet);
+    const std::string* why = std::get_if<std::string>(&checked);
+    return why ? *why : std::string();
+}
+
+std::string Engine::continueGame(const Value& saved, const Value* rules, ActionsMenu& menu) {
     if (impl_->busy) return "The game is busy.";
     EngineContext& ctx = impl_->ctx;
     // Built aside, so a game that cannot be continued leaves the running one as it was.
     ActionsMenu scratch = menu;
-    std::unique_ptr<GameInfo> game = createStructsFromRulesDict(rules, scratch);
-    if (!game) return "The saved game of \"" + title + "\" cannot be continued: its rules are not a dictionary.";
-    if (const std::string reason = unplayableReason(*game); !reason.empty())
-        return "The game \"" + game->gameName + "\" cannot be played: " + reason + ".";
-    const std::string fingerprint = rulesFingerprint(*rules);
-    std::variant<GameSnapshot, std::string> read = snapshotFromSavedGame(saved, *game, fingerprint);
-    if (const std::string* why = std::get_if<std::string>(&read)) return *why;
+    std::variant<Continuable, std::string> checked = continuable(saved, rules, scratch, Diagnostics::Printed);
+    if (const std::string* why = std::get_if<std::string>(&checked)) return *why;
+    Continuable& c = std::get<Continuable>(checked);
 
     Impl::Busy busy(impl_->busy);
     menu = scratch;
     ctx.forgetGesture();
-    gameInfo = std::move(game);
-    impl_->fingerprint = fingerprint;
+    gameInfo = std::move(c.game);
+    impl_->fingerprint = c.fingerprint;
     ctx.host.showGameWindow();
+    impl_->show();
     ctx.view.clearPieceSprites(0);
-    restoreSnapshot(ctx, std::get<GameSnapshot>(read));
+    restoreSnapshot(ctx, c.snapshot);
     ++ctx.boardsDealt;
     impl_->forgetBoard();
     ctx.view.drawBoard();

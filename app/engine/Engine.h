@@ -82,18 +82,19 @@ public:
     // Keeping a game. hasUnfinishedGame: a game has a board and its best-score check has not
     // run. resumeGame: shows that game again as it was left (after returnToMain); false when
     // there is none. savedGame: that game as a property list with everything needed to go on
-    // exactly, for the shell to write to kSavedGameFileName in the data folder (nothing without
-    // one); after a tick that the player's quit stopped part way, the game as it was before that
+    // exactly, for the shell to keep in the data folder (nothing without one); after a tick that the player's quit stopped part way, the game as it was before that
     // tick, which then runs again in full when the game is continued. continueGame: shows a
     // saved game as startGame shows a new one, with rules, the current rules dictionary of its
     // title (savedGameTitle; nullptr when the rules file has no such game); returns an empty
     // text, or, when it cannot be continued (its rules changed, the file is damaged), why, as a
     // sentence for the player; the running game is then left as it was.
-    static constexpr const char* kSavedGameFileName = "SavedGame.dict";
     bool hasUnfinishedGame() const;
     bool resumeGame();
     std::optional<Value> savedGame() const;
     std::string continueGame(const Value& saved, const Value* rules, ActionsMenu& menu);
+    // Why continueGame would refuse the saved game with these rules, or an empty text; changes
+    // nothing (the main window asks before it offers Continue).
+    static std::string savedGameProblem(const Value& saved, const Value* rules);
     static std::string savedGameTitle(const Value& saved);
 
     int gameStarted() const;

@@ -1,7 +1,10 @@
 #include "engine/SavedGame.h"
 
+#include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "platform/PlistFile.h"
 
@@ -10,6 +13,11 @@ namespace tolvar {
 namespace {
 constexpr std::int64_t kFormat = 1;
 constexpr std::size_t kCellNumbers = 9;  // piece, colour, shape, selected, x, y, red, green, blue
+// A game is saved between two ticks, when its queue holds only what the player's inputs queued
+// since the last one: a removal and a user event's trigger an input at most, and the desktop
+// ticks thirty times a second. No real game comes near this many.
+constexpr std::size_t kMaxPendingEvents = 16;
+constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 
 Value number(std::int64_t n) { return Value::integer(n); }
 Value bits(float f) { return number(std::bit_cast<std::uint32_t>(f)); }
@@ -49,6 +57,14 @@ public:
     explicit Reader(const Dictionary& d) : d_(d) {}
 
     std::int64_t integer(const char* key) { return integerIn(d_, key); }
+    // A number that must lie within [low, high]; what a real game never holds is refused.
+    std::int64_t within(const char* key, std::int64_t low, std::int64_t high) {
+        const std::int64_t n = integer(key);
+        if (n < low || n > high)
+            fail("\"" + std::string(key) + "\" is " + std::to_string(n) + ", not within " + std::to_string(low) +
+                 " to " + std::to_string(high));
+        return n;
+    }
     std::int64_t integerIn(const Dictionary& d, const char* key) {
         const Value* v = d.find(key);
         if (v && v->isInteger()) return *v->asInteger();
@@ -135,6 +151,134 @@ std::string savedGameTitle(const Value& saved) {
     return name && name->isString() ? *name->asString() : std::string();
 }
 
+namespace {
+
+// The colour of a piece: 0 for an empty set-up cell, else one of the game's colours; its shape
+// likewise (a game whose colours are its shapes copies one into the other).
+struct PieceLimits {
+    std::int64_t pieceID, color, shape;
+};
+
+PieceLimits pieceLimits(const GameInfo& game) {
+    const std::int64_t cells = static_cast<std::int64_t>(game.boardWidth) * game.boardHeight;
+    // A refill numbers pieces below (width + 1) x height.
+    return {cells + game.boardHeight - 1, game.numColors,
+            game.colorsMatchShapes ? std::max(game.numShapes, game.numColors) : game.numShapes};
+}
+
+// The rules event a removal queues (the first of its type, as the queue looks it up).
+const SupportedEvent* removalEvent(const GameInfo& game) {
+    for (const SupportedEvent* e = game.events.get(); e; e = e->next.get())
+        if (e->eventType == kEventPiecesRemoved) return e;
+    return nullptr;
+}
+
+bool isShownColor(float c) { return std::isfinite(c) && c >= 0.0f && c <= 1.0f; }
+
+void readBoard(Reader& read, const GameInfo& game, GameSnapshot& s) {
+    const std::size_t cells = static_cast<std::size_t>(game.boardWidth) * game.boardHeight;
+    const Array& board = read.array("Board");
+    if (read.integer("BoardWidth") != game.boardWidth || read.integer("BoardHeight") != game.boardHeight ||
+        board.size() != cells) {
+        read.fail("its board is not of the game's size");
+        return;
+    }
+    const PieceLimits limits = pieceLimits(game);
+    s.board.reserve(cells);
+    for (const Value& cell : board) {
+        const Array* n = cell.asArray();
+        if (!n || n->size() != kCellNumbers) {
+            read.fail("a cell of its board does not hold 9 numbers");
+            return;
+        }
+        auto at = [&](std::size_t i) { return read.element((*n)[i], "a cell"); };
+        const std::int64_t id = at(0), color = at(1), shape = at(2), selected = at(3), x = at(4), y = at(5);
+        const std::int64_t rgb[] = {at(6), at(7), at(8)};
+        // Every cell knows its own place; the board's walks rely on it.
+        const std::size_t place = s.board.size();
+        if (x != static_cast<std::int64_t>(place / game.boardHeight) ||
+            y != static_cast<std::int64_t>(place % game.boardHeight)) {
+            read.fail("a cell of its board is out of place");
+            return;
+        }
+        const std::string where = "the cell at " + std::to_string(x) + "," + std::to_string(y) + " ";
+        if (id < 0 || id > limits.pieceID) return read.fail(where + "holds piece " + std::to_string(id) + ", which no board of the game numbers");
+        if (color < 0 || color > limits.color)
+            return read.fail(where + "has colour " + std::to_string(color) + ", not one of the game's " +
+                             std::to_string(limits.color));
+        if (shape < 0 || shape > limits.shape)
+            return read.fail(where + "has shape " + std::to_string(shape) + ", not one of the game's " +
+                             std::to_string(limits.shape));
+        if (selected != 0 && selected != 1)
+            return read.fail(where + "is selected " + std::to_string(selected) + ", not 0 or 1");
+        BoardPiece p;
+        p.pieceID = static_cast<std::uint32_t>(id);
+        p.colorIndex = static_cast<std::uint8_t>(color);
+        p.shapeIndex = static_cast<std::uint8_t>(shape);
+        p.selected = static_cast<std::uint8_t>(selected);
+        p.x = static_cast<std::uint32_t>(x);
+        p.y = static_cast<std::uint32_t>(y);
+        float* shade[] = {&p.red, &p.green, &p.blue};
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (rgb[i] < 0 || rgb[i] > std::numeric_limits<std::uint32_t>::max())
+                return read.fail(where + "has a colour that is not 32 bits");
+            *shade[i] = std::bit_cast<float>(static_cast<std::uint32_t>(rgb[i]));
+            if (!isShownColor(*shade[i])) return read.fail(where + "has a shade outside 0 to 1");
+        }
+        s.board.push_back(p);
+    }
+}
+
+void readVariables(Reader& read, const GameInfo& game, GameSnapshot& s) {
+    const Array& values = read.array("Variables");
+    std::size_t count = 0;
+    for (const GameVariable* v = game.variables.get(); v; v = v->next.get()) ++count;
+    if (values.size() != count) return read.fail("its score variables are not the game's");
+    // A variable holds its starting value from the rules, or a count of the board's pieces.
+    const std::uint64_t cells = static_cast<std::uint64_t>(game.boardWidth) * game.boardHeight;
+    const GameVariable* v = game.variables.get();
+    for (const Value& value : values) {
+        const std::uint64_t n = static_cast<std::uint64_t>(read.element(value, "\"Variables\""));
+        if (n != v->variableValue && n > cells)
+            return read.fail("score variable " + std::to_string(v->variableID) + " is " +
+                             std::to_string(static_cast<std::int64_t>(n)) + ", more than the board's " +
+                             std::to_string(cells) + " cells");
+        s.variables.push_back(n);
+        v = v->next.get();
+    }
+}
+
+void readPending(Reader& read, const GameInfo& game, GameSnapshot& s) {
+    const Array& pending = read.array("PendingEvents");
+    if (pending.size() > kMaxPendingEvents)
+        return read.fail("it has " + std::to_string(pending.size()) + " pending events, and a game has " +
+                         std::to_string(kMaxPendingEvents) + " at most");
+    for (const Value& v : pending) {
+        const Dictionary* entry = v.asDictionary();
+        if (!entry) return read.fail("a pending event is not a dictionary");
+        const std::int64_t id = read.integerIn(*entry, "EventID");
+        const std::int64_t type = read.integerIn(*entry, "EventType");
+        const char* key = entry->find("RulesEvent") ? "RulesEvent" : "TriggerOf";
+        PendingEvent p;
+        if (entry->find(key)) p.actions = actionsAt(game, key, read.integerIn(*entry, key));
+        if (!p.actions) return read.fail("a pending event runs none of the game's actions");
+        // What the player's inputs queue: the game's pieces-removed event, or a user event's trigger.
+        const SupportedEvent* removal = removalEvent(game);
+        const bool trigger = std::string(key) == "TriggerOf";
+        const bool real = trigger ? id == kUserTriggerEventID && type == kEventUserTrigger
+                                  : removal && removal->actions == p.actions && id == removal->eventID &&
+                                        type == removal->eventType;
+        if (!real)
+            return read.fail("pending event " + std::to_string(id) + " (type " + std::to_string(type) +
+                             ") is not one the player's moves queue in this game");
+        p.eventID = static_cast<std::uint32_t>(id);
+        p.eventType = static_cast<std::uint32_t>(type);
+        s.pending.push_back(std::move(p));
+    }
+}
+
+}  // namespace
+
 std::variant<GameSnapshot, std::string> snapshotFromSavedGame(const Value& saved,
                                                               const GameInfo& game,
                                                               const std::string& fingerprint) {
@@ -147,66 +291,23 @@ std::variant<GameSnapshot, std::string> snapshotFromSavedGame(const Value& saved
     Reader read(*d);
     if (read.integer("Format") != kFormat) read.fail("it was saved in another format");
     GameSnapshot s;
-    const std::size_t cells = static_cast<std::size_t>(game.boardWidth) * game.boardHeight;
-    const Array& board = read.array("Board");
-    if (read.integer("BoardWidth") != game.boardWidth || read.integer("BoardHeight") != game.boardHeight ||
-        board.size() != cells)
-        read.fail("its board is not of the game's size");
-    for (const Value& cell : board) {
-        const Array* n = cell.asArray();
-        if (!n || n->size() != kCellNumbers) {
-            read.fail("a cell of its board does not hold 9 numbers");
-            break;
-        }
-        auto at = [&](std::size_t i) { return read.element((*n)[i], "a cell"); };
-        BoardPiece p;
-        p.pieceID = static_cast<std::uint32_t>(at(0));
-        p.colorIndex = static_cast<std::uint8_t>(at(1));
-        p.shapeIndex = static_cast<std::uint8_t>(at(2));
-        p.selected = static_cast<std::uint8_t>(at(3));
-        p.x = static_cast<std::uint32_t>(at(4));
-        p.y = static_cast<std::uint32_t>(at(5));
-        p.red = std::bit_cast<float>(static_cast<std::uint32_t>(at(6)));
-        p.green = std::bit_cast<float>(static_cast<std::uint32_t>(at(7)));
-        p.blue = std::bit_cast<float>(static_cast<std::uint32_t>(at(8)));
-        // Every cell knows its own place; the board's walks rely on it.
-        const std::size_t place = s.board.size();
-        if (game.boardHeight == 0 || p.x != place / game.boardHeight || p.y != place % game.boardHeight)
-            read.fail("a cell of its board is out of place");
-        s.board.push_back(p);
-    }
-    s.score = static_cast<std::uint64_t>(read.integer("Score"));
-    s.scoreMultiplier = static_cast<std::uint64_t>(read.integer("ScoreMultiplier"));
-    for (const Value& v : read.array("Variables"))
-        s.variables.push_back(static_cast<std::uint64_t>(read.element(v, "\"Variables\"")));
-    std::size_t variableCount = 0;
-    for (const GameVariable* v = game.variables.get(); v; v = v->next.get()) ++variableCount;
-    if (s.variables.size() != variableCount) read.fail("its score variables are not the game's");
-    for (const Value& v : read.array("PendingEvents")) {
-        const Dictionary* entry = v.asDictionary();
-        if (!entry) {
-            read.fail("a pending event is not a dictionary");
-            break;
-        }
-        PendingEvent p;
-        p.eventID = static_cast<std::uint32_t>(read.integerIn(*entry, "EventID"));
-        p.eventType = static_cast<std::uint32_t>(read.integerIn(*entry, "EventType"));
-        const char* key = entry->find("RulesEvent") ? "RulesEvent" : "TriggerOf";
-        if (entry->find(key)) p.actions = actionsAt(game, key, read.integerIn(*entry, key));
-        if (!p.actions) read.fail("a pending event runs none of the game's actions");
-        s.pending.push_back(std::move(p));
-    }
+    readBoard(read, game, s);
+    s.score = static_cast<std::uint64_t>(read.within("Score", 0, kLargest));
+    s.scoreMultiplier = static_cast<std::uint64_t>(read.within("ScoreMultiplier", 0, kLargest));
+    readVariables(read, game, s);
+    readPending(read, game, s);
     const Array& words = read.array("RandomWords");
     if (words.size() != s.random.words.size()) read.fail("its random sequence is not complete");
     for (std::size_t i = 0; i < words.size() && i < s.random.words.size(); ++i)
         s.random.words[i] = static_cast<std::int32_t>(read.element(words[i], "\"RandomWords\""));
-    s.random.front = static_cast<int>(read.integer("RandomFront"));
-    s.random.rear = static_cast<int>(read.integer("RandomRear"));
+    s.random.front = static_cast<int>(read.within("RandomFront", 0, RandomSequence::kWords - 1));
+    s.random.rear = static_cast<int>(read.within("RandomRear", 0, RandomSequence::kWords - 1));
     if (RandomSequence probe; !probe.restore(s.random)) read.fail("its random sequence is not complete");
-    s.downCell = read.integer("DownCell");
-    s.upCell = read.integer("UpCell");
-    s.gameStarted = static_cast<int>(read.integer("GameStarted"));
-    s.gamePaused = static_cast<int>(read.integer("GamePaused"));
+    const std::int64_t lastCell = static_cast<std::int64_t>(s.board.size()) - 1;
+    s.downCell = read.within("DownCell", GameSnapshot::kNoCell, lastCell);
+    s.upCell = read.within("UpCell", GameSnapshot::kNoCell, lastCell);
+    s.gameStarted = static_cast<int>(read.within("GameStarted", 0, 1));
+    s.gamePaused = static_cast<int>(read.within("GamePaused", 0, 1));
     if (!read.problem.empty()) return cannot + read.problem + ".";
     return s;
 }

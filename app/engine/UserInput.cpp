@@ -43,14 +43,20 @@ std::optional<CurrentEvent> UserInput::newEvent() {
     if (!ctx_.hasGame()) return std::nullopt;
     const CurrentEvent event = ctx_.host.currentEvent();
     if (ctx_.gameStarted != 0) return std::nullopt;
+    if (!remember(event)) return std::nullopt;
+    return event;
+}
+
+bool UserInput::remember(const CurrentEvent& event) {
     const std::int64_t t = event.type;
     const std::uint16_t k = t == kEventTypeKeyDown ? event.keyCode : 1;
     const bool isNew = t != prevEventType_ || (t == kEventTypeKeyDown && k != prevKeyCode_);
     prevEventType_ = t;
     if (t == kEventTypeKeyDown) prevKeyCode_ = k;
-    if (!isNew) return std::nullopt;
-    return event;
+    return isNew;
 }
+
+void UserInput::skipCurrentEvent() { remember(ctx_.host.currentEvent()); }
 
 void UserInput::handleEvent(const CurrentEvent& event) {
     Board board(ctx_.game());

@@ -19,6 +19,9 @@ public:
     // The poll's two halves: the current event when the poll has not seen it yet (and no start
     // is pending), and acting on a mouse-down, mouse-up or key-down.
     std::optional<CurrentEvent> newEvent();
+    // Takes the current event as seen: an event from before the board was shown (the click on
+    // Continue or Start, in another window) is never played on it.
+    void skipCurrentEvent();
     void handleEvent(const CurrentEvent& event);
     void processUserEvent(const SupportedUserEvent& userEvent);
 
@@ -31,6 +34,9 @@ public:
     void restartGame();
 
 private:
+    // Notes the event as the last one seen; true when it had not been seen yet.
+    bool remember(const CurrentEvent& event);
+
     EngineContext& ctx_;
     // The poll's memory of what it saw last.
     std::int64_t prevEventType_ = 0;

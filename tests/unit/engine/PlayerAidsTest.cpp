@@ -1,79 +1,20 @@
 // What the engine offers the player around the rules: undo and redo, the hint, the keyboard
-// cursor, a new board, and a game kept as a property list and continued.
+// cursor, a new board, and a game kept for the main window.
 #include <variant>
 
-#include "EngineFakes.h"
+#include "PlayFixture.h"
 #include "engine/BoardLayout.h"
 #include "engine/BoardSetup.h"
 #include "engine/Completion.h"
 #include "engine/Engine.h"
 #include "engine/MoveHistory.h"
 #include "engine/RandomSequence.h"
-#include "platform/PlistFile.h"
 #include "rules/BuiltinGames.h"
 
 namespace tolvar {
 namespace {
 
 using namespace testing;
-
-Value with(const Value& rules, std::initializer_list<std::pair<const char*, int>> changes) {
-    Dictionary copy = *rules.asDictionary();
-    for (const auto& [key, value] : changes) copy.set(key, Value::integer(value));
-    return Value::dictionary(std::move(copy));
-}
-
-// A game started, its first tick run, and its colours set column by column, bottom to top.
-struct PlayerAidsTest : ::testing::Test {
-    void TearDown() override { gameInfo.reset(); }
-    void start(const Value& game, const std::vector<int>& colours) {
-        rules = game;
-        gameRandom().seed(5);
-        stdoutOf([&] { engine.startGame(&rules, menu), engine.processEvents(); });
-        for (std::size_t n = 0; n < colours.size(); ++n) {
-            gameInfo->board[n].colorIndex = static_cast<std::uint8_t>(colours[n]);
-            setPieceColor(*gameInfo, gameInfo->board[n]);
-        }
-    }
-    CurrentEvent at(std::int64_t type, BoardCell cell) const {
-        const BoardLayout l = computeBoardLayout(*gameInfo);
-        CurrentEvent e;
-        e.type = type;
-        e.x = l.left + (static_cast<float>(cell.column) + 0.5f) * l.w;
-        e.y = l.m + (static_cast<float>(cell.row) + 0.5f) * l.h;
-        return e;
-    }
-    std::string input(const CurrentEvent& e) {
-        host.event = e;
-        return stdoutOf([&] { engine.cursorKey(e), engine.checkUserEvents(); });
-    }
-    std::string click(BoardCell down, BoardCell up) {
-        std::string out = input(at(kEventTypeMouseDown, down));
-        return out + input(at(kEventTypeMouseUp, up));
-    }
-    std::string key(char32_t character, std::uint16_t code = 200) {
-        CurrentEvent e;
-        e.type = kEventTypeKeyDown;
-        e.keyCode = code;
-        e.characters = utf8(character);
-        std::string out = input(e);
-        e.type = kEventTypeKeyUp;
-        out += input(e);
-        return out;
-    }
-    std::string tick() { return stdoutOf([&] { engine.processEvents(); }); }
-    std::string picture() const { return boardPicture(*gameInfo) + " sel " + std::to_string(selectedCount(*gameInfo)); }
-
-    RecordingView view;
-    RecordingHost host;
-    Engine engine{view, host};
-    ActionsMenu menu;
-    Value rules;
-};
-
-// Vexamor on 3 x 2: columns bottom to top "12", "12", "33".
-const std::vector<int> kSmall = {1, 2, 1, 2, 3, 3};
-Value smallVexamor() { return with(createTestGameOne(), {{"BoardWidth", 3}, {"BoardHeight", 2}}); }
 
 TEST_F(PlayerAidsTest, AClickIsOneMoveAndOnlyChangesCount) {
     start(smallVexamor(), kSmall);
@@ -244,92 +185,6 @@ TEST_F(PlayerAidsTest, TheCursorMovesOnTheBoardAndEnterClicksItsCell) {
     start(Value::dictionary(std::move(bound)), kSmall);
     key(kKeyLeftArrow);
     EXPECT_FALSE(engine.cursor());
-}
-
-TEST_F(PlayerAidsTest, ASavedGameGoesOnExactlyAndDamagedOrChangedOnesAreRefused) {
-    start(with(createTestGameThree(), {{"BoardWidth", 5}, {"BoardHeight", 5}}), {});
-    const std::vector<BoardCell> move = engine.hint();
-    ASSERT_EQ(move.size(), 2u);
-    click(move[0], move[1]);  // its trigger is pending
-    const std::optional<Value> saved = engine.savedGame();
-    ASSERT_TRUE(saved);
-    std::string wanted = tick();
-    wanted += picture();
-
-    auto text = std::get<Value>(parsePropertyList(toXmlPropertyList(*saved)));
-    const Value sameRules = rules;
-    gameInfo.reset();
-    gameRandom().seed(77);
-    std::string why;
-    stdoutOf([&] { why = engine.continueGame(text, &sameRules, menu); });
-    EXPECT_EQ(why, "");
-    std::string got = tick();
-    got += picture();
-    EXPECT_EQ(got, wanted);
-    EXPECT_TRUE(host.gameWindowShown && !host.mainWindowShown);
-
-    auto damaged = [&](const char* key, Value value) {
-        Dictionary d = *text.asDictionary();
-        d.set(key, std::move(value));
-        return Value::dictionary(std::move(d));
-    };
-    const std::string cannot = "The saved game of \"Glimmet\" cannot be continued: ";
-    const std::pair<Value, std::string> refused[] = {
-        {damaged("RulesFingerprint", Value::string("0")), "the game's rules have changed since it was saved."},
-        {damaged("Board", Value::array({})), "its board is not of the game's size."},
-        {damaged("Board", [&] {
-             Array cells = *text.asDictionary()->find("Board")->asArray();
-             std::swap(cells[0], cells[1]);
-             return Value::array(std::move(cells));
-         }()),
-         "a cell of its board is out of place."},
-        {damaged("Score", Value::string("7")), "\"Score\" is missing or not a whole number."},
-        {damaged("RandomFront", Value::integer(40)), "its random sequence is not complete."},
-        {damaged("Variables", Value::array({Value::integer(1), Value::integer(2)})),
-         "its score variables are not the game's."},
-        {damaged("PendingEvents", Value::array({Value::dictionary()})),
-         "\"EventID\" is missing or not a whole number."},
-    };
-    const std::string running = picture();
-    for (const auto& damage : refused) {
-        std::string said;
-        stdoutOf([&] { said = engine.continueGame(damage.first, &sameRules, menu); });
-        EXPECT_EQ(said, cannot + damage.second);
-        EXPECT_EQ(picture(), running) << "the running game stays";
-    }
-    const Value changed = with(sameRules, {{"NumColors", 7}});
-    stdoutOf([&] { why = engine.continueGame(text, &changed, menu); });
-    EXPECT_EQ(why, cannot + "the game's rules have changed since it was saved.");
-    EXPECT_EQ(engine.continueGame(text, nullptr, menu),
-              "The saved game of \"Glimmet\" cannot be continued: the rules file has no game of that name.");
-    EXPECT_EQ(Engine::savedGameTitle(text), "Glimmet");
-}
-
-TEST_F(PlayerAidsTest, AQuitThatStopsATickKeepsTheGameFromBeforeIt) {
-    start(smallVexamor(), kSmall);
-    click({2, 0}, {2, 0});
-    key(U' ');
-    const Value beforeTick = *engine.savedGame();
-    std::string whole = tick();
-    whole += picture();
-
-    const Value sameRules = rules;
-    auto continueFrom = [&](const Value& saved) {
-        std::string why;
-        stdoutOf([&] { why = engine.continueGame(saved, &sameRules, menu); });
-        ASSERT_EQ(why, "");
-    };
-    continueFrom(beforeTick);
-    view.onDraw = [&] { host.quit = true; };  // the player quits at the tick's first frame
-    const std::string cut = tick();
-    EXPECT_LT(cut.size(), whole.size());
-    view.onDraw = nullptr;
-    const Value saved = *engine.savedGame();
-    host.quit = false;
-    continueFrom(saved);
-    std::string again = tick();
-    again += picture();
-    EXPECT_EQ(again, whole);
 }
 
 TEST(KeyCharactersTest, TheFirstCharacterIsDecodedFromUtf8) {
