@@ -53,7 +53,8 @@ void MainWindow::addFindings(std::vector<Paragraph>& page, const GameLibrary& li
 
 std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const ActionsMenu& menu,
                                            const GameMenuState& game, bool gameRunning, const RulesWatch& rules,
-                                           bool canContinue, const std::string& note) {
+                                           bool canContinue, const std::string& continueText,
+                                           const std::string& note) {
     const bool refused = library.currentRules() && rules.refuses(library.selectedTitle());
     std::vector<ShellCommand> commands;
     surface_.beginFrame();
@@ -144,6 +145,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     std::vector<Paragraph> page;
     if (!library.descriptionText().empty()) page.push_back({library.descriptionText()});
     addFindings(page, library, rules);
+    if (!continueText.empty()) page.push_back({continueText});
     if (!note.empty()) page.push_back({note, kErrorColour});
     description_.draw(std::move(page));
     ImGui::EndChild();

@@ -38,11 +38,11 @@ public:
     // One frame; returns what the player chose in it. Under the description stand what the
     // checker found in the chosen game, or why the rules file cannot be read; a game with errors
     // cannot be started.
-    // Continue stands beside Start while a kept or saved game can go on (canContinue); note says
-    // why a saved game could not be continued.
+    // Continue stands beside Start while a kept or saved game can go on (canContinue);
+    // continueText says which game it goes on with, note why a saved game cannot be continued.
     std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, const GameMenuState& game,
                                    bool gameRunning, const RulesWatch& rules, bool canContinue,
-                                   const std::string& note);
+                                   const std::string& continueText, const std::string& note);
 
 private:
     // What the checker found in the file and in the chosen game, as lines of the description's page.

@@ -2,12 +2,9 @@
 // game window's size.
 #include "TolvarAppDelegate.h"
 
-#include <cstdio>
 
 #include "FileIO.h"
-#include "platform/DataFolder.h"
 #include "platform/DocumentPages.h"
-#include "platform/PlistFile.h"
 #include "rules/GameHelp.h"
 
 namespace tolvar {
@@ -108,52 +105,6 @@ void TolvarAppDelegate::clearHint() {
     if (playing() && gameWindow && gameWindow->isVisible()) {
         gameWindow->makeCurrentContext();
         view_->drawBoard();
-    }
-}
-
-namespace {
-std::string savedGamePath() { return tolvarFolderPath() + "/" + Engine::kSavedGameFileName; }
-}  // namespace
-
-void TolvarAppDelegate::readSavedGame() {
-    std::FILE* probe = std::fopen(savedGamePath().c_str(), "rb");
-    if (!probe) return;  // no game was left unfinished
-    std::fclose(probe);
-    auto read = readPropertyListFile(savedGamePath());
-    if (const PlistError* error = std::get_if<PlistError>(&read)) {
-        continueNote_ = "The saved game " + savedGamePath() + " cannot be read: " + error->reason + ".";
-        return;
-    }
-    savedGame_ = std::move(std::get<Value>(read));
-}
-
-bool TolvarAppDelegate::canContinue() const {
-    const bool kept = engine_ && engine_->hasUnfinishedGame() && !(gameWindow && gameWindow->isVisible());
-    return kept || savedGame_.has_value();
-}
-
-void TolvarAppDelegate::continueGame() {
-    if (!gameWindow) return;
-    gameWindow->makeCurrentContext();
-    // The game kept after Return, as it was; else the one saved at the last quit.
-    if (engine_->hasUnfinishedGame() && engine_->resumeGame()) return;
-    if (!savedGame_) return;
-    const Value saved = std::move(*savedGame_);
-    savedGame_.reset();
-    const Dictionary* games = library_.allGameRules() ? library_.allGameRules()->asDictionary() : nullptr;
-    const Value* rules = games ? games->find(Engine::savedGameTitle(saved)) : nullptr;
-    continueNote_ = engine_->continueGame(saved, rules, menu_);
-    mainFrames_ = kMainWindowFramesPerChange;
-}
-
-void TolvarAppDelegate::saveGameOnQuit() {
-    if (!engine_) return;
-    if (const std::optional<Value> saved = engine_->savedGame()) {
-        if (const auto error = writePropertyListFile(savedGamePath(), *saved))
-            std::fprintf(stderr, "tolvar: the unfinished game could not be saved: %s\n", error->message().c_str());
-    } else if (gameInfo) {
-        // A game was played to its end, or dealt anew and not kept: no saved game to offer.
-        std::remove(savedGamePath().c_str());
     }
 }
 

@@ -103,6 +103,7 @@ void TolvarAppDelegate::playFrom(const std::string& rulesFile, const std::string
 void TolvarAppDelegate::reloadRulesWhenChanged() {
     if (!rules_.changedOnDisk()) return;
     rules_.load(library_);
+    checkSavedGames();
     // Nothing of the old file is kept; the memory its reading took goes back to the system
     // (the allocator would keep the freed pages of many small pieces for itself).
 #ifdef __GLIBC__
@@ -191,7 +192,7 @@ void TolvarAppDelegate::drawWindows() {
         if (window->surface().isVisible()) {
             const bool running = gameWindow && gameWindow->isVisible();
             std::vector<ShellCommand> commands = window->draw(library_, menu_, gameMenuState(), running, rules_,
-                                                              canContinue(), continueNote_);
+                                                              canContinue(), continueText(), continueProblem());
             if (gameWindow) gameWindow->makeCurrentContext();
             runCommands(commands);
         }
@@ -241,7 +242,7 @@ std::string TolvarAppDelegate::menuSignature() const {
     }
     s += gameWindow && gameWindow->isVisible() ? 'g' : 'm';
     s += canContinue() ? 'c' : '-';
-    s += continueNote_;
+    s += continueText() + continueProblem();
     const GameMenuState game = gameMenuState();
     for (const bool possible : {game.newGame, game.undo, game.redo, game.hint}) s += possible ? '+' : '-';
     return s;

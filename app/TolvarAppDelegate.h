@@ -4,6 +4,7 @@
 
 #include <SDL.h>
 
+#include <map>
 #include <memory>
 #include <string>
 
@@ -18,6 +19,7 @@
 #include "platform/DataFolder.h"
 #include "platform/PageOpener.h"
 #include "platform/ProgramKeys.h"
+#include "platform/SavedGamesFile.h"
 #include "platform/PropertyList.h"
 #include "platform/RunLoop.h"
 #include "presentation/GameView.h"
@@ -77,10 +79,22 @@ private:
     void newGame();
     void showHint();
     void clearHint();
-    // Continue: the game kept after Return, or the one saved when the program last quit.
+    // Continue: the game kept after Return, or one saved when a copy of the program quit.
+    struct ContinueOffer {
+        enum class Kind { None, Kept, Saved };
+        Kind kind = Kind::None;
+        std::string title;
+    };
     void readSavedGame();
+    void checkSavedGames();  // against the rules as they are now
+    const Value* rulesOf(const std::string& title) const;
+    ContinueOffer continueOffer() const;
     void continueGame();
     bool canContinue() const;
+    std::string continueText() const;     // which game Continue goes on with
+    std::string continueProblem() const;  // why it cannot
+    // Writes the running game (or, when it ended, takes its saved game out) beside the others.
+    void storeRunningGame();
     void saveGameOnQuit();
     void openHelpWindow();
     void showHelp();
@@ -129,8 +143,11 @@ private:
     std::string interfaceFont_;  // the font file of the main window and the pop-up
     CurrentEvent currentEvent_;
     std::vector<BoardCell> hint_;  // outlined until the next input
-    std::optional<Value> savedGame_;  // read at launch, until continued
-    std::string continueNote_;        // why it could not be
+    SavedGamesFile savedGames_{tolvarFolderPath()};
+    std::map<std::string, Value> saved_;          // the saved games offered, by title
+    std::map<std::string, Value> known_;          // each title's entry in the file, as this copy last saw it
+    std::map<std::string, std::string> refused_;  // why a saved game cannot be continued, by title
+    std::string continueNote_;                    // why the last Continue could not be, or a save's news
     bool quit_ = false;
     std::vector<SDL_Event> heldEvents_;  // events that wait for the tick to end
     double lastAnswerDuringTick_ = 0.0;

@@ -22,6 +22,7 @@ add_executable(tolvar
   ${CMAKE_CURRENT_LIST_DIR}/HelpWindow.cpp
   ${CMAKE_CURRENT_LIST_DIR}/TextPage.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ProgramCommands.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/ContinueCommands.cpp
 )
 # The About page's version is the project's own.
 target_compile_definitions(tolvar PRIVATE TOLVAR_VERSION="${PROJECT_VERSION}")

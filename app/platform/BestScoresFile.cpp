@@ -1,9 +1,5 @@
 #include "platform/BestScoresFile.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -12,38 +8,12 @@
 #include <variant>
 #include <vector>
 
+#include "platform/FolderLock.h"
 #include "platform/PlistFile.h"
 
 namespace tolvar {
 
 namespace {
-
-// Holds an exclusive lock on a folder while alive. A folder that cannot be opened is not locked;
-// the write that follows then fails and says why.
-class FolderLock {
-public:
-    explicit FolderLock(const std::string& folder)
-        : fd_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        if (fd_ >= 0) {
-            while (::flock(fd_, LOCK_EX) != 0 && errno == EINTR) {
-            }
-        }
-    }
-    ~FolderLock() {
-        if (fd_ >= 0) ::close(fd_);  // closing releases the lock
-    }
-    FolderLock(const FolderLock&) = delete;
-    FolderLock& operator=(const FolderLock&) = delete;
-
-private:
-    int fd_;
-};
-
-bool somethingAt(const std::string& path) {
-    std::error_code ec;
-    const auto type = std::filesystem::symlink_status(path, ec).type();
-    return type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none;
-}
 
 // The file as it was found.
 struct StoredTables {
@@ -119,9 +89,15 @@ std::optional<std::string> keepAside(const std::string& path, const StoredTables
 
 }  // namespace
 
-std::string freeAsideName(const std::string& path) {
-    std::string aside = path + ".unreadable";
-    for (int n = 1; somethingAt(aside); ++n) aside = path + ".unreadable." + std::to_string(n);
+bool somethingAt(const std::string& path) {
+    std::error_code ec;
+    const auto type = std::filesystem::symlink_status(path, ec).type();
+    return type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none;
+}
+
+std::string freeAsideName(const std::string& path, const std::string& suffix) {
+    std::string aside = path + suffix;
+    for (int n = 1; somethingAt(aside); ++n) aside = path + suffix + "." + std::to_string(n);
     return aside;
 }
 

@@ -26,7 +26,10 @@ private:
     std::string folder_;
 };
 
-// The first of path + ".unreadable", ".unreadable.1", ... that names nothing yet.
-std::string freeAsideName(const std::string& path);
+// The first of path + suffix, path + suffix + ".1", ... that names nothing yet.
+std::string freeAsideName(const std::string& path, const std::string& suffix = ".unreadable");
+
+// Whether anything is at path, even a dangling link or what cannot be opened.
+bool somethingAt(const std::string& path);
 
 }  // namespace tolvar

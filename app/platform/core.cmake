@@ -4,6 +4,8 @@ add_library(tolvar_platform_core STATIC
   ${CMAKE_CURRENT_LIST_DIR}/DataFolder.cpp
   ${CMAKE_CURRENT_LIST_DIR}/AtomicFile.cpp
   ${CMAKE_CURRENT_LIST_DIR}/BestScoresFile.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/FolderLock.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/SavedGamesFile.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Utf8.cpp
   ${CMAKE_CURRENT_LIST_DIR}/DocumentPages.cpp
 )
