@@ -8,8 +8,9 @@ namespace tolvar {
 
 std::string applicationSupportDirectory(bool create) {
     std::string dir;
+    // A relative path is not one: the base-directory rule says to ignore it, as if unset.
     const char* dataHome = std::getenv("XDG_DATA_HOME");
-    if (dataHome && *dataHome) {
+    if (dataHome && dataHome[0] == '/') {
         dir = dataHome;
     } else {
         const char* home = std::getenv("HOME");

@@ -1,12 +1,13 @@
 // The player's data folder: $XDG_DATA_HOME/Tolvar, with XDG_DATA_HOME defaulting to
-// ~/.local/share when unset or empty. It holds "RulesDict.dict" and "BestScores.dict".
+// ~/.local/share when unset, empty or relative. It holds "RulesDict.dict" and "BestScores.dict".
 #pragma once
 
 #include <string>
 
 namespace tolvar {
 
-// The user's application-support directory: $XDG_DATA_HOME, or $HOME/.local/share.
+// The user's application-support directory: $XDG_DATA_HOME when it is an absolute path, else
+// $HOME/.local/share.
 // When create is true the directory is created with its parents if missing.
 std::string applicationSupportDirectory(bool create);
 

@@ -23,7 +23,7 @@ void ensureTolvarFolder(const std::string& folder) {
     if (::stat(folder.c_str(), &info) == 0) return;
     long code = 0;
     if (::mkdir(folder.c_str(), 0777) != 0) code = errno;
-    printf("code: %ld", code);
+    printf("code: %ld\n", code);
     fflush(stdout);
 }
 

@@ -300,15 +300,18 @@ TEST(RulesDict, KeyedUserEventsTakeActionMenuItemsInTurn) {
     }
 }
 
-TEST_F(DataHome, TheFolderFollowsXdgDataHomeOrHomeAndAFailureToMakeItIsPrinted) {
+TEST_F(DataHome, TheFolderFollowsAnAbsoluteXdgDataHomeOrHomeAndAFailureToMakeItIsPrintedOnItsLine) {
     EXPECT_EQ(rulesFilePath(), rulesPath());
     std::filesystem::remove_all(home_ + "/share");
     std::ofstream(home_ + "/share") << "a file where the data folder should be";
     GameLibrary library;
-    EXPECT_EQ(setup(library), "code: 20");  // not a directory: the games still play
+    EXPECT_EQ(setup(library), "code: 20\n");  // not a directory: the games still play
     EXPECT_EQ(library.gameMenu(), kBuiltinMenu);
-    setenv("XDG_DATA_HOME", "", 1);
-    EXPECT_EQ(applicationSupportDirectory(false), home_ + "/.local/share");
+    // Unset, empty or relative (the base-directory rule: ignored), the folder is under $HOME.
+    for (const char* dataHome : {"", "share", "./share", "~/share"}) {
+        setenv("XDG_DATA_HOME", dataHome, 1);
+        EXPECT_EQ(applicationSupportDirectory(false), home_ + "/.local/share") << dataHome;
+    }
 }
 
 TEST_F(DataHome, GamesAreOfferedInFileOrderAndChoosingOneShowsItsDescription) {
