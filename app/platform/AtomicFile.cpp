@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <limits>
 
 namespace tolvar {
@@ -131,15 +132,31 @@ int createTemporaryBeside(const std::string& path, std::string& name) {
     return -1;  // errno is still EEXIST
 }
 
+// The file a path names once its symbolic links are followed (a link to a link too), so that a
+// player's link stays a link and the file it points at is the one replaced. A path that is no
+// link, or a loop of links, is itself.
+std::string throughLinks(const std::string& path) {
+    constexpr int kMaxLinks = 40;  // as the system follows them
+    std::string at = path;
+    for (int hop = 0; hop < kMaxLinks; ++hop) {
+        std::error_code ec;
+        const std::filesystem::path to = std::filesystem::read_symlink(at, ec);
+        if (ec) return at;
+        at = to.is_absolute() ? to.string() : folderOf(at) + "/" + to.string();
+    }
+    return path;
+}
+
 }  // namespace
 
 std::optional<FileWriteError> writeFileAtomically(const std::string& path, std::string_view bytes) {
+    const std::string replaced = throughLinks(path);  // messages name the path the game uses
     struct stat old {};
-    const bool replacing = ::stat(path.c_str(), &old) == 0;
+    const bool replacing = ::stat(replaced.c_str(), &old) == 0;
     if (replacing && S_ISDIR(old.st_mode)) return FileWriteError{path, "Is a directory"};
 
     std::string temporary;
-    const int fd = createTemporaryBeside(path, temporary);
+    const int fd = createTemporaryBeside(replaced, temporary);
     if (fd < 0) return failure(path, errno);
     OpenFile file(fd, temporary);
 
@@ -148,13 +165,13 @@ std::optional<FileWriteError> writeFileAtomically(const std::string& path, std::
     if (const int error = writeAll(file.fd(), bytes)) return failure(path, error);
     if (::fsync(file.fd()) != 0) return failure(path, errno);
     if (const int error = file.closeAndKeep()) return failure(path, error);
-    if (::rename(temporary.c_str(), path.c_str()) != 0) {
+    if (::rename(temporary.c_str(), replaced.c_str()) != 0) {
         const int error = errno;
         ::unlink(temporary.c_str());
         return failure(path, error);
     }
     // The rename itself reaches the disk with the folder.
-    const int folder = ::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int folder = ::open(folderOf(replaced).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder >= 0) {
         ::fsync(folder);
         ::close(folder);

@@ -21,7 +21,8 @@ struct FileWriteError {
 
 // Replaces the file at path by bytes. Returns the error when the file could not be written; the
 // temporary file is then removed and the old file, if any, is untouched. A new file gets the
-// permissions 0666 less the umask; a replaced file keeps its own.
+// permissions 0666 less the umask; a replaced file keeps its own. A path that is a symbolic link
+// is written through: the file it points at is replaced (beside it), and the link stays.
 std::optional<FileWriteError> writeFileAtomically(const std::string& path, std::string_view bytes);
 
 // Writes bytes to a new file at path, failing with "File exists" when anything is there already.

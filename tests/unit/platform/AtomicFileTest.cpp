@@ -36,6 +36,32 @@ TEST_F(AtomicFile, NewAndReplacedFilesHoldTheBytesAndKeepTheirPermissions) {
     EXPECT_EQ(names(), std::vector<std::string>{"scores.dict"});  // no temporary file is left
 }
 
+// A player who keeps the file elsewhere and links it in keeps the link: the file it points at is
+// replaced, also through a relative link, a link to a link, or a link whose file is not there yet.
+TEST_F(AtomicFile, ALinkedFileIsWrittenThroughItsLinkWhichStays) {
+    std::filesystem::create_directory(folder / "kept");
+    const std::string target = path("kept/scores.dict");
+    putFile(target, "old");
+    std::filesystem::create_symlink("kept/scores.dict", folder / "relative.dict");
+    std::filesystem::create_symlink(target, folder / "absolute.dict");
+    std::filesystem::create_symlink(folder / "absolute.dict", folder / "twice.dict");
+    std::filesystem::create_symlink("kept/new.dict", folder / "dangling.dict");
+    for (const char* link : {"relative.dict", "absolute.dict", "twice.dict"}) {
+        EXPECT_EQ(writeFileAtomically(path(link), link), std::nullopt);
+        EXPECT_TRUE(std::filesystem::is_symlink(folder / link)) << link;
+        EXPECT_EQ(contentsOf(target), link);
+    }
+    EXPECT_EQ(writeFileAtomically(path("dangling.dict"), "new"), std::nullopt);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "dangling.dict"));
+    EXPECT_EQ(contentsOf(path("kept/new.dict")), "new");
+    // A loop of links is written over as a plain file rather than followed for ever.
+    std::filesystem::create_symlink("loop.dict", folder / "loop.dict");
+    EXPECT_EQ(writeFileAtomically(path("loop.dict"), "plain"), std::nullopt);
+    EXPECT_EQ(contentsOf(path("loop.dict")), "plain");
+    EXPECT_EQ(names(), (std::vector<std::string>{"absolute.dict", "dangling.dict", "kept", "loop.dict",
+                                                 "relative.dict", "twice.dict"}));
+}
+
 TEST_F(AtomicFile, RefusedWritesNameTheFileAndTheReasonAndLeaveTheOldFile) {
     putFile(path("old.dict"), "old table");
     putFile(path("plain"), "a file where a folder should be");
