@@ -1,5 +1,6 @@
 #include "engine/Completion.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -150,14 +151,26 @@ void Completion::performActionCheckForGameCompletion() {
     if (done) EventQueue(game).queueCopyOfEvent(kEventNoMovesLeft);
 }
 
+namespace {
+// An entry's score as the table compares it: its 32-bit "Score", 0 when it has none.
+std::uint64_t storedScore(const Value& entry) {
+    std::int32_t stored = 0;
+    if (const Dictionary* d = entry.asDictionary())
+        if (const Value* v = d->find("Score")) stored = v->intValue().value_or(0);
+    return static_cast<std::uint64_t>(static_cast<std::int64_t>(stored));
+}
+}  // namespace
+
+void sortBestScores(Array& scores, bool lowerIsBetter) {
+    std::stable_sort(scores.begin(), scores.end(), [lowerIsBetter](const Value& a, const Value& b) {
+        return lowerIsBetter ? storedScore(a) < storedScore(b) : storedScore(a) > storedScore(b);
+    });
+}
+
 int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lowerIsBetter) {
     std::size_t i = 0;
     for (; i < scores.size() && i < kBestScoresKept; ++i) {
-        std::int32_t stored = 0;
-        if (const Dictionary* entry = scores[i].asDictionary())
-            if (const Value* v = entry->find("Score")) stored = v->intValue().value_or(0);
-        const std::uint64_t entryScore =
-            static_cast<std::uint64_t>(static_cast<std::int64_t>(stored));
+        const std::uint64_t entryScore = storedScore(scores[i]);
         if (lowerIsBetter && score < entryScore) return static_cast<int>(i);
         if (!lowerIsBetter && score > entryScore) {
             std::printf("got on list at index %d, score %d\n", static_cast<int>(i),
@@ -173,6 +186,8 @@ void BestScores::performActionCheckBestScores(const GameAction& action) {
     const std::uint64_t score = game.score;
     const bool lowerIsBetter = action.lowerIsBetter != 0;
     const EnteredScore entered = ctx_.host.scoreStore().enterScore(game.gameName, [&](Array& scores) {
+        // A table put out of order by hand is put back in order first, so the score goes where it belongs.
+        sortBestScores(scores, lowerIsBetter);
         const int at = bestScoreInsertionIndex(scores, score, lowerIsBetter);
         if (at < 0) return at;
         Dictionary entry;

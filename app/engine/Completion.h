@@ -42,6 +42,8 @@ private:
 // when the table's first 20 entries are all at least as good. Prints the "got on list" line
 // when higher scores are better and the score beats an entry.
 int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lowerIsBetter);
+// Puts a table in order, best first (entries of equal score keep their order).
+void sortBestScores(Array& scores, bool lowerIsBetter);
 
 class BestScores {
 public:

@@ -323,6 +323,34 @@ TEST_F(EngineFixture, ABestScoreThatCannotBeSavedIsShownAndTheAlertAndStandardEr
     EXPECT_TRUE(std::filesystem::exists(path));
 }
 
+// A table put out of order by hand is sorted before the new score is placed, in either order.
+TEST_F(EngineFixture, ATamperedTableIsSortedBeforeTheScoreIsPlaced) {
+    const std::string path = (host.folder / "BestScores.dict").string();
+    for (const bool lower : {true, false}) {
+        Array table;
+        for (const std::int64_t score : {50, 10, 90, 30}) {
+            Dictionary d;
+            d.set("Score", Value::integer(score));
+            table.push_back(Value::dictionary(std::move(d)));
+        }
+        Dictionary games;
+        games.set("Vexamor", Value::array(std::move(table)));
+        ASSERT_FALSE(writePropertyListFile(path, Value::dictionary(std::move(games))));
+        installGame(2, 2).gameName = "Vexamor";
+        gameInfo->score = 40;
+        GameAction action;
+        action.lowerIsBetter = lower;
+        stdoutOf([&] { BestScores{ctx}.performActionCheckBestScores(action); });
+        std::vector<std::int64_t> stored;
+        auto read = readPropertyListFile(path);
+        for (const Value& e : *std::get<Value>(read).asDictionary()->find("Vexamor")->asArray())
+            stored.push_back(*e.asDictionary()->find("Score")->asInteger());
+        const std::vector<std::int64_t> sorted = lower ? std::vector<std::int64_t>{10, 30, 40, 50, 90}
+                                                       : std::vector<std::int64_t>{90, 50, 40, 30, 10};
+        EXPECT_EQ(stored, sorted);
+    }
+}
+
 TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
     Dictionary wrongKind;
     wrongKind.set("Vexamor", Value::string("not a list"));
