@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """The desktop around the game, played under its own Xvfb: keys that must not move, keyboard-only play with
-the cursor and the hint, undo and redo, Continue, the help window and the rules author's page, a description
-100,000 characters long, and the game window resized and full screen.
-run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue|window|help|writing_games|long_text"""
+the cursor and the hint, undo and redo, Continue (also of two copies' games), the help window and the rules
+author's page, a description 100,000 characters long, and the game window resized and full screen.
+run_e2e_desktop.py --program build/bin/tolvar --test keys|keyboard|undo|continue|two_copies|window|help|writing_games|long_text"""
 
 import os
 import plistlib
@@ -13,7 +13,7 @@ import sys
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from run_e2e import SELECTED, full, outline_pixels, removes, select_region, touches  # noqa: E402
 from tolvar_driver import (COLOURS, HELP_H, HELP_W, MAIN_H, MAIN_PAD_X, MAIN_W, MENU_BAR_H, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H, SCREEN_W,  # noqa: E402
-                           WIN_H, WIN_W, Layout, check, classify, near, run_test_script)
+                           WIN_H, WIN_W, Layout, Tolvar, check, classify, near, run_test_script)
 
 HINT, CURSOR = (0, 229, 255), (255, 255, 255)  # the hint's outline round its cells, the cursor's inside its cell
 VEXAMOR, GLIMMET = (1, 8, 8), (3, 8, 8)  # the game pop-up's index, board width and height
@@ -304,6 +304,66 @@ def test_continue(t):
 
 
 
+def shades(shot, lay):
+    """Each cell's mean colour round its centre, coarsely: tells boards of any colours apart (Glimmet has more
+    colours than the pieces' names here), the same board drawn at the same place giving the same shades."""
+    r = int(lay.pw * 0.2)
+
+    def mean(cx, cy):
+        pixels = [shot.pixel(x, y) for y in range(int(cy) - r, int(cy) + r, 2) for x in range(int(cx) - r, int(cx) + r, 2)]
+        return tuple(sum(p[i] for p in pixels) // len(pixels) // 32 for i in range(3))
+    return [[mean(*lay.centre(x, y)) for y in range(lay.board_h)] for x in range(lay.board_w)]
+
+
+def start_glimmet(t):
+    """Glimmet started (its board deals without a line, so it rests after the start); its layout."""
+    t.choose_game(GLIMMET[0])
+    since = len(t.stdout())
+    t.press_start()
+    lay = Layout(GLIMMET[1], GLIMMET[2], t.geometry(t.game))
+    t.wait_tick(since, "the board dealt")
+    return lay
+
+
+def test_two_copies(t):
+    """Two copies share one data folder: one quits in Vexamor, the other in Glimmet, both unfinished; a later
+    launch continues each of the two, on the very board it was left with."""
+    lay = t.start(*VEXAMOR)
+    removes(t, lay, select_region(t, lay)[0], lambda: key(t, "space"))
+    left = {VEXAMOR: shades(t.shot(), lay)}
+    other = Tolvar(t.program, "desktop-two-copies-b", seed=11, folder=t.folder)
+    try:
+        # Dealt from another seed than the later launch's, so only continuing shows this board.
+        glay = start_glimmet(other)
+        left[GLIMMET] = shades(other.shot(), glay)
+        key(t, "ctrl+q")  # A quits first, then B: B read the file before A wrote it
+        t.ended()
+        key(other, "ctrl+q")
+        other.ended()
+    finally:
+        other.close()
+    with open(os.path.join(t.folder, "SavedGame.dict"), "rb") as f:
+        saved = plistlib.load(f)
+    check(sorted(saved) == ["Glimmet", "Vexamor"], "both games are saved: %s" % sorted(saved))
+
+    t.launch()
+    for (index, w, h), board in left.items():
+        t.choose_game(index)  # Continue offers the chosen game's own
+        press_continue(t)
+        t.wait_for(lambda: t.mapped(t.game), 10, "the saved game to show")
+        lay = Layout(w, h, t.geometry(t.game))
+        t.wait_right(lambda: shades(t.shot(), lay), lambda seen: None if seen == board else "another board in %s: %d cells differ" % (index, sum(a != b for ca, cb in zip(seen, board) for a, b in zip(ca, cb))))
+        key(t, "ctrl+w")
+        t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
+    t.quit()
+
+    # A saved-games file that cannot be read is said on standard error, with its name and why.
+    with open(os.path.join(t.folder, "SavedGame.dict"), "wb") as f:
+        f.write(b"<plist><dict><key>Vexamor</key>")
+    t.launch()
+    t.wait_for(lambda: "SavedGame.dict: cannot be read (" in t.stdout(t.err_path), 10, "the reason on standard error")
+
+
 def test_help(t):
     """F1 shows the chosen game's help from the game window; the Help menu of the main window too."""
     lay = t.start(*VEXAMOR)
@@ -456,7 +516,7 @@ def test_long_text(t):
 
 def main():
     run_test_script({"keys": test_keys, "keyboard": test_keyboard, "undo": test_undo, "continue": test_continue,
-                     "window": test_window, "help": test_help, "writing_games": test_writing_games,
+                     "two_copies": test_two_copies, "window": test_window, "help": test_help, "writing_games": test_writing_games,
                      "long_text": test_long_text}, "desktop-")
 
 

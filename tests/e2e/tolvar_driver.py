@@ -104,12 +104,12 @@ class Layout:
         return [[vote(*self.centre(x, y)) for y in range(self.board_h)] for x in range(self.board_w)]
 
 
-class Tolvar:  # the program on a display of its own, with an empty data folder
-    def __init__(self, program, name, seed=7):
+class Tolvar:  # the program on a display of its own, with an empty data folder (or another copy's)
+    def __init__(self, program, name, seed=7, folder=None):
         self.program, self.proc, self.xvfb, self.dpy, self.runs = program, None, None, None, 0
         self.game = self.main = self.playing = None
         self.work = tempfile.mkdtemp(prefix="tolvar-e2e-%s-" % name)
-        self.folder = os.path.join(self.work, "data", "Tolvar")
+        self.folder = folder or os.path.join(self.work, "data", "Tolvar")
         try:
             for _ in range(3):  # another server may race for the same display number
                 if self.xvfb:
