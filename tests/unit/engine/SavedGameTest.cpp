@@ -185,7 +185,9 @@ TEST_F(PlayerAidsTest, ASavedGameHoldingWhatNoRealGameCanIsRefusedWithTheReason)
     };
     const std::string cannot = "The saved game of \"Glimmet\" cannot be continued: ";
     const std::string running = picture();
-    for (const auto& [saved, why] : refused) {
+    for (const auto& damage : refused) {
+        const Value& saved = damage.first;  // named, as lambdas capture no structured binding in clang 14
+        const std::string& why = damage.second;
         SCOPED_TRACE(why);
         EXPECT_EQ(stdoutOf([&] { EXPECT_EQ(Engine::savedGameProblem(saved, &sameRules), cannot + why + "."); }), "")
             << "looking prints none of the rules' diagnostics";
