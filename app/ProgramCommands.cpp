@@ -2,6 +2,7 @@
 // game window's size.
 #include "TolvarAppDelegate.h"
 
+#include <cstdio>
 
 #include "FileIO.h"
 #include "platform/DocumentPages.h"
