@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <array>
+#include <string_view>
 #include <cctype>
 #include <cmath>
 #include <cerrno>
@@ -6,6 +8,7 @@
 #include <cstdlib>
 
 #include "checker/Located.h"
+#include "rules/TextLimits.h"
 
 namespace tolvar::checker {
 
@@ -65,21 +68,26 @@ namespace {
 using rulekeys::Key;
 using rulekeys::Kind;
 
-std::string lower(std::string s) {
-    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return s;
-}
+// Case folded for ASCII letters only: the keys are ASCII, and the locale's tolower (Turkish
+// folds 'I' to a dotless i) must not change which key is nearest.
+char foldAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// Edits (insert, delete, replace, swap of neighbours) from a to b, ignoring case.
-std::size_t editDistance(const std::string& a0, const std::string& b0) {
-    const std::string a = lower(a0), b = lower(b0);
-    std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+// Keys are compared for a suggestion only up to this length, and only with keys whose length
+// differs by at most kMaxSuggestedEdits: a name further off than that is suggested nothing.
+constexpr std::size_t kMaxComparedLength = 64;
+constexpr std::size_t kMaxSuggestedEdits = 16;
+
+// Edits (insert, delete, replace, swap of neighbours) from a to b, ignoring ASCII case; both at
+// most kMaxComparedLength long, so the table is small and on the stack.
+std::size_t editDistance(std::string_view a, std::string_view b) {
+    std::array<std::array<std::size_t, kMaxComparedLength + 1>, kMaxComparedLength + 1> d{};
     for (std::size_t i = 0; i <= a.size(); ++i) d[i][0] = i;
     for (std::size_t j = 0; j <= b.size(); ++j) d[0][j] = j;
     for (std::size_t i = 1; i <= a.size(); ++i)
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            d[i][j] = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (a[i - 1] != b[j - 1])});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+            const char x = foldAscii(a[i - 1]), y = foldAscii(b[j - 1]);
+            d[i][j] = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (x != y)});
+            if (i > 1 && j > 1 && x == foldAscii(b[j - 2]) && foldAscii(a[i - 2]) == y)
                 d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
         }
     return d[a.size()][b.size()];
@@ -89,16 +97,39 @@ std::size_t editDistance(const std::string& a0, const std::string& b0) {
 std::string suggestion(const std::string& name, const rulekeys::Level& level) {
     const Key* best = nullptr;
     std::size_t bestDistance = 0;
-    for (const Key& k : level.keys) {
-        const std::size_t d = editDistance(name, k.name);
-        if (!best || d < bestDistance) best = &k, bestDistance = d;
+    if (name.size() <= kMaxComparedLength) {
+        for (const Key& k : level.keys) {
+            const std::string_view known = k.name;
+            const std::size_t apart = known.size() > name.size() ? known.size() - name.size() : name.size() - known.size();
+            if (known.size() > kMaxComparedLength || apart > kMaxSuggestedEdits) continue;
+            const std::size_t d = editDistance(name, known);
+            if (!best || d < bestDistance) best = &k, bestDistance = d;
+        }
     }
-    if (name.size() < 64 && best && bestDistance <= std::max<std::size_t>(2, name.size() / 4))
+    if (best && bestDistance <= std::max<std::size_t>(2, name.size() / 4))
         return "; did you mean " + std::string(best->name) + "?";
     for (const rulekeys::Level& other : rulekeys::kLevels)
         if (other.what != level.what && rulekeys::findKey(other.keys, name.c_str()))
             return "; it is a key of " + std::string(other.what) + ", not of " + level.what;
     return "";
+}
+
+// The number of characters of a UTF-8 text (bytes that do not continue a character).
+std::size_t characterCount(const std::string& s) {
+    return static_cast<std::size_t>(
+        std::count_if(s.begin(), s.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+// A text longer than its window shows whole.
+void checkShownLength(const Located& at, const Key& key, Reporter& report) {
+    const std::size_t limit = textlimits::shownLength(key.name);
+    const std::string* text = at.value->asString();
+    if (!limit || !text) return;
+    const std::size_t length = characterCount(*text);
+    if (length > limit)
+        report.add(Severity::Warning, at, key.name,
+                   "the text is " + std::to_string(length) + " characters long; the window shows " +
+                       std::to_string(limit) + " at ease, and a longer text is cut or scrolled");
 }
 
 std::string realText(double d) {
@@ -189,6 +220,7 @@ void checkKeys(const Located& dict, const rulekeys::Level& level, Reporter& repo
                 if (!value.isString())
                     report.add(Severity::Error, at, name,
                                "expected a string, found " + kindName(value) + "; the key counts as absent");
+                checkShownLength(at, *key, report);
                 break;
             case Kind::Array:
                 if (!value.isArray())

@@ -1,13 +1,12 @@
 #include "checker/RulesChecker.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <variant>
 
+#include "RegularFile.h"
 #include "checker/Located.h"
 #include "platform/PlistFile.h"
+#include "platform/Utf8.h"
 
 namespace tolvar::checker {
 
@@ -38,6 +37,35 @@ constexpr std::uintmax_t kMaxRulesFileSize = 64u * 1024u * 1024u;
 
 bool isBinary(const std::string& bytes) { return bytes.compare(0, 6, "bplist") == 0; }
 
+// The reader's findings (integers outside 64 bits, keys written twice) as errors: at their line
+// and column in an XML text (offsets come in the text's order), by their path of keys otherwise.
+void addFindings(const std::string& text, bool binary, const PlistFindings& findings, CheckReport& report) {
+    TextPosition at{1, 1};
+    std::size_t counted = 0;  // the offset at reaches
+    if (text.compare(0, 3, "\xEF\xBB\xBF") == 0) counted = 3;
+    for (const PlistFinding& f : findings.kept) {
+        Problem p;
+        if (!binary && f.offset != PlistFinding::kNoOffset && f.offset >= counted) {
+            for (; counted < f.offset; ++counted) {
+                if (text[counted] == '\n') at = {at.line + 1, 1};
+                else ++at.column;
+            }
+            p.at = at;
+        }
+        p.path = f.path;
+        const std::size_t slash = f.path.find('/');
+        if (slash != std::string::npos) p.game = f.path.substr(0, slash);
+        p.key = f.key;
+        p.message = f.message;
+        report.problems.push_back(std::move(p));
+    }
+    if (findings.count > findings.kept.size()) {
+        Problem more;
+        more.message = std::to_string(findings.count - findings.kept.size()) + " more like the errors above";
+        report.problems.push_back(std::move(more));
+    }
+}
+
 Problem fileProblem(TextPosition at, std::string message, Severity severity = Severity::Error) {
     Problem p;
     p.severity = severity;
@@ -58,7 +86,7 @@ CheckReport checkRulesText(const std::string& bytes) {
         if (auto* node = std::get_if<XmlNode>(&scanned)) positions = std::move(*node);
         else xmlProblem = std::get<XmlProblem>(scanned);
     }
-    auto parsed = parsePropertyList(bytes);
+    auto parsed = parsePropertyListNoting(bytes);
     if (const PlistError* error = std::get_if<PlistError>(&parsed)) {
         // The scanner knows the line where the text goes wrong; the reader says what it makes of it.
         if (xmlProblem)
@@ -72,7 +100,8 @@ CheckReport checkRulesText(const std::string& bytes) {
                                               "not well formed, though the game reads it: " + xmlProblem->message +
                                                   "; the lines of later findings are unknown",
                                               Severity::Warning));
-    const Value& root = std::get<Value>(parsed);
+    addFindings(bytes, binary, std::get<ReadPropertyList>(parsed).findings, report);
+    const Value& root = std::get<ReadPropertyList>(parsed).value;
     const XmlNode* rootNode = positions ? &*positions : nullptr;
     const Dictionary* games = root.asDictionary();
     if (!games) {
@@ -98,23 +127,15 @@ CheckReport checkRulesText(const std::string& bytes) {
 }
 
 CheckReport checkRulesFile(const std::string& path) {
-    std::error_code ec;
-    const bool regular = std::filesystem::is_regular_file(path, ec);
-    const auto size = regular ? std::filesystem::file_size(path, ec) : 0;
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    if (regular && !ec && size <= kMaxRulesFileSize && in && (bytes << in.rdbuf()))
-        return checkRulesText(bytes.str());
-    // What cannot be read as bytes (a folder, a file too large, ...) is told as the reader tells it.
+    auto read = readRegularFile(path, kMaxRulesFileSize);
+    if (auto* bytes = std::get_if<std::string>(&read)) return checkRulesText(*bytes);
     CheckReport report;
-    auto read = readPropertyListFile(path);
-    const PlistError* error = std::get_if<PlistError>(&read);
-    report.problems.push_back(fileProblem({}, error ? error->reason : "cannot be read"));
+    report.problems.push_back(fileProblem({}, std::get<ReadRefusal>(read).reason));
     return report;
 }
 
 std::string formatProblem(const std::string& file, const Problem& p) {
-    std::string out = file;
+    std::string out = shownPath(file);
     if (p.at.line > 0) out += ":" + std::to_string(p.at.line) + ":" + std::to_string(p.at.column);
     else if (!p.path.empty()) out += ":" + p.path;
     out += p.severity == Severity::Error ? ": error: " : ": warning: ";
@@ -125,7 +146,9 @@ std::string formatProblem(const std::string& file, const Problem& p) {
 
 namespace {
 
-std::string jsonString(const std::string& s) {
+// A JSON string of s; bytes that are not UTF-8 become U+FFFD, so the output stays UTF-8.
+std::string jsonString(const std::string& raw) {
+    const std::string s = validUtf8(raw);
     std::string out = "\"";
     for (unsigned char c : s) {
         if (c == '"' || c == '\\') {

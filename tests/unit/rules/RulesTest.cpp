@@ -176,9 +176,9 @@ TEST_F(DataHome, PropertyListFilesReadBackAsWrittenAndOtherPathsFail) {
     ASSERT_EQ(writePropertyListFile(home_ + "/Sample.dict", sampleTree()), std::nullopt);
     EXPECT_EQ(ok(readPropertyListFile(home_ + "/Sample.dict")), sampleTree());
     EXPECT_EQ(refused(readPropertyListFile(home_ + "/absent.dict")), "no such file");
-    EXPECT_EQ(refused(readPropertyListFile("/dev/zero")), "is not a regular file");
+    EXPECT_EQ(refused(readPropertyListFile("/dev/zero")), "is not a regular file (a character device)");
     ASSERT_EQ(mkfifo((home_ + "/pipe.dict").c_str(), 0600), 0);
-    EXPECT_EQ(refused(readPropertyListFile(home_ + "/pipe.dict")), "is not a regular file");
+    EXPECT_EQ(refused(readPropertyListFile(home_ + "/pipe.dict")), "is not a regular file (a named pipe)");
     const auto error = writePropertyListFile(home_ + "/no/such/folder/x.dict", sampleTree());
     EXPECT_TRUE(error && error->message() == home_ + "/no/such/folder/x.dict: No such file or directory");
 }
