@@ -1,6 +1,8 @@
 // Whole-file reads and the lookup of the game's bundled resources.
 #include "FileIO.h"
 
+#include "RegularFile.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -8,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <system_error>
+#include <variant>
 
 namespace fs = std::filesystem;
 
@@ -31,11 +34,18 @@ FileData getFileData(const char* path) {
         fprintf(stderr, "%s: is a folder, not a file\n", shown);
         return data;
     }
-    std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path, "rb"));
-    if (!file) {
-        fprintf(stderr, "%s: cannot be opened: %s\n", shown, std::strerror(errno));
+    // A named pipe or a device in place of a model is refused instead of waited on or read forever.
+    auto opened = tolvar::openRegularFile(path);
+    if (const auto* refusal = std::get_if<tolvar::ReadRefusal>(&opened)) {
+        fprintf(stderr, "%s: %s\n", tolvar::shownPath(shown).c_str(), refusal->reason.c_str());
         return data;
     }
+    std::unique_ptr<std::FILE, FileCloser> file(fdopen(std::get<tolvar::FileDescriptor>(opened).fd, "rb"));
+    if (!file) {
+        fprintf(stderr, "%s: cannot be opened: %s\n", tolvar::shownPath(shown).c_str(), std::strerror(errno));
+        return data;
+    }
+    std::get<tolvar::FileDescriptor>(opened).release();
     try {
         char chunk[65536];
         for (;;) {

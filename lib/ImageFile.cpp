@@ -2,14 +2,16 @@
 // broken or hostile file never makes the game allocate more than a sane image needs.
 #include "ImageFile.h"
 
+#include "RegularFile.h"
+
 #include <SDL.h>
 #include <SDL_image.h>
 #include <GL/gl.h>
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <memory>
+#include <variant>
 
 namespace tolvar::images {
 namespace {
@@ -236,28 +238,16 @@ bool readImageBytes(const char* path, std::vector<std::uint8_t>& bytes, Header& 
         reason = "no file name";
         return false;
     }
-    std::ifstream in(path, std::ios::binary | std::ios::ate);
-    if (!in) {
-        reason = "cannot open the file";
+    // A named pipe or a device in place of a picture is refused instead of waited on.
+    auto read = tolvar::readRegularFile(path, kMaxFileBytes);
+    if (const auto* refusal = std::get_if<tolvar::ReadRefusal>(&read)) {
+        reason = refusal->tooLargeSize ? "the file is too large (" + std::to_string(refusal->tooLargeSize) +
+                                             " bytes; the limit is " + std::to_string(kMaxFileBytes >> 20) + " MB)"
+                                       : refusal->reason;
         return false;
     }
-    const std::streamoff end = in.tellg();
-    if (end < 0) {
-        reason = "cannot read the file";
-        return false;
-    }
-    if (static_cast<std::uint64_t>(end) > kMaxFileBytes) {
-        reason = "the file is too large (" + std::to_string(end) + " bytes; the limit is " +
-                 std::to_string(kMaxFileBytes >> 20) + " MB)";
-        return false;
-    }
-    bytes.assign(static_cast<std::size_t>(end), 0);
-    in.seekg(0);
-    if (!bytes.empty() &&
-        !in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()))) {
-        reason = "cannot read the file";
-        return false;
-    }
+    const std::string& contents = std::get<std::string>(read);
+    bytes.assign(contents.begin(), contents.end());
     return probeImage(bytes.data(), bytes.size(), header, reason);
 }
 

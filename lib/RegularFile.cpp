@@ -76,8 +76,8 @@ std::variant<std::string, ReadRefusal> readRegularFile(const std::string& path, 
     if (::fstat(file.fd, &info) != 0) return systemRefusal(errno);
     const auto size = static_cast<std::uintmax_t>(info.st_size);
     if (size > maxBytes)
-        return ReadRefusal{"is too large (" + std::to_string(size) + " bytes; at most " + std::to_string(maxBytes) +
-                           ")"};
+        return ReadRefusal{"is too large (" + std::to_string(size) + " bytes; at most " + std::to_string(maxBytes) + ")",
+                           size};
     std::string bytes;
     bytes.resize(static_cast<std::size_t>(size));
     std::size_t got = 0;

@@ -25,6 +25,7 @@ struct ReadRefusal {
     // "no such file", "is not a regular file (a named pipe)", "is a folder, not a file",
     // "is too large (N bytes; at most M)", "cannot be read: <system reason>"
     std::string reason;
+    std::uintmax_t tooLargeSize = 0;  // the file's size when that is the reason
 };
 
 // Opens path for reading with O_NONBLOCK (so a FIFO without a writer does not wait), checks on

@@ -1,5 +1,7 @@
 #include "rules/GameLibrary.h"
 
+#include "RegularFile.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -61,7 +63,7 @@ bool GameLibrary::loadRulesFromFile(const std::string& rulesPath) {
         return true;
     }
     fprintf(stderr, "Tolvar: cannot read the rules file %s: %s; no games are offered.\n",
-            rulesPath.c_str(), reason.c_str());
+            shownPath(rulesPath).c_str(), reason.c_str());
     return false;
 }
 

@@ -14,7 +14,9 @@
 #include <cstring>
 #include <algorithm>
 #include <string>
+#include <variant>
 
+#include "RegularFile.h"
 #include "Autoplay.h"
 #include "ScriptRunner.h"
 #include "engine/RandomSequence.h"
@@ -174,13 +176,23 @@ int main(int argc, char** argv) {
 
     std::FILE* in = stdin;
     if (!line.scriptFile.empty()) {
-        in = std::fopen(line.scriptFile.c_str(), "r");
-        if (!in) {
+        // A named pipe given as the script is refused rather than waited on; standard input
+        // (no script named) may be anything.
+        auto opened = tolvar::openRegularFile(line.scriptFile);
+        if (auto* refusal = std::get_if<tolvar::ReadRefusal>(&opened)) {
             std::fflush(stdout);
-            std::fprintf(stderr, "tolvar-sim: cannot open the script %s: %s\n", line.scriptFile.c_str(),
-                         std::strerror(errno));
+            std::fprintf(stderr, "tolvar-sim: cannot open the script %s: %s\n",
+                         tolvar::shownPath(line.scriptFile).c_str(), refusal->reason.c_str());
             return 2;
         }
+        in = fdopen(std::get<tolvar::FileDescriptor>(opened).fd, "r");
+        if (!in) {
+            std::fflush(stdout);
+            std::fprintf(stderr, "tolvar-sim: cannot open the script %s: %s\n",
+                         tolvar::shownPath(line.scriptFile).c_str(), std::strerror(errno));
+            return 2;
+        }
+        std::get<tolvar::FileDescriptor>(opened).release();
     }
     tolvar::ActionsMenu menu;
     int status = 0;

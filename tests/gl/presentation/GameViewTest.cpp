@@ -239,7 +239,7 @@ TEST_F(GameViewTest, NebulaIsStretchedOverTheWindowUnflipped) {
                                         0, 0, 0x20, 0, 0, 0, 0x20, 0, 8, 2, 0, 0, 0};
         std::ofstream(huge, std::ios::binary).write(reinterpret_cast<const char*>(header), sizeof header);
     }
-    for (const auto& [path, says] : {std::pair<std::string, std::string>{"/nonexistent/Nebula.png", "cannot open"},
+    for (const auto& [path, says] : {std::pair<std::string, std::string>{"/nonexistent/Nebula.png", "no such file"},
                                      {huge, "8192 x 8192 pixels; the limit is 16777216 pixels"}}) {
         testing::internal::CaptureStderr();
         view.loadBGTextureFromFile(path);
