@@ -258,7 +258,7 @@ private:
         std::unordered_set<std::string_view> keys;
     };
 
-    std::size_t endOfElement(std::size_t contentStart, std::string_view name) const;
+    std::size_t endOfElement(std::size_t contentStart, std::string_view name);
     // The path to the value about to be read in the innermost container, and its nearest key.
     std::string pathHere(std::string* key) const;
     // The innermost container has read one value.
@@ -268,13 +268,21 @@ private:
     std::string_view t_;
     std::vector<Frame> stack_;
     XmlCheck out_;
+    std::size_t nextCdata_ = 0;
+    bool cdataSearched_ = false;
 };
 
-std::size_t XmlScan::endOfElement(std::size_t from, std::string_view name) const {
+std::size_t XmlScan::endOfElement(std::size_t from, std::string_view name) {
     const std::string close = "</" + std::string(name);
     for (;;) {
         const std::size_t end = t_.find(close, from);
-        const std::size_t cdata = t_.find("<![CDATA[", from);
+        // The next CDATA section is looked for again only once the scan has passed the last one
+        // found, so that a text without any is not searched to its end at every element.
+        if (nextCdata_ != std::string_view::npos && (nextCdata_ < from || !cdataSearched_)) {
+            nextCdata_ = t_.find("<![CDATA[", from);
+            cdataSearched_ = true;
+        }
+        const std::size_t cdata = nextCdata_;
         if (cdata == std::string_view::npos || end == std::string_view::npos || end < cdata) return end;
         const std::size_t cdataEnd = t_.find("]]>", cdata);
         if (cdataEnd == std::string_view::npos) return std::string_view::npos;
