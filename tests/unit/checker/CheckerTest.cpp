@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <clocale>
+#include <cstdlib>
 #include <vector>
 
 #include "checker/RulesChecker.h"
@@ -94,6 +96,19 @@ const Finding kFindings[] = {
      Severity::Warning, "2.5 is cut to 2: expected a whole number"},
     {"text read in part", {{19, "<key>NumColors</key><string>3 colours</string>"}}, 19, "<string>", "NumColors",
      Severity::Warning, "the text \"3 colours\" is read as 3: expected a number"},
+    // Integers the reading library would wrap or clamp, keys it would drop.
+    {"integer past 64 bits", {{19, "<key>ScoreMultiplier</key><integer>1000000000000000000000000000000</integer>"}}, 19,
+     "<integer>", "ScoreMultiplier", Severity::Error, "the integer 1000000000000000000000000000000 does not fit in 64 bits"},
+    {"integer below 64 bits", {{19, "<key>BoardWidth</key><integer>-9223372036854775809</integer>"}}, 19, "<integer>",
+     "BoardWidth", Severity::Error, "the integer -9223372036854775809 does not fit in 64 bits"},
+    {"key written twice", {{19, "<key>BoardWidth</key><integer>5</integer><key>BoardWidth</key><integer>6</integer>"}},
+     19, "<key>BoardWidth</key><integer>6", "BoardWidth", Severity::Error,
+     "the key \"BoardWidth\" appears more than once in one dictionary"},
+    // Texts longer than the windows show at ease.
+    {"long name", {{6, "<key>GameName</key><string>" + std::string(61, 'N') + "</string>"}}, 6, "<string>", "GameName",
+     Severity::Warning, "the text is 61 characters long; the window shows 60 at ease"},
+    {"long alert", {{11, "<dict><key>EventType</key><integer>8</integer><key>ActionList</key><array><dict><key>ActionType</key><integer>21</integer><key>Message</key><string>" + std::string(1001, 'm') + "</string></dict></array></dict>"}},
+     11, "<string>", "Message", Severity::Warning, "the text is 1001 characters long; the window shows 1000 at ease"},
     // Types the engine does not know.
     {"event type", {{11, "<dict><key>EventType</key><integer>13</integer></dict>"}}, 11, "<integer>13", "EventType",
      Severity::Error, "EventType 13 is not an event the engine raises, so this event never runs"},
@@ -241,6 +256,38 @@ TEST(CheckerFile, TextTheReaderTakesButTheScannerDoesNotIsAWarningWithoutPositio
     EXPECT_EQ(p.at.line, 3);
     EXPECT_EQ(p.at.column, 15);
     EXPECT_NE(p.message.find("two keys in a row in <dict>: the key \"a\" has no value"), std::string::npos) << p.message;
+}
+
+// A Turkish locale folds 'I' to a dotless i in the C library's tolower; the keys are compared with
+// ASCII case folding. The locale is built here for the test, and the test is skipped without it.
+TEST(CheckerSuggestions, TheLocaleDoesNotChangeTheNearestKey) {
+    const std::string folder = ::testing::TempDir() + "tolvar-locales";
+    const std::string build = "mkdir -p '" + folder + "' && localedef -i tr_TR -f UTF-8 '" + folder +
+                              "/tr_TR.UTF-8' >/dev/null 2>&1";
+    if (std::system(build.c_str()) != 0) GTEST_SKIP() << "no tr_TR locale could be built";
+    setenv("LOCPATH", folder.c_str(), 1);
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    if (!std::setlocale(LC_ALL, "tr_TR.UTF-8")) GTEST_SKIP() << "the tr_TR locale cannot be used";
+    std::vector<std::string> lines = cleanFile();
+    lines[15] = "<dict><key>UserEventType</key><integer>1</integer><key>MINIMUMPIECE</key><integer>2</integer></dict>";
+    const CheckReport report = checkRulesText(join(lines));
+    std::setlocale(LC_ALL, before.c_str());
+    unsetenv("LOCPATH");
+    EXPECT_NE(describe(report.problems).find("MINIMUMPIECE: not a key of a user event, so it is ignored; did you mean "
+                                             "MinimumPieces?"),
+              std::string::npos)
+        << describe(report.problems);
+}
+
+TEST(CheckerSuggestions, AHugeUnknownKeyIsSuggestedNothingAndABomKeepsTheLines) {
+    std::vector<std::string> lines = cleanFile();
+    const std::string huge(10'000'000, 'K');
+    lines[18] = "<key>" + huge + "</key><integer>7</integer>";
+    const CheckReport report = checkRulesText("\xEF\xBB\xBF" + join(lines));
+    ASSERT_EQ(report.problems.size(), 1u) << describe(report.problems).substr(0, 300);
+    const Problem& p = report.problems.front();
+    EXPECT_EQ(p.message, "not a key of a game, so it is ignored");
+    EXPECT_TRUE(p.at.line == 19 && p.at.column == 1) << p.at.line << ":" << p.at.column;
 }
 
 TEST(CheckerFile, MissingFilesAndFoldersAreOneProblem) {
