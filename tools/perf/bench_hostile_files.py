@@ -19,6 +19,9 @@ import tempfile
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "hostile"))
 import hostile_files  # noqa: E402
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from tool_version import add_version_option  # noqa: E402
+
 
 def measured(command, stdin_text, limit, scratch):
     """(seconds, peak resident MB) of one run, or (None, None) when it passed the limit. The peak
@@ -47,7 +50,8 @@ def extra_cases():
 
 
 def main():
-    parser = argparse.ArgumentParser()
+    parser = argparse.ArgumentParser(description="Time and peak memory of reading each hostile file.")
+    add_version_option(parser)
     parser.add_argument("bin")
     parser.add_argument("--runs", type=int, default=5)
     parser.add_argument("--limit", type=float, default=60.0)
