@@ -173,6 +173,24 @@ const SupportedEvent* removalEvent(const GameInfo& game) {
     return nullptr;
 }
 
+// The score and its multiplier are unsigned and wrap round, so they pass below zero (read back as
+// negative numbers) only in a game whose rules subtract: a negative amount added to either, or a
+// negative starting multiplier.
+bool rulesCanSubtract(const GameInfo& game) {
+    if (static_cast<std::int64_t>(game.scoreMultiplier) < 0) return true;
+    const auto subtracts = [](const GameAction* a) {
+        for (; a; a = a->next.get())
+            if ((a->actionType == kActionAddScore || a->actionType == kActionAddMultiplier) && a->amount < 0)
+                return true;
+        return false;
+    };
+    for (const SupportedEvent* e = game.events.get(); e; e = e->next.get())
+        if (subtracts(e->actions.get())) return true;
+    for (const SupportedUserEvent* u = game.userEvents.get(); u; u = u->next.get())
+        if (subtracts(u->triggerAction.get())) return true;
+    return false;
+}
+
 bool isShownColor(float c) { return std::isfinite(c) && c >= 0.0f && c <= 1.0f; }
 
 void readBoard(Reader& read, const GameInfo& game, GameSnapshot& s) {
@@ -292,8 +310,9 @@ std::variant<GameSnapshot, std::string> snapshotFromSavedGame(const Value& saved
     if (read.integer("Format") != kFormat) read.fail("it was saved in another format");
     GameSnapshot s;
     readBoard(read, game, s);
-    s.score = static_cast<std::uint64_t>(read.within("Score", 0, kLargest));
-    s.scoreMultiplier = static_cast<std::uint64_t>(read.within("ScoreMultiplier", 0, kLargest));
+    const std::int64_t lowest = rulesCanSubtract(game) ? std::numeric_limits<std::int64_t>::min() : 0;
+    s.score = static_cast<std::uint64_t>(read.within("Score", lowest, kLargest));
+    s.scoreMultiplier = static_cast<std::uint64_t>(read.within("ScoreMultiplier", lowest, kLargest));
     readVariables(read, game, s);
     readPending(read, game, s);
     const Array& words = read.array("RandomWords");

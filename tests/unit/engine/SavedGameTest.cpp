@@ -201,5 +201,15 @@ TEST_F(PlayerAidsTest, ASavedGameHoldingWhatNoRealGameCanIsRefusedWithTheReason)
               "The saved game of \"Glimmet\" cannot be continued: the rules file has no game of that name.");
 }
 
+TEST_F(PlayerAidsTest, AScoreBelowZeroIsContinuedInAGameWhoseRulesSubtract) {
+    // A negative starting multiplier makes every point taken away: the score wraps below zero.
+    start(with(createTestGameThree(), {{"BoardWidth", 5}, {"BoardHeight", 5}, {"ScoreMultiplier", -1}}), {});
+    Dictionary fields = *engine.savedGame()->asDictionary();
+    fields.set("Score", Value::integer(-40));
+    const Value saved = Value::dictionary(std::move(fields));
+    const Value sameRules = rules;
+    EXPECT_EQ(Engine::savedGameProblem(saved, &sameRules), "");
+}
+
 }  // namespace
 }  // namespace tolvar
