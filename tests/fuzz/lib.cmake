@@ -8,7 +8,7 @@ add_library(tolvar3d_fuzzing STATIC
   ${_tolvar_lib_dir}/FileIO.cpp)
 target_include_directories(tolvar3d_fuzzing PUBLIC ${_tolvar_lib_dir})
 target_compile_options(tolvar3d_fuzzing PRIVATE -fsanitize=fuzzer-no-link)
-target_link_libraries(tolvar3d_fuzzing PUBLIC PkgConfig::GL)
+target_link_libraries(tolvar3d_fuzzing PUBLIC PkgConfig::GL tolvar_regular_file)
 
 tolvar_fuzz_target(fuzz_dxf_reader
   SOURCES ${CMAKE_CURRENT_LIST_DIR}/lib/DxfReaderFuzz.cpp
