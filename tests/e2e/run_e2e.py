@@ -7,8 +7,9 @@ import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from tolvar_driver import (FRAME_H, MAIN_H, MAIN_PAD_X, MAIN_PAD_Y, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
-                           POPUP_W, WIN_H, WIN_W, Layout, check, near, run_test_script)
+from interface_font import FontMetrics, interface_font_file  # noqa: E402
+from tolvar_driver import (FONT_PX, FRAME_H, MAIN_H, MAIN_PAD_X, MAIN_PAD_Y, MAIN_W, POPUP_H, POPUP_PAD,  # noqa: E402
+                           POPUP_ROW, POPUP_TEXT_INSET, POPUP_W, WIN_H, WIN_W, Layout, check, near, run_test_script)
 
 FRAME, SELECTED = (127, 63, 0), (127, 25, 25)  # the frame round the board, a selected piece's outline
 SCORE_TEXT, SCORE_HIGHLIGHT = (127, 0, 127), (191, 0, 191)
@@ -108,20 +109,34 @@ def test_play(t):
     t.xdo("key", "Escape")
     t.wait_shot(lambda s: full(lay.colours(s)), "a full board after Escape")
 
-    # The right button opens the "Actions" menu at the mouse. Its first item, bound to the space bar,
-    # is as wide as "Remove Selection"; unbound items are greyed.
+    # The right button opens the "Actions" menu at the mouse. Its first item reads "Remove Selection" at
+    # the left and "Space", its key, at the right, each as wide as it is in the interface font; unbound
+    # items are greyed.
     removed, (cx, cy) = select_region(t, lay)
     px, py = t.open_menu((cx, cy))
     check(abs(px - cx) <= 2 and abs(py - cy) <= 2, "the menu opens at the mouse")
     row0, row1 = py + POPUP_PAD, py + POPUP_PAD + POPUP_ROW
+    font, texts = interface_font_file(), ("Remove Selection", "Space")
+    check(font, "fontconfig finds no TrueType or OpenType interface font")
+    title_w, keys_w = (FontMetrics(font).ink_width(text, FONT_PX) for text in texts)
+    slack = 4  # pixels of anti-aliasing and side bearing either side of a text
+    title_end, keys_start = px + POPUP_TEXT_INSET + title_w + slack, px + POPUP_W - POPUP_TEXT_INSET - keys_w - slack
+    check(title_end < keys_start, "%r and %r overlap in %s" % (*texts, font))
 
-    def items(shot):  # the first item's width and the grey pixels of the second
-        ink = [x for x in range(px + 8, px + 200) if any(max(shot.pixel(x, y)) < 200 for y in range(row0 + 4, row0 + 26))]
+    def items(shot):  # the widths of the first item's title and keys, and the grey pixels of the second
+        def width(x0, x1):
+            ink = [x for x in range(int(x0), int(x1)) if any(max(shot.pixel(x, y)) < 200 for y in range(row0 + 4, row0 + 26))]
+            return max(ink) - min(ink) + 1 if ink else 0
         grey = shot.count(px + 10, row1 + 4, px + 120, row1 + 26, lambda p: 120 <= max(p) <= 200 and max(p) - min(p) < 20)
-        return (max(ink) - min(ink) + 1 if ink else 0), grey
-    t.wait_right(lambda: items(t.shot()), lambda m: (
-        "the first item is %d pixels wide, unlike 'Remove Selection'" % m[0] if not 110 <= m[0] <= 160 else
-        "unbound items are not greyed (%d grey pixels)" % m[1] if m[1] <= 20 else None))
+        return width(px + 8, title_end), width(title_end, keys_start), width(keys_start, px + POPUP_W - 8), grey
+
+    def wrong(measured):
+        for text, expected, got in zip(texts, (title_w, keys_w), measured[::2]):
+            if abs(got - expected) > 3 + 0.05 * expected:
+                return "%r is %d pixels wide in the first item, not about %d as in %s" % (text, got, expected, font)
+        return ("ink between the first item's title and keys (%d pixels)" % measured[1] if measured[1] else
+                "unbound items are not greyed (%d grey pixels)" % measured[3] if measured[3] <= 20 else None)
+    t.wait_right(lambda: items(t.shot()), wrong)
     removes(t, lay, removed, lambda: t.click(px + 60, row0 + POPUP_ROW / 2))
     check(not t.find_window(POPUP_W, POPUP_H, True), "the menu closed")
 

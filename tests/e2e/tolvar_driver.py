@@ -17,6 +17,7 @@ MAIN_PAD_X, MAIN_PAD_Y, FONT_PX, ITEM_SPACING_Y = 16, 14, 17, 10
 FRAME_H = FONT_PX + 2 * 6   # a button or the pop-up: the font and its frame padding
 MENU_BAR_H = FRAME_H - 2    # the menu bar, less its own inset
 POPUP_W, POPUP_PAD, POPUP_ROW = 260, 6, 30  # the game window's menu: 8 actions, the 4 "Game" items, "Return..."
+POPUP_TEXT_INSET = 16  # a row's title starts this far from the menu's left edge, its keys end as far from the right
 POPUP_H = 2 * POPUP_PAD + 13 * POPUP_ROW + 2 * 9  # ... with a separator before the "Game" items and "Return..."
 HELP_W, HELP_H = 560, 620
 COLOURS = ("red", "green", "blue", "purple")
