@@ -267,11 +267,10 @@ def check_manual_pages(prefix, args):
         check(title[1:3] == [program.upper().replace("-", "\\-"), "6"], "%s: title line %s" % (path, title))
         check("--help" in text.replace("\\-", "-") and "--version" in text.replace("\\-", "-"),
               "%s does not tell of --help and --version" % path)
-        if shutil.which("man"):
-            done = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", path], stdout=subprocess.DEVNULL,
-                                  stderr=subprocess.PIPE, env=dict(os.environ, MANWIDTH="80"), timeout=60)
-            check(done.returncode == 0 and not done.stderr.strip(), "%s: man reports:\n%s"
-                  % (path, done.stderr.decode("utf-8", "replace")))
+        done = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", path], stdout=subprocess.DEVNULL,
+                              stderr=subprocess.PIPE, env=dict(os.environ, MANWIDTH="80"), timeout=60)
+        check(done.returncode == 0 and not done.stderr.strip(), "%s: man reports:\n%s"
+              % (path, done.stderr.decode("utf-8", "replace")))
 
 
 def check_options(prefix, args):
