@@ -384,14 +384,17 @@ void GameChecker::run() {
 
 }  // namespace
 
-std::vector<Problem> checkGame(const std::string& title, const Value& rules, const XmlNode* node) {
+std::vector<Problem> checkGame(const std::string& title, const Value& rules, const XmlPositions* positions,
+                               XmlPositions::Node node) {
     std::vector<Problem> problems;
     Reporter report(title, problems);
     Located root;
     root.value = &rules;
-    root.node = node;
+    const bool known = positions && node != XmlPositions::kNone;
+    root.positions = known ? positions : nullptr;
+    root.node = known ? node : XmlPositions::kNone;
     root.path = title;
-    root.at = root.keyAt = node ? node->at : TextPosition{};
+    root.at = root.keyAt = known ? positions->at(node) : TextPosition{};
     if (!rules.isDictionary()) {
         report.add(Severity::Error, root, "",
                    "the game is " + kindName(rules) + ", expected a dictionary of rules; it plays with every default");

@@ -18,11 +18,12 @@ Located Located::field(const std::string& name) const {
     out.key = name;
     const Dictionary* d = dict();
     out.value = d ? d->find(name) : nullptr;
-    if (node && out.value) {
-        out.node = node->valueOf(name, &out.keyAt);
-        if (out.node) out.at = out.node->at;
+    out.positions = positions;
+    if (positions && node != XmlPositions::kNone && out.value) {
+        out.node = positions->valueOf(node, name, &out.keyAt);
+        if (out.node != XmlPositions::kNone) out.at = positions->at(out.node);
     }
-    if (!out.node) out.at = out.keyAt = at;
+    if (out.node == XmlPositions::kNone) out.at = out.keyAt = at;
     return out;
 }
 
@@ -32,8 +33,9 @@ Located Located::item(std::size_t i) const {
     out.key = key;
     const Array* a = array();
     out.value = a && i < a->size() ? &(*a)[i] : nullptr;
-    out.node = node && i < node->items.size() ? &node->items[i] : nullptr;
-    out.at = out.keyAt = out.node ? out.node->at : at;
+    out.positions = positions;
+    if (positions && node != XmlPositions::kNone) out.node = positions->item(node, i);
+    out.at = out.keyAt = out.node != XmlPositions::kNone ? positions->at(out.node) : at;
     return out;
 }
 

@@ -12,7 +12,8 @@ namespace tolvar::checker {
 
 struct Located {
     const Value* value = nullptr;
-    const XmlNode* node = nullptr;  // nullptr when the text's positions are unknown
+    const XmlPositions* positions = nullptr;  // nullptr when the text's positions are unknown
+    XmlPositions::Node node = XmlPositions::kNone;  // its element, when known
     std::string path;
     TextPosition at;  // the value's element
     TextPosition keyAt;  // the key naming it, when it stands under a key

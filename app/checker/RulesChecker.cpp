@@ -79,14 +79,16 @@ Problem fileProblem(TextPosition at, std::string message, Severity severity = Se
 CheckReport checkRulesText(const std::string& bytes) {
     CheckReport report;
     const bool binary = isBinary(bytes);
-    std::optional<XmlNode> positions;
+    // The reader goes first: its node tree is gone before the positions are scanned, so the two
+    // are never in memory together.
+    auto parsed = parsePropertyListNoting(bytes);
+    std::optional<XmlPositions> positions;
     std::optional<XmlProblem> xmlProblem;
     if (!binary) {
         auto scanned = scanXmlPositions(bytes);
-        if (auto* node = std::get_if<XmlNode>(&scanned)) positions = std::move(*node);
+        if (auto* found = std::get_if<XmlPositions>(&scanned)) positions = std::move(*found);
         else xmlProblem = std::get<XmlProblem>(scanned);
     }
-    auto parsed = parsePropertyListNoting(bytes);
     if (const PlistError* error = std::get_if<PlistError>(&parsed)) {
         // The scanner knows the line where the text goes wrong; the reader says what it makes of it.
         if (xmlProblem)
@@ -101,28 +103,28 @@ CheckReport checkRulesText(const std::string& bytes) {
                                                   "; the lines of later findings are unknown",
                                               Severity::Warning));
     addFindings(bytes, binary, std::get<ReadPropertyList>(parsed).findings, report);
-    const Value& root = std::get<ReadPropertyList>(parsed).value;
-    const XmlNode* rootNode = positions ? &*positions : nullptr;
+    Value& root = std::get<ReadPropertyList>(parsed).value;
+    const XmlPositions* index = positions ? &*positions : nullptr;
+    const XmlPositions::Node rootNode = index ? index->root() : XmlPositions::kNone;
+    const TextPosition rootAt = index ? index->at(rootNode) : TextPosition{binary ? 0 : 1, 1};
     const Dictionary* games = root.asDictionary();
     if (!games) {
-        report.problems.push_back(fileProblem(rootNode ? rootNode->at : TextPosition{binary ? 0 : 1, 1},
-                                              "the top level is " + kindName(root) +
-                                                  ", expected a dictionary of games; no game is offered"));
+        report.problems.push_back(fileProblem(rootAt, "the top level is " + kindName(root) +
+                                                          ", expected a dictionary of games; no game is offered"));
         return report;
     }
     if (games->empty())
-        report.problems.push_back(fileProblem(rootNode ? rootNode->at : TextPosition{binary ? 0 : 1, 1},
-                                              "the file holds no game; expected a dictionary of games"));
+        report.problems.push_back(fileProblem(rootAt, "the file holds no game; expected a dictionary of games"));
     const auto& entries = games->entries();
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const auto& [title, rules] = entries[i];
         // The games stand in the file's order, so the i-th key is almost always this game's.
-        const bool inOrder = rootNode && i < rootNode->keys.size() && i < rootNode->items.size() &&
-                             rootNode->keys[i] == title;
-        const XmlNode* node = inOrder ? &rootNode->items[i] : rootNode ? rootNode->valueOf(title) : nullptr;
-        for (Problem& p : checkGame(title, rules, node)) report.problems.push_back(std::move(p));
+        const XmlPositions::Node node = !index ? XmlPositions::kNone
+                                        : index->keyIs(rootNode, i, title) ? index->item(rootNode, i)
+                                                                            : index->valueOf(rootNode, title);
+        for (Problem& p : checkGame(title, rules, index, node)) report.problems.push_back(std::move(p));
     }
-    report.rules = root;
+    report.rules = std::move(root);
     return report;
 }
 

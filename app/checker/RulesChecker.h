@@ -38,8 +38,9 @@ struct CheckReport {
 CheckReport checkRulesText(const std::string& bytes);
 // Reads and checks the file at path; a file that cannot be read is one problem.
 CheckReport checkRulesFile(const std::string& path);
-// Checks one game's rules; node, when known, says where its parts stand in the text.
-std::vector<Problem> checkGame(const std::string& title, const Value& rules, const XmlNode* node);
+// Checks one game's rules; node of positions, when known, says where its parts stand in the text.
+std::vector<Problem> checkGame(const std::string& title, const Value& rules, const XmlPositions* positions,
+                               XmlPositions::Node node);
 
 // "FILE:LINE:COLUMN: error: GAME: KEY: message", or with the path of keys in place of the line
 // and column when the file has no lines. Parts with nothing to say are left out.

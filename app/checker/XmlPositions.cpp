@@ -2,25 +2,55 @@
 
 #include "platform/Utf8.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 
 namespace tolvar::checker {
 
-const XmlNode* XmlNode::valueOf(const std::string& key, TextPosition* keyPosition) const {
-    for (std::size_t i = keys.size(); i-- > 0;) {
-        if (keys[i] != key || i >= items.size()) continue;
-        if (keyPosition) *keyPosition = keyAt[i];
-        return &items[i];
+TextPosition XmlPositions::positionOf(std::uint32_t offset) const {
+    const auto next = std::upper_bound(lineStarts_.begin(), lineStarts_.end(), offset);
+    if (next == lineStarts_.begin()) return {1, static_cast<int>(offset) + 1};
+    return {static_cast<int>(next - lineStarts_.begin()), static_cast<int>(offset - *(next - 1)) + 1};
+}
+
+TextPosition XmlPositions::at(Node node) const { return positionOf(elements_[node].offset); }
+
+std::size_t XmlPositions::itemCount(Node node) const { return elements_[node].childCount; }
+
+XmlPositions::Node XmlPositions::item(Node node, std::size_t i) const {
+    const Element& e = elements_[node];
+    return i < e.childCount ? children_[e.firstChild + i] : kNone;
+}
+
+std::string_view XmlPositions::keyOf(Node node) const {
+    const Element& e = elements_[node];
+    if (e.keyOffset == kNoOffset) return {};
+    if (e.keyLength != kNoOffset) return text_.substr(e.keyBegin, e.keyLength);
+    const auto decoded = decodedKeys_.find(node);
+    return decoded == decodedKeys_.end() ? std::string_view() : std::string_view(decoded->second);
+}
+
+bool XmlPositions::keyIs(Node node, std::size_t i, std::string_view key) const {
+    const Node value = item(node, i);
+    return value != kNone && elements_[value].keyOffset != kNoOffset && keyOf(value) == key;
+}
+
+XmlPositions::Node XmlPositions::valueOf(Node node, std::string_view key, TextPosition* keyPosition) const {
+    for (std::size_t i = itemCount(node); i-- > 0;) {
+        if (!keyIs(node, i, key)) continue;
+        const Node value = item(node, i);
+        if (keyPosition) *keyPosition = positionOf(elements_[value].keyOffset);
+        return value;
     }
-    return nullptr;
+    return kNone;
 }
 
 namespace {
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-bool isValueElement(const std::string& name) {
+bool isValueElement(std::string_view name) {
     static const char* const kNames[] = {"dict", "array", "string", "integer", "real",
                                          "date", "data",  "true",   "false"};
     for (const char* n : kNames)
@@ -28,29 +58,41 @@ bool isValueElement(const std::string& name) {
     return false;
 }
 
-class Scanner {
-public:
-    explicit Scanner(const std::string& text) : t_(text) {}
+}  // namespace
 
-    std::variant<XmlNode, XmlProblem> run();
+class XmlScanner {
+public:
+    explicit XmlScanner(const std::string& text) : t_(text) { out_.text_ = text; }
+
+    std::variant<XmlPositions, XmlProblem> run();
 
 private:
+    using Node = XmlPositions::Node;
     struct Frame {
-        std::string name;
-        XmlNode node;
+        std::string_view name;
+        Node node = XmlPositions::kNone;  // none for <plist>
+        TextPosition at;
         bool hasKey = false;  // a dictionary's key waits for its value
         std::string key;
-        TextPosition keyAt;
+        std::uint32_t keyOffset = 0;
+        std::uint32_t keyBegin = 0;  // where the key's text starts
+        std::vector<Node> items;
     };
 
     TextPosition here() const { return {line_, static_cast<int>(pos_ - lineStart_) + 1}; }
     void moveTo(std::size_t to) {
         to = std::min(to, t_.size());
-        for (; pos_ < to; ++pos_)
-            if (t_[pos_] == '\n') {
-                ++line_;
-                lineStart_ = pos_ + 1;
+        while (pos_ < to) {
+            const void* newline = std::memchr(t_.data() + pos_, '\n', to - pos_);
+            if (!newline) {
+                pos_ = to;
+                return;
             }
+            pos_ = static_cast<std::size_t>(static_cast<const char*>(newline) - t_.data()) + 1;
+            ++line_;
+            lineStart_ = pos_;
+            out_.lineStarts_.push_back(static_cast<std::uint32_t>(lineStart_));
+        }
     }
     bool at(const char* word) const { return t_.compare(pos_, std::strlen(word), word) == 0; }
     // Moves past the next occurrence of end; false (at the end of the text) when there is none.
@@ -65,26 +107,33 @@ private:
     }
     XmlProblem problem(TextPosition where, std::string message) const { return {where, std::move(message)}; }
     static std::string describe(const Frame& f) {
-        return "<" + f.name + "> opened at line " + std::to_string(f.node.at.line) + ", column " +
-               std::to_string(f.node.at.column);
+        return "<" + std::string(f.name) + "> opened at line " + std::to_string(f.at.line) + ", column " +
+               std::to_string(f.at.column);
+    }
+    Node newElement(std::size_t offset) {
+        out_.elements_.push_back({});
+        out_.elements_.back().offset = static_cast<std::uint32_t>(offset);
+        return static_cast<Node>(out_.elements_.size() - 1);
     }
 
-    // The text of a leaf element up to its end tag, with references and CDATA resolved.
-    std::optional<XmlProblem> readContent(const std::string& name, std::string& out);
-    std::optional<XmlProblem> openElement(TextPosition where, const std::string& name, bool empty);
-    std::optional<XmlProblem> closeElement(TextPosition where, const std::string& name);
-    std::optional<XmlProblem> addValue(TextPosition where, XmlNode node);
+    // The text of a leaf element up to its end tag, with references and CDATA resolved (into out
+    // when it is not null).
+    std::optional<XmlProblem> readContent(std::string_view name, std::string* out);
+    std::optional<XmlProblem> openElement(TextPosition where, std::size_t offset, std::string_view name, bool empty);
+    std::optional<XmlProblem> closeElement(TextPosition where, std::string_view name);
+    std::optional<XmlProblem> addValue(TextPosition where, Node node);
 
     const std::string& t_;
     std::size_t pos_ = 0;
     int line_ = 1;
     std::size_t lineStart_ = 0;
     std::vector<Frame> stack_;
-    std::optional<XmlNode> root_;
+    Node root_ = XmlPositions::kNone;
+    XmlPositions out_;
 };
 
-std::optional<XmlProblem> Scanner::readContent(const std::string& name, std::string& out) {
-    const std::string endTag = "</" + name;
+std::optional<XmlProblem> XmlScanner::readContent(std::string_view name, std::string* out) {
+    const std::string endTag = "</" + std::string(name);
     while (pos_ < t_.size()) {
         const char c = t_[pos_];
         if (c == '<') {
@@ -92,7 +141,7 @@ std::optional<XmlProblem> Scanner::readContent(const std::string& name, std::str
                 const std::size_t start = pos_ + 9;
                 const TextPosition opened = here();
                 if (!skipPast("]]>")) return problem(opened, "a CDATA section is never closed");
-                out.append(t_, start, pos_ - 3 - start);
+                if (out) out->append(t_, start, pos_ - 3 - start);
                 continue;
             }
             if (at("<!--")) {
@@ -105,118 +154,147 @@ std::optional<XmlProblem> Scanner::readContent(const std::string& name, std::str
                 moveTo(pos_ + endTag.size());
                 while (pos_ < t_.size() && isSpace(t_[pos_])) moveTo(pos_ + 1);
                 if (pos_ >= t_.size() || t_[pos_] != '>')
-                    return problem(where, "the end tag </" + name + "> is not closed with '>'");
+                    return problem(where, "the end tag </" + std::string(name) + "> is not closed with '>'");
                 moveTo(pos_ + 1);
                 return std::nullopt;
             }
-            return problem(here(), "an element inside <" + name + ">, which holds only text");
+            return problem(here(), "an element inside <" + std::string(name) + ">, which holds only text");
         }
         if (c == '&') {
             const std::size_t semi = t_.find(';', pos_);
             if (semi == std::string::npos || semi - pos_ > 12)
                 return problem(here(), "an '&' that starts no character reference");
             const std::string ref = t_.substr(pos_ + 1, semi - pos_ - 1);
-            if (ref == "lt") out += '<';
-            else if (ref == "gt") out += '>';
-            else if (ref == "amp") out += '&';
-            else if (ref == "quot") out += '"';
-            else if (ref == "apos") out += '\'';
+            std::string resolved;
+            if (ref == "lt") resolved = "<";
+            else if (ref == "gt") resolved = ">";
+            else if (ref == "amp") resolved = "&";
+            else if (ref == "quot") resolved = "\"";
+            else if (ref == "apos") resolved = "'";
             else if (ref.size() > 1 && ref[0] == '#') {
                 const bool hex = ref[1] == 'x' || ref[1] == 'X';
                 const std::string digits = ref.substr(hex ? 2 : 1);
                 if (digits.empty() || digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "0123456789") !=
                                           std::string::npos)
                     return problem(here(), "the character reference &" + ref + "; is not a number");
-                out += utf8(static_cast<char32_t>(std::stoul(digits, nullptr, hex ? 16 : 10) & 0x1FFFFF));
+                resolved = utf8(static_cast<char32_t>(std::stoul(digits, nullptr, hex ? 16 : 10) & 0x1FFFFF));
             } else {
                 return problem(here(), "an unknown entity &" + ref + ";");
             }
+            if (out) *out += resolved;
             moveTo(semi + 1);
             continue;
         }
-        out += c;
-        moveTo(pos_ + 1);
+        // Plain text up to the next markup or reference, in one step.
+        const std::size_t next = std::min(t_.find_first_of("<&", pos_), t_.size());
+        if (out) out->append(t_, pos_, next - pos_);
+        moveTo(next);
     }
-    return problem(here(), "the text ends inside <" + name + ">");
+    return problem(here(), "the text ends inside <" + std::string(name) + ">");
 }
 
-std::optional<XmlProblem> Scanner::addValue(TextPosition where, XmlNode node) {
+std::optional<XmlProblem> XmlScanner::addValue(TextPosition where, Node node) {
     if (stack_.empty()) {
-        if (root_) return problem(where, "a second value after the root value");
-        root_ = std::move(node);
+        if (root_ != XmlPositions::kNone) return problem(where, "a second value after the root value");
+        root_ = node;
         return std::nullopt;
     }
     Frame& parent = stack_.back();
     if (parent.name == "plist") {
-        if (!parent.node.items.empty()) return problem(where, "<plist> holds more than one value");
+        if (!parent.items.empty()) return problem(where, "<plist> holds more than one value");
     } else if (parent.name == "dict") {
         if (!parent.hasKey) return problem(where, "a value without a <key> before it in <dict>");
-        parent.node.keys.push_back(std::move(parent.key));
-        parent.node.keyAt.push_back(parent.keyAt);
+        XmlPositions::Element& e = out_.elements_[node];
+        e.keyOffset = parent.keyOffset;
+        // A key written as plain text is found again in the text; one with references is kept.
+        if (t_.compare(parent.keyBegin, parent.key.size(), parent.key) == 0 &&
+            t_.compare(parent.keyBegin + parent.key.size(), 5, "</key") == 0) {
+            e.keyBegin = parent.keyBegin;
+            e.keyLength = static_cast<std::uint32_t>(parent.key.size());
+        } else {
+            out_.decodedKeys_[node] = std::move(parent.key);
+        }
+        parent.key.clear();
         parent.hasKey = false;
     } else if (parent.name != "array") {
-        return problem(where, "a value inside <" + parent.name + ">");
+        return problem(where, "a value inside <" + std::string(parent.name) + ">");
     }
-    parent.node.items.push_back(std::move(node));
+    parent.items.push_back(node);
     return std::nullopt;
 }
 
-std::optional<XmlProblem> Scanner::openElement(TextPosition where, const std::string& name, bool empty) {
+std::optional<XmlProblem> XmlScanner::openElement(TextPosition where, std::size_t offset, std::string_view name,
+                                                  bool empty) {
     if (name == "plist") {
-        if (!stack_.empty() || root_) return problem(where, "<plist> inside another element");
-        if (!empty) stack_.push_back(Frame{name, XmlNode{where, {}, {}, {}}, false, {}, {}});
+        if (!stack_.empty() || root_ != XmlPositions::kNone) return problem(where, "<plist> inside another element");
+        if (!empty) {
+            stack_.push_back(Frame{});
+            stack_.back().name = name;
+            stack_.back().at = where;
+        }
         return std::nullopt;
     }
     if (name == "key") {
         if (stack_.empty() || stack_.back().name != "dict") return problem(where, "<key> outside a <dict>");
         if (stack_.back().hasKey)
             return problem(where, "two keys in a row in <dict>: the key \"" + stack_.back().key + "\" has no value");
+        const std::size_t keyBegin = pos_;
         std::string key;
         if (!empty)
-            if (auto p = readContent(name, key)) return p;
+            if (auto p = readContent(name, &key)) return p;
         Frame& dict = stack_.back();
         dict.hasKey = true;
         dict.key = std::move(key);
-        dict.keyAt = where;
+        dict.keyOffset = static_cast<std::uint32_t>(offset);
+        dict.keyBegin = static_cast<std::uint32_t>(empty ? offset : keyBegin);
         return std::nullopt;
     }
-    if (!isValueElement(name)) return problem(where, "an unknown element <" + name + ">");
-    XmlNode node{where, {}, {}, {}};
+    if (!isValueElement(name)) return problem(where, "an unknown element <" + std::string(name) + ">");
+    const Node node = newElement(offset);
     if (name == "dict" || name == "array") {
-        if (empty) return addValue(where, std::move(node));
+        if (empty) return addValue(where, node);
         if (static_cast<int>(stack_.size()) > kMaxXmlDepth)
             return problem(where, "nested more than " + std::to_string(kMaxXmlDepth) + " levels deep");
-        stack_.push_back(Frame{name, std::move(node), false, {}, {}});
+        stack_.push_back(Frame{});
+        stack_.back().name = name;
+        stack_.back().node = node;
+        stack_.back().at = where;
         return std::nullopt;
     }
     if (!empty) {
+        const bool flag = name == "true" || name == "false";
         std::string content;
-        if (auto p = readContent(name, content)) return p;
-        if ((name == "true" || name == "false") && content.find_first_not_of(" \t\r\n") != std::string::npos)
-            return problem(where, "<" + name + "> holds text");
+        if (auto p = readContent(name, flag ? &content : nullptr)) return p;
+        if (flag && content.find_first_not_of(" \t\r\n") != std::string::npos)
+            return problem(where, "<" + std::string(name) + "> holds text");
     }
-    return addValue(where, std::move(node));
+    return addValue(where, node);
 }
 
-std::optional<XmlProblem> Scanner::closeElement(TextPosition where, const std::string& name) {
-    if (stack_.empty()) return problem(where, "the end tag </" + name + "> closes nothing");
+std::optional<XmlProblem> XmlScanner::closeElement(TextPosition where, std::string_view name) {
+    if (stack_.empty()) return problem(where, "the end tag </" + std::string(name) + "> closes nothing");
     if (stack_.back().name != name)
-        return problem(where, "the end tag </" + name + "> where </" + stack_.back().name + "> closes " +
-                                  describe(stack_.back()));
+        return problem(where, "the end tag </" + std::string(name) + "> where </" + std::string(stack_.back().name) +
+                                  "> closes " + describe(stack_.back()));
     Frame frame = std::move(stack_.back());
     stack_.pop_back();
     if (frame.hasKey)
-        return problem(frame.keyAt, "the key \"" + frame.key + "\" has no value before </dict>");
+        return problem(out_.positionOf(frame.keyOffset), "the key \"" + frame.key + "\" has no value before </dict>");
     if (frame.name == "plist") {
-        if (frame.node.items.empty()) return problem(where, "<plist> holds no value");
-        root_ = std::move(frame.node.items.front());
+        if (frame.items.empty()) return problem(where, "<plist> holds no value");
+        root_ = frame.items.front();
         return std::nullopt;
     }
-    return addValue(frame.node.at, std::move(frame.node));
+    XmlPositions::Element& e = out_.elements_[frame.node];
+    e.firstChild = static_cast<std::uint32_t>(out_.children_.size());
+    e.childCount = static_cast<std::uint32_t>(frame.items.size());
+    out_.children_.insert(out_.children_.end(), frame.items.begin(), frame.items.end());
+    return addValue(frame.at, frame.node);
 }
 
-std::variant<XmlNode, XmlProblem> Scanner::run() {
-    if (at("\xEF\xBB\xBF")) pos_ = lineStart_ = 3;
+std::variant<XmlPositions, XmlProblem> XmlScanner::run() {
+    out_.lineStarts_.push_back(0);
+    if (at("\xEF\xBB\xBF")) pos_ = lineStart_ = out_.lineStarts_.front() = 3;
     while (pos_ < t_.size()) {
         const char c = t_[pos_];
         if (isSpace(c)) {
@@ -224,6 +302,7 @@ std::variant<XmlNode, XmlProblem> Scanner::run() {
             continue;
         }
         const TextPosition where = here();
+        const std::size_t offset = pos_;
         if (c != '<') return problem(where, "text where an element is expected");
         if (at("<?")) {
             if (!skipPast("?>")) return problem(where, "a processing instruction is never closed");
@@ -242,7 +321,7 @@ std::variant<XmlNode, XmlProblem> Scanner::run() {
         const std::size_t nameStart = pos_;
         while (pos_ < t_.size() && !isSpace(t_[pos_]) && t_[pos_] != '>' && t_[pos_] != '/' && t_[pos_] != '<')
             moveTo(pos_ + 1);
-        const std::string name = t_.substr(nameStart, pos_ - nameStart);
+        const std::string_view name = std::string_view(t_).substr(nameStart, pos_ - nameStart);
         if (name.empty()) return problem(where, "a '<' that starts no element");
         // Attributes are skipped; a quoted value may hold '>'.
         char quote = 0;
@@ -251,19 +330,19 @@ std::variant<XmlNode, XmlProblem> Scanner::run() {
             else if (!quote && (t_[pos_] == '"' || t_[pos_] == '\'')) quote = t_[pos_];
             moveTo(pos_ + 1);
         }
-        if (pos_ >= t_.size() || t_[pos_] != '>') return problem(where, "the tag <" + name + " is not closed with '>'");
+        if (pos_ >= t_.size() || t_[pos_] != '>')
+            return problem(where, "the tag <" + std::string(name) + " is not closed with '>'");
         const bool empty = t_[pos_ - 1] == '/';
         moveTo(pos_ + 1);
-        std::optional<XmlProblem> p = closing ? closeElement(where, name) : openElement(where, name, empty);
+        std::optional<XmlProblem> p = closing ? closeElement(where, name) : openElement(where, offset, name, empty);
         if (p) return *p;
     }
     if (!stack_.empty()) return problem(here(), "the text ends before the end tag of " + describe(stack_.back()));
-    if (!root_) return problem(here(), "no property-list value in the text");
-    return std::move(*root_);
+    if (root_ == XmlPositions::kNone) return problem(here(), "no property-list value in the text");
+    // Values are numbered as they open, so the root value is the first.
+    return std::move(out_);
 }
 
-}  // namespace
-
-std::variant<XmlNode, XmlProblem> scanXmlPositions(const std::string& text) { return Scanner(text).run(); }
+std::variant<XmlPositions, XmlProblem> scanXmlPositions(const std::string& text) { return XmlScanner(text).run(); }
 
 }  // namespace tolvar::checker

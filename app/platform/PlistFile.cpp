@@ -10,6 +10,7 @@
 #include <limits>
 #include <memory>
 
+#include <malloc.h>
 #include <plist/plist.h>
 
 #include "RegularFile.h"
@@ -41,8 +42,13 @@ struct XmlFree {
     void operator()(char* p) const { plist_to_xml_free(p); }
 };
 
+// How many converted values' nodes are freed between two returns of free memory to the system.
+constexpr std::size_t kValuesBetweenTrims = 65536;
+
 // The conversion from the library's nodes to values, walking arrays and dictionaries with their
-// iterators (asking an array for item i walks the list from the start each time).
+// iterators (asking an array for item i walks the list from the start each time). Each item's
+// nodes are freed once it is converted, so the tree and the values are not both whole at once;
+// the conversion consumes the tree.
 class Conversion {
 public:
     explicit Conversion(std::vector<plistlayout::WideInteger> wide) : wide_(std::move(wide)) {}
@@ -58,6 +64,9 @@ private:
         std::size_t index = 0;
     };
     void note(std::string message);
+    // One converted value's nodes were freed; now and then the freed pages go back to the system,
+    // so that the values built next do not come on top of the whole tree.
+    void released();
     std::optional<Value> fromArray(plist_t node, int depth);
     std::optional<Value> fromDictionary(plist_t node, int depth);
 
@@ -65,7 +74,14 @@ private:
     std::size_t nextWide_ = 0;
     std::uint64_t integersRead_ = 0;
     std::vector<Step> path_;
+    std::size_t releasedSinceTrim_ = 0;
 };
+
+void Conversion::released() {
+    if (++releasedSinceTrim_ < kValuesBetweenTrims) return;
+    releasedSinceTrim_ = 0;
+    malloc_trim(0);
+}
 
 void Conversion::note(std::string message) {
     PlistFinding finding;
@@ -94,6 +110,9 @@ std::optional<Value> Conversion::fromArray(plist_t node, int depth) {
         auto value = fromNode(item, depth + 1);
         if (!value) return std::nullopt;
         array.push_back(std::move(*value));
+        // The iterator has moved on: the item, now the array's first node, goes at once.
+        plist_free(item);
+        released();
     }
     path_.pop_back();
     return Value::array(std::move(array));
@@ -113,12 +132,16 @@ std::optional<Value> Conversion::fromDictionary(plist_t node, int depth) {
         std::unique_ptr<char, CFree> key(rawKey);
         if (!item) break;
         path_.back().key = key ? key.get() : "";
-        const std::string name = path_.back().key;
+        std::string name = path_.back().key;
         if (dict.find(name))
             note("the key \"" + name + "\" appears more than once in one dictionary; only one of its values would be read");
         auto value = fromNode(item, depth + 1);
         if (!value) return std::nullopt;
-        dict.set(name, std::move(*value));
+        dict.set(std::move(name), std::move(*value));
+        // The pair read is the dictionary's first (the earlier ones are gone), so the library
+        // finds it at once; the iterator already stands on the next key.
+        plist_dict_remove_item(node, key.get());
+        released();
     }
     path_.pop_back();
     return Value::dictionary(std::move(dict));

@@ -1,6 +1,7 @@
 #include "platform/PropertyList.h"
 
 #include <chrono>
+#include <functional>
 #include <cmath>
 #include <limits>
 
@@ -57,33 +58,67 @@ Date Date::fromUnixTime(double unixSeconds) {
 
 double Date::unixTime() const { return secondsSinceReference + kReferenceDateUnixTime; }
 
+std::size_t Dictionary::positionOf(const std::string& key) const {
+    if (entries_.size() < kIndexedFrom) {
+        for (std::size_t i = 0; i < entries_.size(); ++i)
+            if (entries_[i].first == key) return i;
+        return entries_.size();
+    }
+    const auto [first, last] = positions_.equal_range(std::hash<std::string>{}(key));
+    for (auto at = first; at != last; ++at)
+        if (entries_[at->second].first == key) return at->second;
+    return entries_.size();
+}
+
+void Dictionary::indexFrom(std::size_t first) {
+    if (entries_.size() < kIndexedFrom) {
+        positions_.clear();
+        return;
+    }
+    if (first == 0) positions_.clear();
+    for (std::size_t i = first; i < entries_.size(); ++i)
+        positions_.emplace(std::hash<std::string>{}(entries_[i].first), i);
+}
+
 const Value* Dictionary::find(const std::string& key) const {
-    const auto at = positions_.find(key);
-    return at == positions_.end() ? nullptr : &entries_[at->second].second;
+    const std::size_t at = positionOf(key);
+    return at == entries_.size() ? nullptr : &entries_[at].second;
 }
 
 Value* Dictionary::find(const std::string& key) {
-    const auto at = positions_.find(key);
-    return at == positions_.end() ? nullptr : &entries_[at->second].second;
+    const std::size_t at = positionOf(key);
+    return at == entries_.size() ? nullptr : &entries_[at].second;
 }
 
 void Dictionary::set(const std::string& key, Value value) {
-    const auto [at, added] = positions_.try_emplace(key, entries_.size());
-    if (!added) {
-        entries_[at->second].second = std::move(value);
+    const std::size_t at = positionOf(key);
+    if (at != entries_.size()) {
+        entries_[at].second = std::move(value);
         return;
     }
-    entries_.emplace_back(key, std::move(value));
+    append(std::string(key), std::move(value));
+}
+
+void Dictionary::set(std::string&& key, Value value) {
+    const std::size_t at = positionOf(key);
+    if (at != entries_.size()) {
+        entries_[at].second = std::move(value);
+        return;
+    }
+    append(std::move(key), std::move(value));
+}
+
+void Dictionary::append(std::string&& key, Value value) {
+    entries_.emplace_back(std::move(key), std::move(value));
+    // The index starts once the dictionary reaches kIndexedFrom keys, then grows one key at a time.
+    indexFrom(entries_.size() == kIndexedFrom ? 0 : entries_.size() - 1);
 }
 
 bool Dictionary::erase(const std::string& key) {
-    const auto at = positions_.find(key);
-    if (at == positions_.end()) return false;
-    const std::size_t position = at->second;
-    positions_.erase(at);
+    const std::size_t position = positionOf(key);
+    if (position == entries_.size()) return false;
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(position));
-    for (auto& [name, index] : positions_)
-        if (index > position) --index;
+    indexFrom(0);
     return true;
 }
 

@@ -36,21 +36,31 @@ struct Data {
 
 using Array = std::vector<Value>;
 
-// Keys in insertion order, found through a hash index: a rules file may hold many thousands of games.
+// Keys in insertion order. A rules file may hold many thousands of games, so past a handful of
+// keys they are found through a hash index, which holds each key's hash and position (not a copy
+// of the key: a game's title can be megabytes long).
 class Dictionary {
 public:
     const Value* find(const std::string& key) const;
     Value* find(const std::string& key);
     // Replaces the value of an existing key in place, or appends the key at the end.
     void set(const std::string& key, Value value);
+    // The same, taking the key's text when it is added.
+    void set(std::string&& key, Value value);
     bool erase(const std::string& key);
     std::size_t size() const;  // defined below, once Value is complete
     bool empty() const;
     const std::vector<std::pair<std::string, Value>>& entries() const { return entries_; }
 
 private:
+    // Smaller dictionaries (every game's rules) are searched in order, without an index.
+    static constexpr std::size_t kIndexedFrom = 16;
+    std::size_t positionOf(const std::string& key) const;  // entries_.size() when absent
+    void indexFrom(std::size_t first);
+    void append(std::string&& key, Value value);  // a key not there yet
+
     std::vector<std::pair<std::string, Value>> entries_;
-    std::unordered_map<std::string, std::size_t> positions_;  // key -> its index in entries_
+    std::unordered_multimap<std::size_t, std::size_t> positions_;  // hash of a key -> its index in entries_
 };
 
 class Value {
