@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "platform/PlistFile.h"
+#include "platform/PlistText.h"
 
 namespace tolvar {
 
@@ -97,10 +98,12 @@ private:
 std::string rulesFingerprint(const Value& rules) {
     // FNV-1a over the rules as the property-list text they would be written as.
     std::uint64_t hash = 14695981039346656037ull;
-    for (const char c : toXmlPropertyList(rules)) {
-        hash ^= static_cast<unsigned char>(c);
-        hash *= 1099511628211ull;
-    }
+    writeXmlPropertyList(rules, [&hash](std::string_view piece) {
+        for (const char c : piece) {
+            hash ^= static_cast<unsigned char>(c);
+            hash *= 1099511628211ull;
+        }
+    });
     char text[17];
     std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
     return text;

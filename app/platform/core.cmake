@@ -1,6 +1,7 @@
 add_library(tolvar_platform_core STATIC
   ${CMAKE_CURRENT_LIST_DIR}/PropertyList.cpp
   ${CMAKE_CURRENT_LIST_DIR}/PlistFile.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/PlistText.cpp
   ${CMAKE_CURRENT_LIST_DIR}/PlistLayout.cpp
   ${CMAKE_CURRENT_LIST_DIR}/DataFolder.cpp
   ${CMAKE_CURRENT_LIST_DIR}/AtomicFile.cpp
