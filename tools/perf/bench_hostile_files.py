@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Time and peak memory of tolvar-check and of the game's reading of the rules (tolvar-sim --rules)
+"""Time (on the clock and of the processor) and peak memory of tolvar-check and of the game's reading of the rules (tolvar-sim --rules)
 on each hostile file of the test suite (tests/hostile/hostile_files.py), plus 100,000 games and a
 10 MB title.
 
@@ -24,17 +24,19 @@ from tool_version import add_version_option  # noqa: E402
 
 
 def measured(command, stdin_text, limit, scratch):
-    """(seconds, peak resident MB) of one run, or (None, None) when it passed the limit. The peak
-    comes from /usr/bin/time, as a child's own figure from wait4 starts at this script's size."""
+    """(seconds on the clock, processor seconds (user + system), peak resident MB) of one run, or
+    (None, None, None) when it passed the limit. The figures come from /usr/bin/time (the `time`
+    package, in scripts/setup-deps): a child's own peak from wait4 here would start at this
+    script's size."""
     report = os.path.join(scratch, "time.txt")
     try:
-        subprocess.run(["/usr/bin/time", "-f", "%e %M", "-o", report] + command, input=stdin_text.encode(),
+        subprocess.run(["/usr/bin/time", "-f", "%e %U %S %M", "-o", report] + command, input=stdin_text.encode(),
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=limit)
     except subprocess.TimeoutExpired:
-        return None, None
+        return None, None, None
     with open(report) as f:
-        seconds, kilobytes = f.read().split()[-2:]
-    return float(seconds), int(kilobytes) / 1024.0
+        seconds, user, system, kilobytes = f.read().split()[-4:]
+    return float(seconds), float(user) + float(system), int(kilobytes) / 1024.0
 
 
 def spread(values, fmt):
@@ -59,8 +61,11 @@ def main():
     args = parser.parse_args()
     check, sim = (os.path.join(args.bin, p) for p in ("tolvar-check", "tolvar-sim"))
     print("load average before: %.2f %.2f %.2f on %d cores" % (os.getloadavg() + (os.cpu_count(),)))
-    print("| file | size | tolvar-check s | tolvar-check MB | tolvar-sim --rules s | tolvar-sim --rules MB |")
-    print("|---|---|---|---|---|---|")
+    if not os.access("/usr/bin/time", os.X_OK):
+        sys.exit("bench_hostile_files.py: /usr/bin/time is missing (the Debian package `time`; scripts/setup-deps installs it)")
+    print("| file | size | tolvar-check s | tolvar-check CPU s | tolvar-check MB | tolvar-sim --rules s |"
+          " tolvar-sim --rules CPU s | tolvar-sim --rules MB |")
+    print("|---|---|---|---|---|---|---|---|")
     extras = extra_cases()
     names = list(hostile_files.CASES) + list(extras)
     with tempfile.TemporaryDirectory() as folder:
@@ -76,22 +81,24 @@ def main():
             size = os.path.getsize(path) if os.path.isfile(path) else 0
             cells = []
             for command, stdin_text in (([check, path], ""), ([sim, "--rules", path], "select G\nstart\n")):
-                times, peaks = [], []
+                times, cpus, peaks = [], [], []
                 for _ in range(args.runs):
-                    seconds, peak = measured(command, stdin_text, args.limit, folder)
+                    seconds, cpu, peak = measured(command, stdin_text, args.limit, folder)
                     if seconds is None:
                         break
                     times.append(seconds)
+                    cpus.append(cpu)
                     peaks.append(peak)
                 if len(times) < args.runs:
-                    cells += ["> %.0f (stopped)" % args.limit, "—"]
+                    cells += ["> %.0f (stopped)" % args.limit, "—", "—"]
                 else:
-                    cells += [spread(times, "%.2f"), spread(peaks, "%.0f")]
+                    cells += [spread(times, "%.2f"), spread(cpus, "%.2f"), spread(peaks, "%.0f")]
             print("| %s | %.1f MB | %s |" % (name, size / 1e6, " | ".join(cells)), flush=True)
             if keep is not None:
                 keep.close()
             if os.path.exists(path):
                 os.remove(path)
+    print("load average after: %.2f %.2f %.2f" % os.getloadavg())
 
 
 if __name__ == "__main__":
