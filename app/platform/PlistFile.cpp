@@ -42,7 +42,10 @@ struct XmlFree {
     void operator()(char* p) const { plist_to_xml_free(p); }
 };
 
-// How many converted values' nodes are freed between two returns of free memory to the system.
+// Dictionaries of up to this many pairs free each pair once it is read.
+constexpr std::uint32_t kPairsFreedUpTo = 512;
+
+// How many array items' nodes are freed between two returns of free memory to the system.
 constexpr std::size_t kValuesBetweenTrims = 65536;
 
 // The conversion from the library's nodes to values, walking arrays and dictionaries with their
@@ -64,8 +67,9 @@ private:
         std::size_t index = 0;
     };
     void note(std::string message);
-    // One converted value's nodes were freed; now and then the freed pages go back to the system,
-    // so that the values built next do not come on top of the whole tree.
+    // An array item's nodes were freed; now and then the freed pages go back to the system, so
+    // that the array's values, held in one block, do not come on top of the whole tree. (The
+    // small blocks of a dictionary's values reuse the freed nodes' room without this.)
     void released();
     std::optional<Value> fromArray(plist_t node, int depth);
     std::optional<Value> fromDictionary(plist_t node, int depth);
@@ -120,6 +124,10 @@ std::optional<Value> Conversion::fromArray(plist_t node, int depth) {
 
 std::optional<Value> Conversion::fromDictionary(plist_t node, int depth) {
     Dictionary dict;
+    // The library finds a large dictionary's keys through a hash table, whose removals cost more
+    // than the room they give back: only the pairs of smaller ones are freed as they are read
+    // (a large one's values still free their own contents).
+    const bool freePairs = plist_dict_get_size(node) <= kPairsFreedUpTo;
     plist_dict_iter rawIter = nullptr;
     plist_dict_new_iter(node, &rawIter);
     std::unique_ptr<void, CFree> iter(rawIter);
@@ -140,8 +148,7 @@ std::optional<Value> Conversion::fromDictionary(plist_t node, int depth) {
         dict.set(std::move(name), std::move(*value));
         // The pair read is the dictionary's first (the earlier ones are gone), so the library
         // finds it at once; the iterator already stands on the next key.
-        plist_dict_remove_item(node, key.get());
-        released();
+        if (freePairs) plist_dict_remove_item(node, key.get());
     }
     path_.pop_back();
     return Value::dictionary(std::move(dict));
