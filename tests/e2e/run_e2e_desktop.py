@@ -454,6 +454,10 @@ def test_writing_games(t):
     choose_writing_games(t)
     check(told("xdg-open ended with status 3. It is %s" % page) == 1, "a page the viewer opened is not told of")
     check(opened() == [page, page], "xdg-open given the page twice: %s" % opened())
+    # The page's place is closed again before the menu is used once more.
+    shown = t.find_window(HELP_W, HELP_H, True, "Writing Games")
+    t.xdo("windowfocus", "--sync", shown, "key", "Escape")
+    t.wait_for(lambda: not t.mapped(shown), 10, "the page's place to close")
     # A viewer still open when the game quits: the game ends at once and leaves it open.
     with open(status, "w") as f:
         f.write("stay\n")
