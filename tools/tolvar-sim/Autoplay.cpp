@@ -17,6 +17,7 @@
 #include "engine/EventQueue.h"
 #include "engine/QuietShell.h"
 #include "engine/RandomSequence.h"
+#include "platform/MemoryScoreStore.h"
 
 namespace tolvar::sim {
 
@@ -38,6 +39,17 @@ struct Snapshot {
     std::uint64_t score = 0;
     std::uint64_t multiplier = 0;
     std::vector<std::uint64_t> variables;
+};
+
+// The bots' desktop: best scores go to the store given (a job's own, in memory), so a game's end
+// waits on no file.
+class BotHost : public QuietHost {
+public:
+    explicit BotHost(ScoreStore& scores) : scores_(scores) {}
+    ScoreStore& scoreStore() override { return scores_; }
+
+private:
+    ScoreStore& scores_;
 };
 
 class Bot {
@@ -217,8 +229,8 @@ std::string spread(const char* label, const std::vector<double>& v) {
 }  // namespace
 
 GameResult playOneGame(const GameLibrary& library, const AutoplayOptions& options, unsigned long index,
-                       const std::string& scoresFolder) {
-    QuietHost host(scoresFolder);
+                       ScoreStore& scores) {
+    BotHost host(scores);
     QuietView view;
     Engine engine(view, host);
     ActionsMenu menu;
@@ -285,11 +297,11 @@ int runAutoplay(const GameLibrary& library, const AutoplayOptions& options) {
         // The engine's diagnostic lines would drown the table.
         const int devNull = open("/dev/null", O_WRONLY);
         if (devNull >= 0) dup2(devNull, STDOUT_FILENO);
-        const std::string jobFolder = folder + "/" + std::to_string(job);
-        std::filesystem::create_directory(jobFolder);
-        std::ofstream out(jobFolder + ".results");
+        // The job's results go to the parent through a file written once, at the job's end.
+        std::ofstream out(folder + "/" + std::to_string(job) + ".results");
+        MemoryScoreStore scores;
         for (unsigned long i = job; i < options.games; i += options.jobs) {
-            const GameResult r = playOneGame(library, options, i, jobFolder);
+            const GameResult r = playOneGame(library, options, i, scores);
             out << r.index << ' ' << r.score << ' ' << r.moves << ' ' << r.ended << ' ' << r.cleared << '\n';
         }
         out.close();

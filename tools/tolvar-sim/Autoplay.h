@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/ScoreStore.h"
 #include "rules/GameLibrary.h"
 
 namespace tolvar::sim {
@@ -33,10 +34,10 @@ struct GameResult {
     bool cleared = false;  // no piece was left
 };
 
-// Plays game index of the title chosen in library with a bot; the engine's diagnostic lines go to
-// standard output.
+// Plays game index of the title chosen in library with a bot, entering its end's best score in
+// scores; the engine's diagnostic lines go to standard output.
 GameResult playOneGame(const GameLibrary& library, const AutoplayOptions& options, unsigned long index,
-                       const std::string& scoresFolder);
+                       ScoreStore& scores);
 
 // Plays options.games games in options.jobs processes and prints the table on standard output
 // (the engine's own lines are silenced). Returns the exit status.
