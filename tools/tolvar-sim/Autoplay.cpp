@@ -1,6 +1,5 @@
 #include "Autoplay.h"
 
-#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,6 +25,9 @@ namespace {
 // What the score entry and the alert become while a move is tried: a type that does nothing.
 constexpr std::uint32_t kMutedActionType = 3;
 static_assert(isInertActionType(kMutedActionType));
+
+// The bots' standard output, which goes nowhere, is written in blocks of this many bytes.
+constexpr std::size_t kThrownAwayBuffer = 1 << 16;
 
 // A move as the player makes it: a click (and the remove key, when the game has one) or a drag.
 struct Move {
@@ -294,9 +296,9 @@ int runAutoplay(const GameLibrary& library, const AutoplayOptions& options) {
             children.push_back(pid);
             continue;
         }
-        // The engine's diagnostic lines would drown the table.
-        const int devNull = open("/dev/null", O_WRONLY);
-        if (devNull >= 0) dup2(devNull, STDOUT_FILENO);
+        // The engine's diagnostic lines would drown the table: thrown away a full buffer at a time,
+        // not one system call a line.
+        if (std::freopen("/dev/null", "w", stdout)) std::setvbuf(stdout, nullptr, _IOFBF, kThrownAwayBuffer);
         // The job's results go to the parent through a file written once, at the job's end.
         std::ofstream out(folder + "/" + std::to_string(job) + ".results");
         MemoryScoreStore scores;
