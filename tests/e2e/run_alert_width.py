@@ -9,6 +9,9 @@ import subprocess
 import sys
 import time
 
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from tolvar_driver import XLIB, start_xvfb  # noqa: E402
+
 MAX_WIDTH = 800
 PATH = "/home/player-with-a-long-name/.local/share/Tolvar/games from the club/saved in the evening/Tolvar"
 
@@ -17,12 +20,9 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--probe", required=True)
     args = parser.parse_args()
-    r, w = os.pipe()
-    xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
-                            pass_fds=(w,), stderr=subprocess.DEVNULL)
-    os.close(w)
-    with os.fdopen(r, "rb") as f:
-        env = dict(os.environ, DISPLAY=":" + f.readline().strip().decode(), SDL_VIDEODRIVER="x11")
+    xvfb, display, dpy = start_xvfb()
+    XLIB.XCloseDisplay(dpy)
+    env = dict(os.environ, DISPLAY=display, SDL_VIDEODRIVER="x11")
     probe = subprocess.Popen([args.probe, PATH], env=env)
     try:
         deadline, panel = time.monotonic() + 30, None

@@ -105,6 +105,24 @@ class Layout:
         return [[vote(*self.centre(x, y)) for y in range(self.board_h)] for x in range(self.board_w)]
 
 
+def start_xvfb():
+    """An X server of its own: (process, display name, an open connection to it). Another server may race
+    for the same display number, or answer on it from outside a fresh root: then a new one is started."""
+    for _ in range(3):
+        r, w = os.pipe()
+        xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "%dx%dx24" % (SCREEN_W, SCREEN_H),
+                                 "-nolisten", "tcp", "-noreset"], pass_fds=(w,), stderr=subprocess.DEVNULL)
+        os.close(w)
+        with os.fdopen(r, "rb") as f:
+            display = ":" + f.readline().strip().decode()
+        dpy = XLIB.XOpenDisplay(display.encode())
+        if dpy:
+            return xvfb, display, dpy
+        xvfb.terminate()
+        xvfb.wait()
+    check(False, "the X server does not answer")
+
+
 class Tolvar:  # the program on a display of its own, with an empty data folder (or another copy's)
     def __init__(self, program, name, seed=7, folder=None):
         self.program, self.proc, self.xvfb, self.dpy, self.runs = program, None, None, None, 0
@@ -112,20 +130,7 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         self.work = tempfile.mkdtemp(prefix="tolvar-e2e-%s-" % name)
         self.folder = folder or os.path.join(self.work, "data", "Tolvar")
         try:
-            for _ in range(3):  # another server may race for the same display number
-                if self.xvfb:
-                    self.xvfb.terminate()
-                    self.xvfb.wait()
-                r, w = os.pipe()
-                self.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "%dx%dx24" % (
-                    SCREEN_W, SCREEN_H), "-nolisten", "tcp", "-noreset"], pass_fds=(w,), stderr=subprocess.DEVNULL)
-                os.close(w)
-                with os.fdopen(r, "rb") as f:
-                    self.display = ":" + f.readline().strip().decode()
-                self.dpy = XLIB.XOpenDisplay(self.display.encode())  # for screenshots
-                if self.dpy:
-                    break
-            check(self.dpy, "the X server does not answer")
+            self.xvfb, self.display, self.dpy = start_xvfb()  # the connection is for screenshots
             self.env = dict(os.environ, DISPLAY=self.display, XDG_DATA_HOME=os.path.dirname(self.folder),
                             TOLVAR_SEED=str(seed), LC_ALL="C", SDL_VIDEODRIVER="x11")
             self.launch()
