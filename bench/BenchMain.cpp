@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "platform/CommandLine.h"
+#include "core/CommandLine.h"
 
 namespace tolvar::bench {
 

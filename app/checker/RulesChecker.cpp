@@ -5,8 +5,8 @@
 
 #include "RegularFile.h"
 #include "checker/Located.h"
-#include "platform/PlistFile.h"
-#include "platform/Utf8.h"
+#include "core/PlistFile.h"
+#include "core/Utf8.h"
 
 namespace tolvar::checker {
 

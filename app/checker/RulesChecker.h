@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "checker/XmlPositions.h"
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 
 namespace tolvar::checker {
 

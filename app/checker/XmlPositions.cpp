@@ -1,6 +1,6 @@
 #include "checker/XmlPositions.h"
 
-#include "platform/Utf8.h"
+#include "core/Utf8.h"
 
 #include <algorithm>
 #include <cstring>

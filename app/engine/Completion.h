@@ -8,7 +8,7 @@
 
 #include "engine/Board.h"
 #include "engine/EngineContext.h"
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 
 namespace tolvar {
 

@@ -13,7 +13,7 @@
 #include "engine/Board.h"
 #include "engine/Host.h"
 #include "engine/View.h"
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameInfo.h"
 

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/PropertyList.h"
-#include "platform/ScoreStore.h"
-#include "platform/Utf8.h"
+#include "core/PropertyList.h"
+#include "core/ScoreStore.h"
+#include "core/Utf8.h"
 
 namespace tolvar {
 

@@ -7,7 +7,7 @@
 
 #include "engine/Host.h"
 #include "engine/View.h"
-#include "platform/BestScoresFile.h"
+#include "core/BestScoresFile.h"
 
 namespace tolvar {
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <limits>
 
-#include "platform/PlistFile.h"
-#include "platform/PlistText.h"
+#include "core/PlistFile.h"
+#include "core/PlistText.h"
 
 namespace tolvar {
 

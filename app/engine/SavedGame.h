@@ -8,7 +8,7 @@
 #include <variant>
 
 #include "engine/GameSnapshot.h"
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 
 namespace tolvar {
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 #include "rules/GameInfo.h"
 
 namespace tolvar {

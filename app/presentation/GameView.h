@@ -14,7 +14,7 @@
 #include "engine/Host.h"
 #include "engine/View.h"
 #include "engine/BoardLayout.h"
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 #include "presentation/ShownBoard.h"
 #include "rules/GameInfo.h"
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 
 namespace tolvar {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <initializer_list>
 
-#include "platform/PlistFile.h"
+#include "core/PlistFile.h"
 
 namespace tolvar {
 

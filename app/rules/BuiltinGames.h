@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 
 namespace tolvar {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 
 namespace tolvar {
 

@@ -9,8 +9,8 @@
 #include <system_error>
 #include <variant>
 
-#include "platform/DataFolder.h"
-#include "platform/PlistFile.h"
+#include "core/DataFolder.h"
+#include "core/PlistFile.h"
 #include "rules/BuiltinGames.h"
 #include "rules/ShownText.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 
 namespace tolvar {
 

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "platform/PropertyList.h"
+#include "core/PropertyList.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameInfo.h"
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/BestScoresFile.h"
-#include "platform/PlistFile.h"
+#include "core/BestScoresFile.h"
+#include "core/PlistFile.h"
 #include "rules/GameLibrary.h"
 
 namespace {

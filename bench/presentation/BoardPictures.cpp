@@ -12,7 +12,7 @@
 
 #include "BuiltinBoards.h"
 #include "GlTestWindow.h"
-#include "platform/CommandLine.h"
+#include "core/CommandLine.h"
 
 using namespace tolvar;
 

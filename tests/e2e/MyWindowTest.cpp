@@ -7,7 +7,7 @@
 
 #include <array>
 
-#include "MyWindow.h"
+#include "desktop/MyWindow.h"
 
 namespace tolvar {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <tuple>
 
-#include "platform/PictureFit.h"
+#include "desktop/PictureFit.h"
 
 namespace tolvar {
 namespace {

@@ -4,7 +4,7 @@
 #include <set>
 #include <tuple>
 
-#include "platform/ProgramKeys.h"
+#include "desktop/ProgramKeys.h"
 
 namespace tolvar {
 namespace {

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "RulesWatch.h"
+#include "desktop/RulesWatch.h"
 
 namespace tolvar {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/RunLoop.h"
+#include "desktop/RunLoop.h"
 
 namespace tolvar {
 namespace {

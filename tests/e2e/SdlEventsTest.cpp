@@ -5,7 +5,7 @@
 #include <set>
 #include <tuple>
 
-#include "platform/SdlEvents.h"
+#include "desktop/SdlEvents.h"
 
 namespace tolvar {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "TextPage.h"
+#include "desktop/TextPage.h"
 #include "rules/ShownText.h"
 
 namespace tolvar {

@@ -7,7 +7,7 @@
 #include <unistd.h>
 #include <variant>
 
-#include "platform/PlistFile.h"
+#include "core/PlistFile.h"
 #include "rules/RulesDict.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {

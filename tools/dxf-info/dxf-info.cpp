@@ -4,7 +4,7 @@
 
 #include "3DSpriteLib.h"
 #include "DXFtoSprite.h"
-#include "platform/CommandLine.h"
+#include "core/CommandLine.h"
 
 namespace {
 

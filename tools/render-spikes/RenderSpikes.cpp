@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "SpikesScene.h"
-#include "platform/CommandLine.h"
+#include "core/CommandLine.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "checker/RulesChecker.h"
-#include "platform/CommandLine.h"
+#include "core/CommandLine.h"
 
 namespace {
 

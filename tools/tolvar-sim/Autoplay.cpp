@@ -16,7 +16,7 @@
 #include "engine/EventQueue.h"
 #include "engine/QuietShell.h"
 #include "engine/RandomSequence.h"
-#include "platform/MemoryScoreStore.h"
+#include "core/MemoryScoreStore.h"
 
 namespace tolvar::sim {
 

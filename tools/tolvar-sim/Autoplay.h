@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/ScoreStore.h"
+#include "core/ScoreStore.h"
 #include "rules/GameLibrary.h"
 
 namespace tolvar::sim {

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "platform/DataFolder.h"
+#include "core/DataFolder.h"
 
 namespace tolvar::sim {
 

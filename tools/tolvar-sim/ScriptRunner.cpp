@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "platform/PlistFile.h"
+#include "core/PlistFile.h"
 
 namespace tolvar::sim {
 

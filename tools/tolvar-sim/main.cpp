@@ -20,7 +20,7 @@
 #include "Autoplay.h"
 #include "ScriptRunner.h"
 #include "engine/RandomSequence.h"
-#include "platform/CommandLine.h"
+#include "core/CommandLine.h"
 
 namespace {
 

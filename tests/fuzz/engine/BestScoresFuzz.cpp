@@ -15,7 +15,7 @@
 #include "engine/Completion.h"
 #include "engine/EngineContext.h"
 #include "engine/QuietShell.h"
-#include "platform/PlistFile.h"
+#include "core/PlistFile.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "engine/Engine.h"
 #include "engine/QuietShell.h"
-#include "platform/PlistFile.h"
+#include "core/PlistFile.h"
 #include "rules/BuiltinGames.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "engine/Host.h"
-#include "platform/BestScoresFile.h"
+#include "core/BestScoresFile.h"
 #include "presentation/GameView.h"
 
 namespace tolvar::test {

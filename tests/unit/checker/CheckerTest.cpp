@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "checker/RulesChecker.h"
-#include "platform/PlistFile.h"
+#include "core/PlistFile.h"
 #include "rules/BuiltinGames.h"
 
 using namespace tolvar;

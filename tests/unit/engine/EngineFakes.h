@@ -12,7 +12,7 @@
 #include "engine/EngineContext.h"
 #include "engine/Host.h"
 #include "engine/View.h"
-#include "platform/BestScoresFile.h"
+#include "core/BestScoresFile.h"
 
 namespace tolvar::testing {
 

@@ -10,7 +10,7 @@
 #include "engine/Engine.h"
 #include "engine/EventQueue.h"
 #include "engine/UserInput.h"
-#include "platform/PlistFile.h"
+#include "core/PlistFile.h"
 #include "rules/BuiltinGames.h"
 
 namespace tolvar {

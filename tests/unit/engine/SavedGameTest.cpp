@@ -3,7 +3,7 @@
 #include <variant>
 
 #include "PlayFixture.h"
-#include "platform/PlistFile.h"
+#include "core/PlistFile.h"
 
 namespace tolvar {
 namespace {

@@ -9,8 +9,8 @@
 #include <limits>
 #include <sys/stat.h>
 
-#include "platform/DataFolder.h"
-#include "platform/PlistFile.h"
+#include "core/DataFolder.h"
+#include "core/PlistFile.h"
 #include "rules/BuiltinGames.h"
 #include "rules/GameLibrary.h"
 #include "rules/ShownText.h"

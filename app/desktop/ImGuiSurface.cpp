@@ -1,0 +1,180 @@
+#include "desktop/ImGuiSurface.h"
+
+#include <SDL_opengl.h>
+#include <imgui.h>
+#include <backends/imgui_impl_opengl2.h>
+#include <backends/imgui_impl_sdl.h>
+
+#include <cstdio>
+
+namespace tolvar {
+
+ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, int height, Uint32 flags,
+                           const std::string& fontFile, float fontPixels) {
+    SDL_GL_ResetAttributes();
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_COMPATIBILITY);
+    SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
+    SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);
+    window_.reset(SDL_CreateWindow(title.c_str(), x, y, width, height,
+                                   SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN | flags));
+    if (!window_) {
+        std::fprintf(stderr, "tolvar: could not make the window \"%s\": %s\n", title.c_str(), SDL_GetError());
+        return;
+    }
+    context_.reset(SDL_GL_CreateContext(window_.get()));
+    if (!context_) {
+        std::fprintf(stderr, "tolvar: could not make the OpenGL context of \"%s\": %s\n", title.c_str(),
+                     SDL_GetError());
+        return;
+    }
+    SDL_GL_MakeCurrent(window_.get(), context_.get());
+    SDL_GL_SetSwapInterval(0);
+
+    ImGuiContext* previous = ImGui::GetCurrentContext();
+    imgui_ = ImGui::CreateContext();
+    ImGui::SetCurrentContext(imgui_);
+    ImGuiIO& io = ImGui::GetIO();
+    io.IniFilename = nullptr;
+    io.LogFilename = nullptr;
+    if (!fontFile.empty()) {
+        // Latin-1 and the general punctuation ("…", dashes and quotes that descriptions use).
+        static const ImWchar kGlyphs[] = {0x0020, 0x00FF, 0x2000, 0x206F, 0};
+        ImFontConfig config;
+        config.OversampleH = 2;
+        config.OversampleV = 2;
+        config.GlyphRanges = kGlyphs;
+        if (io.Fonts->AddFontFromFileTTF(fontFile.c_str(), fontPixels, &config)) interfaceFont_ = true;
+        // A larger face of the same family for headings.
+        std::string bold = fontFile;
+        const auto dot = bold.rfind(".ttf");
+        if (dot != std::string::npos) bold.insert(dot, "-Bold");
+        FILE* probe = std::fopen(bold.c_str(), "rb");
+        if (probe) {
+            std::fclose(probe);
+            boldFont_ = io.Fonts->AddFontFromFileTTF(bold.c_str(), fontPixels * 1.3f, &config);
+        } else if (interfaceFont_) {
+            boldFont_ = io.Fonts->AddFontFromFileTTF(fontFile.c_str(), fontPixels * 1.3f, &config);
+        }
+    }
+    if (!interfaceFont_) io.Fonts->AddFontDefault();
+
+    ImGuiStyle& style = ImGui::GetStyle();
+    ImGui::StyleColorsLight(&style);
+    style.WindowPadding = ImVec2(16, 14);
+    style.FramePadding = ImVec2(10, 6);
+    style.ItemSpacing = ImVec2(10, 10);
+    style.ItemInnerSpacing = ImVec2(8, 6);
+    style.FrameRounding = 4.0f;
+    style.PopupRounding = 4.0f;
+    style.GrabRounding = 4.0f;
+    style.ScrollbarSize = 14.0f;
+    style.WindowBorderSize = 0.0f;
+    style.FrameBorderSize = 1.0f;
+    style.PopupBorderSize = 1.0f;
+    style.Colors[ImGuiCol_WindowBg] = ImVec4(0.94f, 0.94f, 0.95f, 1.0f);
+    style.Colors[ImGuiCol_PopupBg] = ImVec4(1.0f, 1.0f, 1.0f, 1.0f);  // menus hide what lies below
+    style.Colors[ImGuiCol_MenuBarBg] = ImVec4(0.88f, 0.88f, 0.90f, 1.0f);
+    style.Colors[ImGuiCol_Button] = ImVec4(0.98f, 0.98f, 0.99f, 1.0f);
+    style.Colors[ImGuiCol_ButtonHovered] = ImVec4(0.80f, 0.87f, 0.97f, 1.0f);
+    style.Colors[ImGuiCol_ButtonActive] = ImVec4(0.62f, 0.76f, 0.95f, 1.0f);
+
+    ImGui_ImplSDL2_InitForOpenGL(window_.get(), context_.get());
+    ImGui_ImplOpenGL2_Init();
+    if (previous) ImGui::SetCurrentContext(previous);
+}
+
+ImGuiSurface::~ImGuiSurface() {
+    if (imgui_) {
+        if (window_ && context_) SDL_GL_MakeCurrent(window_.get(), context_.get());
+        ImGui::SetCurrentContext(imgui_);
+        ImGui_ImplOpenGL2_Shutdown();
+        ImGui_ImplSDL2_Shutdown();
+        ImGui::DestroyContext(imgui_);
+        imgui_ = nullptr;
+    }
+    context_.reset();
+    window_.reset();
+}
+
+Uint32 ImGuiSurface::windowID() const { return window_ ? SDL_GetWindowID(window_.get()) : 0; }
+
+bool ImGuiSurface::isVisible() const {
+    return window_ && (SDL_GetWindowFlags(window_.get()) & SDL_WINDOW_SHOWN) != 0;
+}
+
+bool ImGuiSurface::processEvent(const SDL_Event& event) {
+    if (!valid()) return false;
+    switch (event.type) {
+        case SDL_MOUSEMOTION:
+            mouseX_ = static_cast<float>(event.motion.x);
+            mouseY_ = static_cast<float>(event.motion.y);
+            return true;
+        case SDL_MOUSEBUTTONDOWN:
+        case SDL_MOUSEBUTTONUP: {
+            mouseX_ = static_cast<float>(event.button.x);
+            mouseY_ = static_cast<float>(event.button.y);
+            int b = event.button.button == SDL_BUTTON_LEFT    ? 0
+                    : event.button.button == SDL_BUTTON_RIGHT ? 1
+                    : event.button.button == SDL_BUTTON_MIDDLE ? 2
+                                                               : -1;
+            if (b >= 0) {
+                buttonDown_[b] = event.type == SDL_MOUSEBUTTONDOWN;
+                if (buttonDown_[b]) buttonClicked_[b] = true;
+            }
+            return true;
+        }
+        case SDL_WINDOWEVENT:
+            if (event.window.event == SDL_WINDOWEVENT_LEAVE) {
+                mouseX_ = mouseY_ = -1.0e30f;
+            }
+            break;
+        default:
+            break;
+    }
+    ImGuiContext* previous = ImGui::GetCurrentContext();
+    ImGui::SetCurrentContext(imgui_);
+    ImGui_ImplSDL2_ProcessEvent(&event);
+    ImGui::SetCurrentContext(previous);
+    return true;
+}
+
+void ImGuiSurface::beginFrame() {
+    SDL_GL_MakeCurrent(window_.get(), context_.get());
+    ImGui::SetCurrentContext(imgui_);
+    ImGui_ImplOpenGL2_NewFrame();
+    ImGui_ImplSDL2_NewFrame();
+    // The mouse as this window's own events left it, focused or not.
+    ImGuiIO& io = ImGui::GetIO();
+    io.MousePos = ImVec2(mouseX_, mouseY_);
+    for (int b = 0; b < 3; ++b) {
+        io.MouseDown[b] = buttonDown_[b] || buttonClicked_[b];
+        buttonClicked_[b] = false;
+    }
+    ImGui::NewFrame();
+}
+
+void ImGuiSurface::endFrame() {
+    ImGui::Render();
+    ImGuiIO& io = ImGui::GetIO();
+    glViewport(0, 0, static_cast<int>(io.DisplaySize.x), static_cast<int>(io.DisplaySize.y));
+    glDisable(GL_SCISSOR_TEST);  // the whole window, whatever the game's picture left set
+    glClearColor(0.94f, 0.94f, 0.95f, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    ImGui_ImplOpenGL2_RenderDrawData(ImGui::GetDrawData());
+    // The font's pixels live on in the texture made for the first frame.
+    io.Fonts->ClearTexData();
+    SDL_GL_SwapWindow(window_.get());
+}
+
+void ImGuiSurface::show() {
+    if (!window_) return;
+    SDL_ShowWindow(window_.get());
+    SDL_RaiseWindow(window_.get());
+    SDL_SetWindowInputFocus(window_.get());
+}
+
+void ImGuiSurface::hide() {
+    if (window_) SDL_HideWindow(window_.get());
+}
+
+}  // namespace tolvar

@@ -1,0 +1,56 @@
+// A window drawn with Dear ImGui: its own SDL window, double-buffered OpenGL context, ImGui
+// context and interface font. Mouse input is tracked per window from the window's own events, so
+// the window answers clicks whether or not it holds the keyboard.
+#pragma once
+
+#include <SDL.h>
+
+#include <memory>
+#include <string>
+
+#include "desktop/SdlHandles.h"
+
+struct ImGuiContext;
+struct ImFont;
+
+namespace tolvar {
+
+class ImGuiSurface {
+public:
+    // flags: extra SDL window flags (SDL_WINDOW_POPUP_MENU, ...). The window starts hidden.
+    ImGuiSurface(const std::string& title, int x, int y, int width, int height, Uint32 flags,
+                 const std::string& fontFile, float fontPixels);
+    ~ImGuiSurface();
+    ImGuiSurface(const ImGuiSurface&) = delete;
+    ImGuiSurface& operator=(const ImGuiSurface&) = delete;
+
+    bool valid() const { return window_ && context_ && imgui_; }
+    SDL_Window* sdlWindow() const { return window_.get(); }
+    Uint32 windowID() const;
+    bool isVisible() const;
+    bool usesInterfaceFont() const { return interfaceFont_; }
+    ImFont* boldFont() const { return boldFont_; }
+
+    // Feeds an event of this window to ImGui. Returns true when the window should be redrawn.
+    bool processEvent(const SDL_Event& event);
+
+    // Makes this window's contexts current and starts a frame; endFrame renders and shows it.
+    void beginFrame();
+    void endFrame();
+
+    void show();
+    void hide();
+
+private:
+    SdlWindowPtr window_;
+    SdlGlContextPtr context_;
+    ImGuiContext* imgui_ = nullptr;  // owned: destroyed with ImGui::DestroyContext
+    bool interfaceFont_ = false;
+    ImFont* boldFont_ = nullptr;
+    // Mouse state from this window's events.
+    float mouseX_ = -1.0e30f, mouseY_ = -1.0e30f;
+    bool buttonDown_[3] = {false, false, false};
+    bool buttonClicked_[3] = {false, false, false};  // pressed since the last frame
+};
+
+}  // namespace tolvar

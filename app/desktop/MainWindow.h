@@ -1,0 +1,90 @@
+// The main window: the game pop-up, the chosen game's description, Start and Return, and the
+// menu bar with the game's "Actions". Drawn with Dear ImGui in a window of its own; what the
+// player chooses comes back as commands, carried out once the game window's context is current
+// again.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "desktop/ImGuiSurface.h"
+#include "desktop/RulesWatch.h"
+#include "desktop/TextPage.h"
+#include "desktop/ProgramKeys.h"
+#include "rules/ActionsMenu.h"
+#include "rules/GameLibrary.h"
+
+namespace tolvar {
+
+struct ShellCommand {
+    enum class Kind { SelectGame, StartGame, ReturnToMain, MenuAction, Quit, Program, ContinueGame };
+    Kind kind;
+    std::string title;   // SelectGame
+    int itemIndex = -1;  // MenuAction
+    ProgramCommand command = ProgramCommand::None;  // Program: a "Game" or "Help" item
+};
+
+class MainWindow {
+public:
+    static constexpr int kWidth = 640;
+    static constexpr int kHeight = 540;
+
+    MainWindow(const std::string& fontFile, float fontPixels);
+
+    bool valid() const { return surface_.valid(); }
+    ImGuiSurface& surface() { return surface_; }
+
+    // One frame; returns what the player chose in it. Under the description stand what the
+    // checker found in the chosen game, or why the rules file cannot be read; a game with errors
+    // cannot be started.
+    // Continue stands beside Start while a kept or saved game can go on (canContinue);
+    // continueText says which game it goes on with, note why a saved game cannot be continued.
+    std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, const GameMenuState& game,
+                                   bool gameRunning, const RulesWatch& rules, bool canContinue,
+                                   const std::string& continueText, const std::string& note);
+
+private:
+    // What the checker found in the file and in the chosen game, as lines of the description's page.
+    static void addFindings(std::vector<Paragraph>& page, const GameLibrary& library, const RulesWatch& rules);
+
+    ImGuiSurface surface_;
+    TextPage description_;  // the description, the checker's findings and the note
+};
+
+// The "Actions" menu as a pop-up at the mouse, opened with the right button in the game window.
+class ActionsPopup {
+public:
+    static constexpr int kWidth = 260;
+    static constexpr int kPadding = 6;
+    static constexpr int kRowHeight = 30;
+    static constexpr int kSeparatorHeight = 9;
+    static constexpr int kGameItemCount = 4;
+    // The "Actions" items, a separator, the "Game" items, a separator, then "Return to Main Window".
+    static constexpr int kHeight =
+        2 * kPadding + (ActionsMenu::kItemCount + kGameItemCount + 1) * kRowHeight + 2 * kSeparatorHeight;
+
+    struct Choice {
+        enum class Kind { None, Action, Game, ReturnToMain };
+        Kind kind = Kind::None;
+        int actionIndex = -1;                           // Action
+        ProgramCommand command = ProgramCommand::None;  // Game
+    };
+
+    ActionsPopup(const std::string& fontFile, float fontPixels);
+
+    bool valid() const { return surface_.valid(); }
+    ImGuiSurface& surface() { return surface_; }
+    // Shows the menu with its top left corner at the screen point (x, y).
+    void openAt(int x, int y);
+    void close();
+    bool isOpen() const { return surface_.isVisible(); }
+
+    // One frame; returns what was chosen in it.
+    Choice draw(const ActionsMenu& menu, const GameMenuState& game);
+
+private:
+    ImGuiSurface surface_;
+};
+
+}  // namespace tolvar

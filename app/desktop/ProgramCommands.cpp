@@ -1,0 +1,164 @@
+// The shell's keys and commands around the game: the program's own keys, the help window and the
+// game window's size.
+#include "desktop/TolvarAppDelegate.h"
+
+#include <cstdio>
+
+#include "FileIO.h"
+#include "core/DocumentPages.h"
+#include "rules/GameHelp.h"
+
+namespace tolvar {
+
+bool TolvarAppDelegate::keyShortcuts(const SDL_Event& event, const CurrentEvent& key, Uint32 windowID) {
+    // A key bound to a user event of the running game is the game's, never a command (a key
+    // without text is bound to nothing: character 0 stands for "no key" in the rules).
+    if (engine_ && firstCharacter(key) != 0 && MyWindow::performKeyEquivalent(*engine_, key)) return false;
+    const bool inGame = gameWindow && windowID == gameWindow->windowID();
+    // The arrows show and move the keyboard cursor, Return presses it; the game's poll sees
+    // the key as well, as it sees every key-down.
+    if (inGame && engine_ && engine_->cursorKey(key)) return false;
+    const bool cursorShown = engine_ && engine_->cursor().has_value();
+    const ProgramCommand command = programCommandForKey(event.key.keysym.sym, event.key.keysym.mod, inGame, cursorShown);
+    if (command != ProgramCommand::None) {
+        runProgramCommand(command);
+        return true;
+    }
+    // The "Actions" items answer their key equivalents (the plain key).
+    if (!menu_.enabled()) return false;
+    const std::int8_t c = firstCharacter(key);
+    for (int i = 0; i < ActionsMenu::kItemCount; ++i) {
+        const ActionsMenuItem& item = menu_.item(i);
+        if (item.enabled && item.keyEquivalent != 0 && item.keyEquivalent == c) {
+            checkMenuAction(i);
+            return false;
+        }
+    }
+    return false;
+}
+
+void TolvarAppDelegate::runProgramCommand(ProgramCommand command) {
+    switch (command) {
+        case ProgramCommand::None: break;
+        case ProgramCommand::Quit: terminate(); break;
+        case ProgramCommand::ReturnToMain:
+            if (gameWindow && gameWindow->isVisible()) returnToMain();
+            break;
+        case ProgramCommand::NewGame: newGame(); break;
+        case ProgramCommand::Undo:
+        case ProgramCommand::Redo:
+            if (!gameWindow) break;
+            gameWindow->makeCurrentContext();
+            clearHint();
+            if (command == ProgramCommand::Undo) engine_->undo();
+            else engine_->redo();
+            break;
+        case ProgramCommand::Hint: showHint(); break;
+        case ProgramCommand::Help: showHelp(); break;
+        case ProgramCommand::WritingGames: openWritingGames(); break;
+        case ProgramCommand::About: showAbout(); break;
+        case ProgramCommand::Fullscreen:
+            if (gameWindow) gameWindow->toggleFullscreen();
+            break;
+    }
+}
+
+bool TolvarAppDelegate::playing() const {
+    return engine_ && gameInfo && gameInfo->hasBoard() && engine_->gamePaused() == 0;
+}
+
+GameMenuState TolvarAppDelegate::gameMenuState() const {
+    GameMenuState state;
+    state.newGame = (gameInfo && gameInfo->hasBoard()) || library_.currentRules();
+    state.undo = engine_ && engine_->canUndo();
+    state.redo = engine_ && engine_->canRedo();
+    state.hint = playing();
+    return state;
+}
+
+void TolvarAppDelegate::newGame() {
+    clearHint();
+    // The same game dealt anew, also from the main window (whose game comes to the front); with
+    // no game dealt yet, the chosen game starts.
+    if (!gameInfo || !gameInfo->hasBoard()) {
+        if (library_.currentRules()) startGame();
+        return;
+    }
+    if (!gameWindow) return;
+    if (!gameWindow->isVisible()) {
+        showGameWindow();
+        hideMainWindow();
+    }
+    gameWindow->makeCurrentContext();
+    engine_->newGame();
+}
+
+void TolvarAppDelegate::showHint() {
+    if (!playing() || !gameWindow) return;
+    gameWindow->makeCurrentContext();
+    hint_ = engine_->hint();
+    view_->drawBoard();
+}
+
+void TolvarAppDelegate::clearHint() {
+    if (hint_.empty()) return;
+    hint_.clear();
+    if (playing() && gameWindow && gameWindow->isVisible()) {
+        gameWindow->makeCurrentContext();
+        view_->drawBoard();
+    }
+}
+
+void TolvarAppDelegate::openHelpWindow() {
+    // Made when first asked for, like the "Actions" pop-up.
+    if (!helpWindow_) helpWindow_ = std::make_unique<HelpWindow>(interfaceFont_, kInterfaceFontPixels);
+    if (gameWindow) gameWindow->makeCurrentContext();
+}
+
+void TolvarAppDelegate::showHelp() {
+    // The unfinished game is saved before the help window is made or shown: whatever befalls a
+    // window, the game is not lost.
+    if (engine_ && engine_->hasUnfinishedGame()) saveGameOnQuit();
+    openHelpWindow();
+    helpWindow_->showGame(gameHelp(library_.currentRules()));
+    helpFrames_ = kMainWindowFramesPerChange;
+}
+
+void TolvarAppDelegate::showAbout() {
+    openHelpWindow();
+    helpWindow_->showAbout();
+    helpFrames_ = kMainWindowFramesPerChange;
+}
+
+namespace {
+constexpr const char* kWritingGamesPage = "writing-games.md";
+}  // namespace
+
+void TolvarAppDelegate::openWritingGames() {
+    const DocumentPage page =
+        findDocumentPage(kWritingGamesPage, {programFolder(), TOLVAR_BUILD_PROGRAM_DIR, TOLVAR_SOURCE_DOCS_DIR});
+    if (page.path.empty()) {
+        tellWhereWritingGamesIs("It is not installed here; a complete install of Tolvar has it.", page.installedPath);
+        return;
+    }
+    writingGamesPath_ = page.path;
+    const std::string problem = pageOpener_.open(page.path);
+    if (!problem.empty()) tellWhereWritingGamesIs("Tolvar cannot show it: " + problem + ".", page.path);
+}
+
+void TolvarAppDelegate::writingGamesViewerEnded(Sint32 status) {
+    pageOpener_.forgetEnded();
+    if (status == 0) return;
+    const std::string how =
+        status == PageOpener::kKilled ? "was stopped" : "ended with status " + std::to_string(status);
+    tellWhereWritingGamesIs("Tolvar cannot show it: xdg-open " + how + ".", writingGamesPath_);
+}
+
+void TolvarAppDelegate::tellWhereWritingGamesIs(const std::string& problem, const std::string& path) {
+    std::fprintf(stderr, "tolvar: the page for rules authors: %s It is %s\n", problem.c_str(), path.c_str());
+    openHelpWindow();
+    helpWindow_->showWritingGames(problem, path);
+    helpFrames_ = kMainWindowFramesPerChange;
+}
+
+}  // namespace tolvar

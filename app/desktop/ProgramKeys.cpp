@@ -1,0 +1,71 @@
+#include "desktop/ProgramKeys.h"
+
+namespace tolvar {
+
+ProgramCommand programCommandForKey(SDL_Keycode key, Uint16 modifiers, bool inGame, bool cursorShown) {
+    const bool command = (modifiers & (KMOD_CTRL | KMOD_GUI)) != 0;
+    const bool shift = (modifiers & KMOD_SHIFT) != 0;
+    const bool alt = (modifiers & KMOD_ALT) != 0;
+    if (command && !alt) {
+        switch (key) {
+            case SDLK_q: return ProgramCommand::Quit;
+            case SDLK_w: return ProgramCommand::ReturnToMain;
+            case SDLK_n: return ProgramCommand::NewGame;
+            case SDLK_z: return shift ? ProgramCommand::Redo : ProgramCommand::Undo;
+            case SDLK_y: return ProgramCommand::Redo;
+            default: return ProgramCommand::None;
+        }
+    }
+    if (command || alt) return ProgramCommand::None;
+    switch (key) {
+        case SDLK_F1: return ProgramCommand::Help;
+        case SDLK_F2: return ProgramCommand::NewGame;
+        default: break;
+    }
+    if (!inGame) return ProgramCommand::None;
+    switch (key) {
+        case SDLK_F11: return ProgramCommand::Fullscreen;
+        case SDLK_h: return shift ? ProgramCommand::None : ProgramCommand::Hint;
+        case SDLK_RETURN:
+        case SDLK_KP_ENTER: return cursorShown ? ProgramCommand::None : ProgramCommand::ReturnToMain;
+        default: return ProgramCommand::None;
+    }
+}
+
+bool GameMenuState::enabled(ProgramCommand command) const {
+    switch (command) {
+        case ProgramCommand::NewGame: return newGame;
+        case ProgramCommand::Undo: return undo;
+        case ProgramCommand::Redo: return redo;
+        case ProgramCommand::Hint: return hint;
+        default: return false;
+    }
+}
+
+const std::array<GameMenuItem, 4>& gameMenuItems() {
+    static const std::array<GameMenuItem, 4> items = {{
+        {"New Game", "F2", ProgramCommand::NewGame},
+        {"Undo", "Ctrl+Z", ProgramCommand::Undo},
+        {"Redo", "Ctrl+Shift+Z", ProgramCommand::Redo},
+        {"Hint", "H", ProgramCommand::Hint},
+    }};
+    return items;
+}
+
+const std::vector<std::pair<std::string, std::string>>& programKeysHelp() {
+    static const std::vector<std::pair<std::string, std::string>> keys = {
+        {"Arrows", "Show and move the keyboard cursor"},
+        {"Enter", "Click the cursor's cell (without a cursor: back to the main window)"},
+        {"Ctrl+Z", "Undo"},
+        {"Ctrl+Shift+Z, Ctrl+Y", "Redo"},
+        {"H", "Hint: outline a move"},
+        {"Esc, F2, Ctrl+N", "New game"},
+        {"F1", "Help"},
+        {"F11", "Full screen on and off"},
+        {"Ctrl+W", "Back to the main window"},
+        {"Ctrl+Q", "Quit"},
+    };
+    return keys;
+}
+
+}  // namespace tolvar

@@ -1,0 +1,356 @@
+#include "desktop/TolvarAppDelegate.h"
+
+#include <GL/gl.h>
+#include <sys/time.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+#include "AlertPanel.h"
+#include "desktop/FontLookup.h"
+#include "engine/RandomSequence.h"
+#include "desktop/SdlEvents.h"
+
+namespace tolvar {
+
+namespace {
+constexpr double kEventTimerInterval = 0.033;
+constexpr double kScoresTimerInterval = 0.033;
+constexpr double kRulesLookInterval = 1.0;  // how soon a saved rules file shows
+
+std::string interfaceFontFile() {
+    for (const char* family : {"sans-serif", "DejaVu Sans", "Nimbus Sans"}) {
+        std::string file = findFontFile(family);
+        if (!file.empty()) return file;
+    }
+    std::fprintf(stderr, "tolvar: no interface font found through fontconfig; using the built-in font\n");
+    return {};
+}
+}  // namespace
+
+TolvarAppDelegate::TolvarAppDelegate() : timers_(monotonicSeconds) {}
+
+TolvarAppDelegate::~TolvarAppDelegate() {
+    // The engine draws through the view; the view's textures and sprites belong to the game
+    // window's context, which must be current while they go.
+    engine_.reset();
+    if (gameWindow) gameWindow->makeCurrentContext();
+    view_.reset();
+    helpWindow_.reset();
+    popup_.reset();
+    window.reset();
+    gameWindow.reset();
+}
+
+bool TolvarAppDelegate::applicationDidFinishLaunching() {
+    // 1. The random sequence, seeded from the microseconds of the time of day (TOLVAR_SEED fixes
+    //    it, so that a session can be replayed).
+    struct timeval tv {};
+    gettimeofday(&tv, nullptr);
+    unsigned int seed = static_cast<unsigned int>(tv.tv_usec);
+    if (const char* fixed = std::getenv("TOLVAR_SEED"); fixed && *fixed)
+        seed = static_cast<unsigned int>(std::strtoul(fixed, nullptr, 10));
+    gameRandom().seed(seed);
+
+    // 2. No timers, no game, no background, paused (the engine starts so).
+    eventTimer = 0;
+    userEventTimer = false;
+    scoresTimer = 0;
+    GameView::Window callbacks;
+    callbacks.flushBuffer = [this] {
+        if (gameWindow) gameWindow->flushBuffer();
+    };
+    callbacks.mouseLocation = [this](double& x, double& y) {
+        x = y = 0.0;
+        if (gameWindow) gameWindow->mouseLocation(x, y);
+    };
+    callbacks.display = [this] {
+        if (gameWindow) gameWindow->flushBuffer();
+    };
+    callbacks.hold = [this](double seconds) { holdFrame(seconds); };
+    callbacks.marks = [this] { return BoardMarks{engine_ ? engine_->cursor() : std::nullopt, hint_}; };
+    view_ = std::make_unique<GameView>(*this, std::move(callbacks));
+    engine_ = std::make_unique<Engine>(*view_, *this);
+
+    // 3. The piece sprites: every slot empty.
+    view_->clearPieceSprites(1);
+    // 4. The game menu, from a file that is looked at again each second.
+    rules_.load(library_);
+    timers_.schedule(kRulesLookInterval, [this] { reloadRulesWhenChanged(); });
+    readSavedGame();
+
+    // Only the main window is made before it shows; the game window follows once it is up
+    // (initWindow), and the "Actions" pop-up when it is first opened.
+    interfaceFont_ = interfaceFontFile();
+    window = std::make_unique<MainWindow>(interfaceFont_, kInterfaceFontPixels);
+    if (!window->valid()) return false;
+    showMainWindow();
+    lastMenuSignature_ = menuSignature();
+    return true;
+}
+
+void TolvarAppDelegate::playFrom(const std::string& rulesFile, const std::string& gameTitle) {
+    rules_ = RulesWatch(rulesFile);
+    startTitle_ = gameTitle;
+}
+
+void TolvarAppDelegate::reloadRulesWhenChanged() {
+    if (!rules_.changedOnDisk()) return;
+    rules_.load(library_);
+    checkSavedGames();
+    // Nothing of the old file is kept; the memory its reading took goes back to the system
+    // (the allocator would keep the freed pages of many small pieces for itself).
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+    std::size_t errors = 0, warnings = 0;
+    for (const checker::Problem& p : rules_.report().problems)
+        ++(p.severity == checker::Severity::Error ? errors : warnings);
+    std::fprintf(stderr, "Tolvar: %s changed: %zu games, %zu errors, %zu warnings\n", rules_.path().c_str(),
+                 library_.allGameRules() ? library_.allGameRules()->asDictionary()->size() : std::size_t{0}, errors,
+                 warnings);
+    mainFrames_ = kMainWindowFramesPerChange;
+}
+
+bool TolvarAppDelegate::initWindow() {
+    // The game window with its context and fixed state, made hidden: nothing is seen before Start.
+    gameWindow = std::make_unique<MyWindow>("", static_cast<int>(winWidth), static_cast<int>(winHeight));
+    if (!gameWindow->valid()) return false;
+    gameWindow->makeCurrentContext();
+    view_->initWindowState();
+    gameWindow->fitToUsableArea();
+    gameWindow->center();
+    // The background.
+    view_->loadBGTexture();
+    // Named once it is ready to show a game.
+    SDL_SetWindowTitle(gameWindow->sdlWindow(), "Tolvar");
+    return true;
+}
+
+// ---------------------------------------------------------------- the run loop
+
+int TolvarAppDelegate::run() {
+    // The main window's first frame goes up before anything else is made.
+    drawWindows();
+    if (!initWindow()) return 1;
+    if (!startTitle_.empty()) {
+        const auto& titles = library_.gameMenu();
+        if (std::find(titles.begin() + 1, titles.end(), startTitle_) == titles.end()) {
+            std::fprintf(stderr, "tolvar: no game titled \"%s\" in %s\n", startTitle_.c_str(), rules_.path().c_str());
+        } else {
+            selectGame(startTitle_);
+            startGame();
+        }
+    }
+    try {
+        runLoop();
+    } catch (const std::exception& e) {
+        // Whatever stops the loop, a window's failure included, the unfinished game is kept.
+        std::fprintf(stderr, "tolvar: stopped by an error: %s\n", e.what());
+        saveGameOnQuit();
+        return 1;
+    }
+    saveGameOnQuit();
+    return 0;
+}
+
+void TolvarAppDelegate::runLoop() {
+    while (!quit_) {
+        int timeoutMs = -1;
+        const double untilTimer = timers_.secondsUntilNextDue();
+        if (untilTimer >= 0.0) timeoutMs = static_cast<int>(std::ceil(untilTimer * 1000.0));
+        if (mainFrames_ > 0 || popupFrames_ > 0 || helpFrames_ > 0) timeoutMs = 0;
+
+        SDL_Event event;
+        const int got = timeoutMs < 0 ? SDL_WaitEvent(&event) : SDL_WaitEventTimeout(&event, timeoutMs);
+        if (got) {
+            dispatch(event);
+            while (!quit_ && SDL_PollEvent(&event)) dispatch(event);
+        }
+        if (quit_) break;
+        timers_.fireDue();
+        if (quit_) break;
+        drawWindows();
+    }
+}
+
+void TolvarAppDelegate::drawWindows() {
+    const std::string signature = menuSignature();
+    if (signature != lastMenuSignature_) {
+        lastMenuSignature_ = signature;
+        mainFrames_ = kMainWindowFramesPerChange;
+        popupFrames_ = kMainWindowFramesPerChange;
+    }
+    if (window && mainFrames_ > 0) {
+        --mainFrames_;
+        if (window->surface().isVisible()) {
+            const bool running = gameWindow && gameWindow->isVisible();
+            std::vector<ShellCommand> commands = window->draw(library_, menu_, gameMenuState(), running, rules_,
+                                                              canContinue(), continueText(), continueProblem());
+            if (gameWindow) gameWindow->makeCurrentContext();
+            runCommands(commands);
+        }
+    }
+    if (helpWindow_ && helpFrames_ > 0) {
+        --helpFrames_;
+        if (helpWindow_->isOpen() && !helpWindow_->draw()) helpWindow_->close();
+        if (gameWindow) gameWindow->makeCurrentContext();
+    }
+    if (popupFrames_ > 0) {
+        --popupFrames_;
+        if (popup_ && popup_->isOpen()) {
+            const ActionsPopup::Choice chosen = popup_->draw(menu_, gameMenuState());
+            gameWindow->makeCurrentContext();
+            if (chosen.kind != ActionsPopup::Choice::Kind::None) closePopup();
+            switch (chosen.kind) {
+                case ActionsPopup::Choice::Kind::None: break;
+                case ActionsPopup::Choice::Kind::Action: checkMenuAction(chosen.actionIndex); break;
+                case ActionsPopup::Choice::Kind::Game: runProgramCommand(chosen.command); break;
+                case ActionsPopup::Choice::Kind::ReturnToMain: returnToMain(); break;
+            }
+        }
+    }
+}
+
+void TolvarAppDelegate::runCommands(const std::vector<ShellCommand>& commands) {
+    for (const ShellCommand& c : commands) {
+        switch (c.kind) {
+            case ShellCommand::Kind::SelectGame: selectGame(c.title); break;
+            case ShellCommand::Kind::StartGame: startGame(); break;
+            case ShellCommand::Kind::ReturnToMain: returnToMain(); break;
+            case ShellCommand::Kind::MenuAction: checkMenuAction(c.itemIndex); break;
+            case ShellCommand::Kind::Quit: terminate(); break;
+            case ShellCommand::Kind::Program: runProgramCommand(c.command); break;
+            case ShellCommand::Kind::ContinueGame: continueGame(); break;
+        }
+        mainFrames_ = kMainWindowFramesPerChange;
+    }
+}
+
+std::string TolvarAppDelegate::menuSignature() const {
+    std::string s = menu_.enabled() ? "1" : "0";
+    for (const ActionsMenuItem& item : menu_.items()) {
+        s += item.title;
+        s += item.enabled ? '+' : '-';
+        s += static_cast<char>(item.keyEquivalent);
+    }
+    s += gameWindow && gameWindow->isVisible() ? 'g' : 'm';
+    s += canContinue() ? 'c' : '-';
+    s += continueText() + continueProblem();
+    const GameMenuState game = gameMenuState();
+    for (const bool possible : {game.newGame, game.undo, game.redo, game.hint}) s += possible ? '+' : '-';
+    return s;
+}
+
+// ---------------------------------------------------------------- the main window's actions
+
+void TolvarAppDelegate::selectGame(const std::string& title) {
+    library_.selectGame(title);
+    mainFrames_ = kMainWindowFramesPerChange;
+}
+
+void TolvarAppDelegate::startGame() {
+    // A game with errors is not started; the main window lists them.
+    if (rules_.refuses(library_.selectedTitle())) return;
+    gameWindow->makeCurrentContext();
+    engine_->startGame(library_.currentRules(), menu_);
+}
+
+void TolvarAppDelegate::returnToMain() {
+    if (popup_) closePopup();
+    gameWindow->makeCurrentContext();
+    engine_->returnToMain();
+}
+
+void TolvarAppDelegate::checkMenuAction(int itemIndex) {
+    gameWindow->makeCurrentContext();
+    engine_->checkMenuAction(menu_, itemIndex);
+}
+
+// ---------------------------------------------------------------- Host
+
+void TolvarAppDelegate::runAlert(const std::string& title, const std::string& message, const std::string& button) {
+    const bool gameShown = gameWindow && gameWindow->isVisible();
+    runAlertPanel(gameShown ? gameWindow->sdlWindow() : nullptr, title, message, button);
+    if (gameWindow) gameWindow->makeCurrentContext();
+    if (gameShown) SDL_SetWindowInputFocus(gameWindow->sdlWindow());
+}
+
+bool TolvarAppDelegate::scoresTimerRunning() const { return timers_.isValid(scoresTimer); }
+
+void TolvarAppDelegate::startScoresTimer(const Value& scores) {
+    if (timers_.isValid(scoresTimer)) return;
+    scoresList_ = scores;
+    scoresTimer = timers_.schedule(kScoresTimerInterval, [this] {
+        // The list is held by the timer, as its user info.
+        const Value scores = scoresList_;
+        view_->scoresTimerFired(scores);
+    });
+}
+
+void TolvarAppDelegate::stopScoresTimer() {
+    timers_.invalidate(scoresTimer);
+    scoresTimer = 0;
+    scoresList_ = Value();
+}
+
+void TolvarAppDelegate::resetProjection() {
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0.0, winWidth, 0.0, winHeight, 600.0, -600.0);
+}
+
+void TolvarAppDelegate::showGameWindow() {
+    if (!gameWindow) return;
+    gameWindow->orderFront();
+    gameWindow->makeCurrentContext();
+    view_->setNeedsDisplay();
+    if (eventTickSuspended_) {
+        eventTickSuspended_ = false;
+        eventTimer = timers_.schedule(kEventTimerInterval, [this] { eventTick(); });
+    }
+}
+
+void TolvarAppDelegate::hideGameWindow() {
+    if (popup_) closePopup();
+    if (gameWindow) gameWindow->orderOut();
+    // Nobody sees a hidden game: its tick rests until the window is shown again, so the game
+    // costs nothing while the player is in the main window. Queued events wait for it.
+    if (eventTimer != 0) {
+        timers_.invalidate(eventTimer);
+        eventTimer = 0;
+        eventTickSuspended_ = true;
+    }
+}
+
+void TolvarAppDelegate::showMainWindow() {
+    if (!window) return;
+    window->surface().show();
+    mainFrames_ = kMainWindowFramesPerChange;
+}
+
+void TolvarAppDelegate::hideMainWindow() {
+    if (window) window->surface().hide();
+}
+
+void TolvarAppDelegate::scheduleEngineTimers() {
+    if (eventTimer != 0 || eventTickSuspended_) return;
+    eventTimer = timers_.schedule(kEventTimerInterval, [this] { eventTick(); });
+    userEventTimer = true;
+}
+
+void TolvarAppDelegate::eventTick() {
+    gameWindow->makeCurrentContext();
+    engine_->processEvents();
+    // An event that came while a start was pending is seen once the start has gone through.
+    checkUserEvents();
+}
+
+
+}  // namespace tolvar

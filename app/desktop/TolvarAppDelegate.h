@@ -1,0 +1,162 @@
+// The application: start-up, the two windows, the run loop with the game's timers, and the
+// desktop services the rule engine asks for (current event, alerts, score timer, projection).
+#pragma once
+
+#include <SDL.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "desktop/HelpWindow.h"
+#include "desktop/MainWindow.h"
+#include "desktop/MyWindow.h"
+#include "desktop/RulesWatch.h"
+#include "engine/BoardLayout.h"
+#include "engine/Engine.h"
+#include "engine/Host.h"
+#include "core/BestScoresFile.h"
+#include "core/DataFolder.h"
+#include "desktop/PageOpener.h"
+#include "desktop/ProgramKeys.h"
+#include "core/SavedGamesFile.h"
+#include "core/PropertyList.h"
+#include "desktop/RunLoop.h"
+#include "presentation/GameView.h"
+#include "rules/ActionsMenu.h"
+#include "rules/GameLibrary.h"
+
+namespace tolvar {
+
+class TolvarAppDelegate : public Host {
+public:
+    TolvarAppDelegate();
+    ~TolvarAppDelegate() override;
+    TolvarAppDelegate(const TolvarAppDelegate&) = delete;
+    TolvarAppDelegate& operator=(const TolvarAppDelegate&) = delete;
+
+    // Before start-up: play the games of rulesFile instead of the data folder's (which is then
+    // neither read nor written for rules), and start the game titled gameTitle at once when given.
+    void playFrom(const std::string& rulesFile, const std::string& gameTitle);
+    // Start-up: the main window; false when it could not be made.
+    bool applicationDidFinishLaunching();
+    // The run loop: makes the game window once the main window is up (status 1 when it cannot be
+    // made), and returns when the player quits.
+    int run();
+
+    // The main window's actions.
+    void selectGame(const std::string& title);
+    void startGame();
+    void returnToMain();
+    void checkMenuAction(int itemIndex);
+    void terminate() { quit_ = true; }
+
+    // Host
+    CurrentEvent currentEvent() override { return currentEvent_; }
+    void runAlert(const std::string& title, const std::string& message, const std::string& button) override;
+    bool scoresTimerRunning() const override;
+    void startScoresTimer(const Value& scores) override;
+    void stopScoresTimer() override;
+    void resetProjection() override;
+    void showGameWindow() override;
+    void hideGameWindow() override;
+    void showMainWindow() override;
+    void hideMainWindow() override;
+    void scheduleEngineTimers() override;
+    ScoreStore& scoreStore() override { return bestScores_; }
+    bool quitRequested() override;
+
+private:
+    bool initWindow();
+    void runLoop();
+    void dispatch(const SDL_Event& event);
+    // The program's keys (true: the key was a command, the game does not see it), the keyboard
+    // cursor and the "Actions" shortcuts.
+    bool keyShortcuts(const SDL_Event& event, const CurrentEvent& key, Uint32 windowID);
+    void runProgramCommand(ProgramCommand command);
+    GameMenuState gameMenuState() const;
+    bool playing() const;  // a board of the running game takes moves
+    void newGame();
+    void showHint();
+    void clearHint();
+    // Continue: the game kept after Return, or one saved when a copy of the program quit.
+    struct ContinueOffer {
+        enum class Kind { None, Kept, Saved };
+        Kind kind = Kind::None;
+        std::string title;
+    };
+    void readSavedGame();
+    void checkSavedGames();  // against the rules as they are now
+    const Value* rulesOf(const std::string& title) const;
+    ContinueOffer continueOffer() const;
+    void continueGame();
+    bool canContinue() const;
+    std::string continueText() const;     // which game Continue goes on with
+    std::string continueProblem() const;  // why it cannot
+    // Writes the running game (or, when it ended, takes its saved game out) beside the others.
+    void storeRunningGame();
+    void saveGameOnQuit();
+    void openHelpWindow();
+    void showHelp();
+    void showAbout();
+    // Help > Writing Games: the rules author's page in the desktop's viewer; when it cannot be
+    // opened, the help window tells why and where the page is.
+    void openWritingGames();
+    void writingGamesViewerEnded(Sint32 status);
+    void tellWhereWritingGamesIs(const std::string& problem, const std::string& path);
+    void checkUserEvents();
+    void eventTick();
+    void closePopup();
+    void runCommands(const std::vector<ShellCommand>& commands);
+    void drawWindows();
+    // While a tick holds a frame (the removal flash, a falling piece) or runs long: quit, close
+    // and uncover are answered at once; every other event waits, in order, for the run loop.
+    void holdFrame(double seconds);
+    void answerWindowsDuringTick(int timeoutMs);
+    void giveBackHeldEvents();
+    bool answersDuringTick(const SDL_Event& event);
+    std::string menuSignature() const;
+    // Reads the rules file again when it changed on disk (a look a second).
+    void reloadRulesWhenChanged();
+
+    std::unique_ptr<MyWindow> gameWindow;
+    std::unique_ptr<GameView> view_;
+    std::unique_ptr<Engine> engine_;
+    GameLibrary library_;
+    RulesWatch rules_;
+    std::string startTitle_;  // the game to start at once
+    BestScoresFile bestScores_{tolvarFolderPath()};
+    ActionsMenu menu_;
+    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<ActionsPopup> popup_;
+    std::unique_ptr<HelpWindow> helpWindow_;
+    PageOpener pageOpener_;
+    std::string writingGamesPath_;  // the page given to the viewer last
+
+    Timers timers_;
+    Timers::Id eventTimer = 0;
+    bool eventTickSuspended_ = false;  // the game window is hidden
+    bool userEventTimer = false;  // the input poll: after every event and every tick
+    Timers::Id scoresTimer = 0;
+    Value scoresList_;
+
+    std::string interfaceFont_;  // the font file of the main window and the pop-up
+    CurrentEvent currentEvent_;
+    std::vector<BoardCell> hint_;  // outlined until the next input
+    SavedGamesFile savedGames_{tolvarFolderPath()};
+    std::map<std::string, Value> saved_;          // the saved games offered, by title
+    std::map<std::string, Value> known_;          // each title's entry in the file, as this copy last saw it
+    std::map<std::string, std::string> refused_;  // why a saved game cannot be continued, by title
+    std::string continueNote_;                    // why the last Continue could not be, or a save's news
+    bool quit_ = false;
+    std::vector<SDL_Event> heldEvents_;  // events that wait for the tick to end
+    double lastAnswerDuringTick_ = 0.0;
+    int mainFrames_ = 0;   // frames of the main window still to draw
+    int popupFrames_ = 0;  // frames of the "Actions" pop-up still to draw
+    int helpFrames_ = 0;   // frames of the help window still to draw
+    static constexpr float kInterfaceFontPixels = 17.0f;
+    static constexpr int kMainWindowFramesPerChange = 3;  // ImGui settles hover and click states in a few frames
+    std::string lastMenuSignature_;
+};
+
+}  // namespace tolvar

@@ -1,0 +1,66 @@
+// Tolvar: start-up and the run loop.
+#include <GL/freeglut.h>
+#include <SDL.h>
+
+#include <clocale>
+#include <cstdio>
+#include <string>
+
+#include "desktop/TolvarAppDelegate.h"
+#include "core/CommandLine.h"
+
+namespace {
+
+constexpr const char* kHelp =
+    "usage: tolvar [--rules FILE [--game NAME]] [--help] [--version]\n"
+    "Plays the puzzle games of the rules file RulesDict.dict in $XDG_DATA_HOME/Tolvar\n"
+    "(~/.local/share/Tolvar): pick a game in the main window and press Start.\n"
+    "The engine's diagnostics are printed on standard output. A rules file saved while the\n"
+    "game runs is read again within a second, with what the checker finds in it.\n"
+    "\n"
+    "  --rules FILE  play the games of FILE instead (the data folder's rules file is then\n"
+    "                neither read nor written)\n"
+    "  --game NAME   start the game titled NAME at once\n"
+    "  --help        show this help and exit\n"
+    "  --version     show the version and exit\n";
+
+int usage(const std::string& why) {
+    std::fprintf(stderr, "tolvar: %s\nusage: tolvar [--rules FILE [--game NAME]] [--help] [--version]\n",
+                 why.c_str());
+    return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar", kHelp)) return 0;
+    std::string rulesFile, gameTitle;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        std::string* value = arg == "--rules" ? &rulesFile : arg == "--game" ? &gameTitle : nullptr;
+        if (!value) return usage("unknown argument " + arg);
+        if (++i >= argc || argv[i][0] == '\0') return usage(arg + " needs a value");
+        *value = argv[i];
+    }
+    // Diagnostic lines reach a pipe or a log as they are printed.
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    // Dates on the score screen follow the player's locale.
+    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_NUMERIC, "C");
+    if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_EVENTS) != 0) {
+        std::fprintf(stderr, "tolvar: cannot start the display: %s\n", SDL_GetError());
+        return 1;
+    }
+    // The board and score text use GLUT's bitmap font.
+    glutInit(&argc, argv);
+    int status = 1;
+    {
+        tolvar::TolvarAppDelegate delegate;
+        if (!rulesFile.empty() || !gameTitle.empty()) delegate.playFrom(rulesFile, gameTitle);
+        if (delegate.applicationDidFinishLaunching()) status = delegate.run();
+    }
+    // SDL stays initialised until the process ends: shutting it down would unload the OpenGL
+    // driver first, and the driver's own allocations could no longer be told apart from the
+    // game's by a leak checker. The windows and contexts are already gone with the delegate.
+    return status;
+}

@@ -1,0 +1,169 @@
+// Reading property lists: what the reading library would wrap, clamp or drop in silence is
+// refused with the keys and the value, a byte-order mark is skipped, and a pipe, a socket or a
+// device in place of any of the game's files is refused by kind without waiting on it.
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "FileTestHelpers.h"
+#include "RegularFile.h"
+#include "core/PlistFile.h"
+#include "core/Utf8.h"
+
+namespace tolvar {
+namespace {
+
+const char* kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n";
+
+std::string xmlGame(const std::string& entries) {
+    return std::string(kHead) + "<dict><key>G</key><dict>" + entries + "</dict></dict></plist>\n";
+}
+
+// Why bytes are refused, or "" when they read.
+std::string refusal(std::string_view bytes) {
+    auto read = parsePropertyList(bytes);
+    const PlistError* error = std::get_if<PlistError>(&read);
+    return error ? error->reason : std::string();
+}
+
+TEST(PlistRead, IntegersOutside64BitsAreRefusedWithTheirKeysAndValue) {
+    const std::pair<const char*, bool> cases[] = {
+        {"18446744073709551615", false}, {"-9223372036854775808", false}, {"0xFFFFFFFFFFFFFFFF", false},
+        {"18446744073709551616", true},  {"-9223372036854775809", true},  {"0x10000000000000000", true},
+        {" 1000000000000000000000000000000 ", true}};
+    for (const auto& [written, refused] : cases) {
+        SCOPED_TRACE(written);
+        const std::string why = refusal(xmlGame("<key>A</key><array><integer>1</integer><dict><key>ScoreMultiplier</key>"
+                                                "<integer>" + std::string(written) + "</integer></dict></array>"));
+        if (!refused) {
+            EXPECT_EQ(why, "");
+            continue;
+        }
+        std::string trimmed(written);
+        trimmed.erase(0, trimmed.find_first_not_of(' '));
+        trimmed.erase(trimmed.find_last_not_of(' ') + 1);
+        EXPECT_EQ(why.find("G/A/1/ScoreMultiplier: the integer " + trimmed + " does not fit in 64 bits"), 0u) << why;
+    }
+}
+
+// A binary file {"G": {"A": n}} with n written on 16 bytes.
+std::string binaryWide(const unsigned char (&value)[16]) {
+    std::string b = "bplist00";
+    const auto add = [&b](std::initializer_list<unsigned char> bytes) { b.append(bytes.begin(), bytes.end()); };
+    add({0xD1, 0x01, 0x02, 0x51, 'G', 0xD1, 0x03, 0x04, 0x51, 'A', 0x14});  // objects at 8, 11, 13, 16, 18
+    b.append(reinterpret_cast<const char*>(value), 16);
+    const std::size_t table = b.size();
+    add({8, 11, 13, 16, 18});
+    add({0, 0, 0, 0, 0, 0, 1, 1});                         // offset and reference sizes
+    add({0, 0, 0, 0, 0, 0, 0, 5, 0, 0, 0, 0, 0, 0, 0, 0});  // 5 objects, the first is the root
+    add({0, 0, 0, 0, 0, 0, 0, static_cast<unsigned char>(table)});
+    return b;
+}
+
+TEST(PlistRead, SixteenByteIntegersOfABinaryFileMustFitIn64Bits) {
+    const unsigned char max64[16] = {0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+    const unsigned char minus1[16] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                                      0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+    const unsigned char two64[16] = {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0};
+    const unsigned char belowMin[16] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                                        0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+    EXPECT_EQ(refusal(binaryWide(max64)), "");
+    EXPECT_EQ(refusal(binaryWide(minus1)), "");
+    EXPECT_EQ(refusal(binaryWide(two64)).find("G/A: the integer 18446744073709551616 does not fit"), 0u)
+        << refusal(binaryWide(two64));
+    EXPECT_EQ(refusal(binaryWide(belowMin)).find("G/A: the integer -9223372036854775809 does not fit"), 0u);
+}
+
+TEST(PlistRead, AKeyWrittenTwiceIsRefusedAndManyAreCounted) {
+    std::string many;
+    for (int i = 0; i < 300; ++i) many += "<key>BoardWidth</key><integer>5</integer>";
+    EXPECT_EQ(refusal(xmlGame(many)),
+              "G/BoardWidth: the key \"BoardWidth\" appears more than once in one dictionary; only one of its "
+              "values would be read (and 298 more like it)");
+    auto noted = parsePropertyListNoting(xmlGame(many));
+    ASSERT_TRUE(std::holds_alternative<ReadPropertyList>(noted));
+    const PlistFindings& findings = std::get<ReadPropertyList>(noted).findings;
+    EXPECT_EQ(findings.count, 299u);
+    EXPECT_EQ(findings.kept.size(), kMaxPlistFindings);
+    // The same key in two dictionaries is no repetition, nor is a key inside a comment or a text.
+    EXPECT_EQ(refusal(xmlGame("<key>A</key><dict><key>A</key><true/></dict><!-- <key>A</key> -->"
+                              "<key>B</key><string><![CDATA[<key>A</key>]]></string>")),
+              "");
+}
+
+TEST(PlistRead, AByteOrderMarkBeforeTheTextIsSkipped) {
+    const std::string text = xmlGame("<key>A</key><integer>3</integer>");
+    auto plain = parsePropertyList(text);
+    auto marked = parsePropertyList("\xEF\xBB\xBF" + text);
+    ASSERT_TRUE(std::holds_alternative<Value>(marked)) << refusal("\xEF\xBB\xBF" + text);
+    EXPECT_EQ(std::get<Value>(marked), std::get<Value>(plain));
+    EXPECT_EQ(refusal("\xEF\xBB\xBF"), "the file is empty");
+}
+
+struct NonRegularFiles : testing::ScratchFolder {};
+
+// What readPropertyListFile says of path, read in a child process that is killed when it does
+// not answer: a reader blocked on a pipe fails the test instead of hanging it.
+std::string refusalWithoutHanging(const std::string& path) {
+    int out[2];
+    if (pipe(out) != 0) return "no pipe";
+    const pid_t child = fork();
+    if (child == 0) {
+        close(out[0]);
+        auto read = readPropertyListFile(path);
+        const PlistError* error = std::get_if<PlistError>(&read);
+        const std::string why = error ? error->reason : "read";
+        (void)!write(out[1], why.data(), why.size());
+        _exit(0);
+    }
+    close(out[1]);
+    pollfd wait{out[0], POLLIN, 0};
+    constexpr int kHangGuardMs = 30000;  // a guard against a blocked reader, not a measure of speed
+    std::string why;
+    if (poll(&wait, 1, kHangGuardMs) <= 0) {
+        kill(child, SIGKILL);
+        why = "blocked";
+    } else {
+        char buffer[256];
+        for (ssize_t n; (n = read(out[0], buffer, sizeof buffer)) > 0;) why.append(buffer, static_cast<std::size_t>(n));
+    }
+    close(out[0]);
+    waitpid(child, nullptr, 0);
+    return why;
+}
+
+TEST_F(NonRegularFiles, PipesSocketsAndDevicesInPlaceOfTheGamesFilesAreRefusedByKind) {
+    for (const char* name : {"RulesDict.dict", "BestScores.dict", "SavedGame.dict"}) {
+        SCOPED_TRACE(name);
+        ASSERT_EQ(mkfifo(path(name).c_str(), 0600), 0);
+        EXPECT_EQ(refusalWithoutHanging(path(name)), "is not a regular file (a named pipe)");
+    }
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string socketPath = path("socket.dict");
+    ASSERT_LT(socketPath.size(), sizeof address.sun_path);
+    std::strcpy(address.sun_path, socketPath.c_str());
+    FileDescriptor listening(socket(AF_UNIX, SOCK_STREAM, 0));
+    ASSERT_EQ(bind(listening.fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(refusalWithoutHanging(socketPath), "is not a regular file (a socket)");
+    EXPECT_EQ(refusalWithoutHanging("/dev/zero"), "is not a regular file (a character device)");
+    EXPECT_EQ(refusalWithoutHanging(folder.string()), "is a folder, not a file");
+}
+
+TEST(Messages, JsonTextsStayUtf8AndPathsStayOnOneLine) {
+    const std::pair<std::string, std::string> utf8Cases[] = {
+        {"plain é ✓ 😀", "plain é ✓ 😀"}, {"a\xE9z", "a\uFFFDz"}, {"\xC0\xAF", "\uFFFD\uFFFD"},
+        {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"}, {"cut \xE2\x9C", "cut \uFFFD\uFFFD"}, {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"}};
+    for (const auto& [raw, valid] : utf8Cases) EXPECT_EQ(validUtf8(raw), valid);
+    EXPECT_EQ(shownPath("a\nb\tc\x1b" "d/é"), "a\\nb\\tc\\x1bd/é");
+}
+
+}  // namespace
+}  // namespace tolvar
