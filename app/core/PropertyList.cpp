@@ -90,16 +90,7 @@ Value* Dictionary::find(const std::string& key) {
     return at == entries_.size() ? nullptr : &entries_[at].second;
 }
 
-void Dictionary::set(const std::string& key, Value value) {
-    const std::size_t at = positionOf(key);
-    if (at != entries_.size()) {
-        entries_[at].second = std::move(value);
-        return;
-    }
-    append(std::string(key), std::move(value));
-}
-
-void Dictionary::set(std::string&& key, Value value) {
+void Dictionary::set(std::string key, Value value) {
     const std::size_t at = positionOf(key);
     if (at != entries_.size()) {
         entries_[at].second = std::move(value);

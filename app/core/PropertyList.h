@@ -44,9 +44,7 @@ public:
     const Value* find(const std::string& key) const;
     Value* find(const std::string& key);
     // Replaces the value of an existing key in place, or appends the key at the end.
-    void set(const std::string& key, Value value);
-    // The same, taking the key's text when it is added.
-    void set(std::string&& key, Value value);
+    void set(std::string key, Value value);
     bool erase(const std::string& key);
     std::size_t size() const;  // defined below, once Value is complete
     bool empty() const;
