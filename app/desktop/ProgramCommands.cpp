@@ -97,7 +97,7 @@ void TolvarAppDelegate::showHint() {
     if (!playing() || !gameWindow) return;
     gameWindow->makeCurrentContext();
     hint_ = engine_->hint();
-    view_->drawBoard();
+    view_->drawBoard(*gameInfo);
 }
 
 void TolvarAppDelegate::clearHint() {
@@ -105,7 +105,7 @@ void TolvarAppDelegate::clearHint() {
     hint_.clear();
     if (playing() && gameWindow && gameWindow->isVisible()) {
         gameWindow->makeCurrentContext();
-        view_->drawBoard();
+        view_->drawBoard(*gameInfo);
     }
 }
 

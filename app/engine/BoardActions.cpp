@@ -6,7 +6,6 @@
 
 #include "engine/BoardSetup.h"
 #include "engine/RandomSequence.h"
-#include "engine/SelectColor.h"
 
 namespace tolvar {
 
@@ -48,7 +47,7 @@ void BoardActions::performActionCollapseInDirection(int direction) {
                 for (; k < h - 1; ++k) {
                     BoardPiece& source = b.getBoardPieceAtX(x, k + 1);
                     if (source.pieceID == 0) continue;
-                    ctx_.view.animatePiece(source, static_cast<std::uint32_t>(x),
+                    ctx_.view.animatePiece(ctx_.game(), source, static_cast<std::uint32_t>(x),
                                            static_cast<std::uint32_t>(k + 1),
                                            static_cast<std::uint32_t>(x),
                                            static_cast<std::uint32_t>(y));
@@ -180,13 +179,14 @@ void BoardActions::performActionSelectColor(const GameAction& action) {
 
 void BoardActions::flashAndRemove() {
     for (int frame = 0; frame < 6; ++frame) {
-        gSelectColor.red = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
-        gSelectColor.green = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
-        gSelectColor.blue = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
-        ctx_.view.drawBoard();
+        SelectColor& flash = ctx_.game().selectColor;
+        flash.red = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
+        flash.green = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
+        flash.blue = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
+        ctx_.view.drawBoard(ctx_.game());
         ctx_.view.pauseForFlash();
     }
-    gSelectColor = kDefaultSelectColor;
+    ctx_.game().selectColor = kDefaultSelectColor;
     removeSelectedPieces();
 }
 
@@ -270,7 +270,7 @@ void BoardActions::performActionResolveMatches() {
                 flashAndRemove();
             }
         }
-        ctx_.view.drawBoard();
+        ctx_.view.drawBoard(ctx_.game());
         // Lines that nothing removes would be found again for ever: stop after such a pass.
         if (b.countPieces() >= before) break;
     }

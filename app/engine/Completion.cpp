@@ -143,7 +143,7 @@ void Completion::performActionCheckForGameCompletion() {
                     done = false;
                 } else {
                     done = true;
-                    ctx_.view.drawBoard();
+                    ctx_.view.drawBoard(ctx_.game());
                 }
             }
         }

@@ -23,7 +23,7 @@ void Dispatcher::processEvents() {
     }
     runaway_.queueEmptied();
     ctx_.view.showMotion(true);
-    if (ctx_.gamePaused == 0) ctx_.view.drawBoard();
+    if (ctx_.gamePaused == 0) ctx_.view.drawBoard(ctx_.game());
 }
 
 void Dispatcher::stopRunawayGame(const SupportedEvent& looping) {
@@ -63,26 +63,26 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
         switch (a->actionType) {
             case kActionAddScore:
                 game.score += amount * game.scoreMultiplier;
-                ctx_.view.drawBoard();
+                ctx_.view.drawBoard(ctx_.game());
                 break;
             case kActionAddMultiplier:
                 game.scoreMultiplier += amount;
                 break;
             case kActionCollapseInDirection:
-                ctx_.view.drawBoard();
+                ctx_.view.drawBoard(ctx_.game());
                 actions_.performActionCollapseInDirection(a->direction);
-                ctx_.view.drawBoard();
+                ctx_.view.drawBoard(ctx_.game());
                 break;
             case kActionSelectColor:
                 actions_.performActionSelectColor(*a);
                 break;
             case kActionCollapseEmptyRows:
                 actions_.performActionCollapseEmptyRows(a->direction);
-                ctx_.view.drawBoard();
+                ctx_.view.drawBoard(ctx_.game());
                 break;
             case kActionCollapseFullRows:
                 actions_.performActionCollapseFullRows(a->direction);
-                ctx_.view.drawBoard();
+                ctx_.view.drawBoard(ctx_.game());
                 break;
             case kActionCheckForGameCompletion: {
                 // Only the last of several pending pieces-removed events runs the test.
@@ -97,7 +97,7 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
                 bestScores_.performActionCheckBestScores(*a);
                 break;
             case kActionShowMessage:
-                ctx_.view.drawBoard();
+                ctx_.view.drawBoard(ctx_.game());
                 ctx_.host.runAlert(" ", a->message.value_or(std::string()), "OK");
                 break;
             case kActionAddVariableToScore:

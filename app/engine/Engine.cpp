@@ -137,7 +137,7 @@ void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
     setupGame(*gameInfo, ctx.view);
     ++ctx.boardsDealt;
     impl_->forgetBoard();
-    ctx.view.drawBoard();
+    ctx.view.drawBoard(ctx.game());
     ctx.host.hideMainWindow();
     ctx.gameStarted = 1;
     ctx.gamePaused = 0;
@@ -216,7 +216,7 @@ bool Engine::undo() {
     if (impl_->busy || !canUndo()) return false;
     Impl::Busy busy(impl_->busy);
     restoreSnapshot(impl_->ctx, impl_->history.undo()->before);
-    impl_->ctx.view.drawBoard();
+    impl_->ctx.view.drawBoard(impl_->ctx.game());
     return true;
 }
 
@@ -226,7 +226,7 @@ bool Engine::redo() {
     const std::optional<Move> move = impl_->history.takeRedo();
     restoreSnapshot(impl_->ctx, move->before);
     for (const PlayerInput& in : move->inputs) impl_->play(in, true);
-    impl_->ctx.view.drawBoard();
+    impl_->ctx.view.drawBoard(impl_->ctx.game());
     return true;
 }
 
@@ -267,7 +267,7 @@ bool Engine::cursorKey(const CurrentEvent& keyDown) {
         im.cursor->column = step(im.cursor->column, dx, game.boardWidth);
         im.cursor->row = step(im.cursor->row, dy, game.boardHeight);
     }
-    im.ctx.view.drawBoard();
+    im.ctx.view.drawBoard(im.ctx.game());
     return true;
 }
 
@@ -282,7 +282,7 @@ bool Engine::resumeGame() {
     EngineContext& ctx = impl_->ctx;
     ctx.host.showGameWindow();
     impl_->show();
-    ctx.view.drawBoard();
+    ctx.view.drawBoard(ctx.game());
     ctx.host.hideMainWindow();
     return true;
 }
@@ -348,7 +348,7 @@ std::string Engine::continueGame(const Value& saved, const Value* rules, Actions
     restoreSnapshot(ctx, c.snapshot);
     ++ctx.boardsDealt;
     impl_->forgetBoard();
-    ctx.view.drawBoard();
+    ctx.view.drawBoard(ctx.game());
     ctx.host.hideMainWindow();
     if (ctx.host.scoresTimerRunning()) ctx.host.stopScoresTimer();
     if (!impl_->timersScheduled) {

@@ -13,8 +13,8 @@ namespace tolvar {
 
 class QuietView : public View {
 public:
-    void drawBoard() override {}
-    void animatePiece(const BoardPiece&, std::uint32_t, std::uint32_t, std::uint32_t,
+    void drawBoard(const GameInfo&) override {}
+    void animatePiece(const GameInfo&, const BoardPiece&, std::uint32_t, std::uint32_t, std::uint32_t,
                       std::uint32_t) override {}
     void displayScores(const Value&, int) override {}
     void clearPieceSprites(int) override {}

@@ -34,7 +34,7 @@ void UserInput::restartGame() {
     ctx_.host.resetProjection();
     setupGame(game, ctx_.view);
     ++ctx_.boardsDealt;
-    ctx_.view.drawBoard();
+    ctx_.view.drawBoard(ctx_.game());
     ctx_.gameStarted = 1;
     ctx_.gamePaused = 0;
 }
@@ -116,7 +116,7 @@ void UserInput::processUserEvent(const SupportedUserEvent& u) {
             }
             a->selected = 0;
             b->selected = 0;
-            ctx_.view.drawBoard();
+            ctx_.view.drawBoard(ctx_.game());
             break;
         }
         case kUserEventSelectColorRegion: {
@@ -130,7 +130,7 @@ void UserInput::processUserEvent(const SupportedUserEvent& u) {
                     board.selectRegionColorPieces(*ctx_.upPiece, flags);
                 else
                     board.deSelectRegionColorPieces(*ctx_.upPiece, flags);
-                ctx_.view.drawBoard();
+                ctx_.view.drawBoard(ctx_.game());
             }
             break;
         }

@@ -12,11 +12,11 @@ namespace tolvar {
 class View {
 public:
     virtual ~View() = default;
-    // One complete frame of the running game (gameInfo set, with a board).
-    virtual void drawBoard() = 0;
+    // One complete frame of the game (with a board): its pieces, selection outline, score and name.
+    virtual void drawBoard(const GameInfo& game) = 0;
     // Moves a copy of piece cell by cell from (startX, startY) to (endX, endY) on screen and
     // returns when it has arrived; the board itself is not changed.
-    virtual void animatePiece(const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
+    virtual void animatePiece(const GameInfo& game, const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
                               std::uint32_t endX, std::uint32_t endY) = 0;
     // The score screen for a game's best-score array, highlighting row highlight (-1: keep the
     // row highlighted before). Makes sure the score timer runs (through the Host).

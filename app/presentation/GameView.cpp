@@ -17,7 +17,6 @@
 #include "FileIO.h"
 #include "ImageFile.h"
 #include "engine/BoardLayout.h"
-#include "engine/SelectColor.h"
 #include "presentation/DrawingGlobals.h"
 #include "presentation/DrawingHelpers.h"
 #include "presentation/ScoreText.h"
@@ -177,18 +176,17 @@ void GameView::drawBackground(float z) {
 void GameView::showMotion(bool shown) {
     const bool framesSkipped = shown && !motionShown_;
     motionShown_ = shown;
-    if (framesSkipped) drawBoard();  // the board as the chain left it
+    if (framesSkipped && gameInfo) drawBoard(*gameInfo);  // the board as the chain left it
 }
 
-void GameView::drawBoard() {
-    if (!motionShown_ || !gameInfo || gameInfo->boardWidth < 1 || gameInfo->boardHeight < 1) return;
-    const GameInfo& game = *gameInfo;
+void GameView::drawBoard(const GameInfo& game) {
+    if (!motionShown_ || game.boardWidth < 1 || game.boardHeight < 1) return;
     const BoardLayout L = computeBoardLayout(game);
     FrameLook frame;
     frame.boardWidth = game.boardWidth, frame.boardHeight = game.boardHeight;
     frame.score = game.score, frame.gameName = game.gameName, frame.background = bgTexture_;
     frame.border[0] = gBorderColor.red, frame.border[1] = gBorderColor.green, frame.border[2] = gBorderColor.blue;
-    const float outline[3] = {gSelectColor.red, gSelectColor.green, gSelectColor.blue};
+    const float outline[3] = {game.selectColor.red, game.selectColor.green, game.selectColor.blue};
     // A selected model turns a little on every frame; a model that cannot be read draws nothing.
     const bool modelShown = pieceSprites[1] != nullptr || !pieceModelMissing_;
     const auto turning = [&](const BoardPiece& piece) { return piece.selected && piece.shapeIndex == 1 && modelShown; };
@@ -213,7 +211,7 @@ void GameView::drawBoard() {
             const int y1 = view[1] + static_cast<int>(std::ceil(patch.y1 * sy));
             glEnable(GL_SCISSOR_TEST);
             glScissor(x0, y0, x1 - x0, y1 - y0);
-            drawBoardPicture(L, &patch, marks);
+            drawBoardPicture(game, L, &patch, marks);
         }
         glPopAttrib();
         if (!changed->empty()) {
@@ -221,7 +219,7 @@ void GameView::drawBoard() {
             if (window_.flushBuffer) window_.flushBuffer();
         }
     } else {
-        drawBoardPicture(L, nullptr, marks);
+        drawBoardPicture(game, L, nullptr, marks);
         glFlush();
         if (window_.flushBuffer) window_.flushBuffer();
     }
@@ -233,8 +231,8 @@ void GameView::setNeedsDisplay() { shown_.forget(); }
 
 void GameView::setNeedsDisplayInCell(std::uint32_t x, std::uint32_t y) { shown_.forgetCell(x, y); }
 
-void GameView::drawBoardPicture(const BoardLayout& L, const PixelRect* patch, const BoardMarks& marks) {
-    const GameInfo& game = *gameInfo;
+void GameView::drawBoardPicture(const GameInfo& game, const BoardLayout& L, const PixelRect* patch,
+                                const BoardMarks& marks) {
     glClearDepth(200.0);
     glClear(GL_DEPTH_BUFFER_BIT);
     // The background's depth bounds the models, whatever the score screen left switched off.
@@ -266,7 +264,7 @@ void GameView::drawBoardPicture(const BoardLayout& L, const PixelRect* patch, co
             // A patch needs only the pieces that reach into it, drawn as the whole frame draws them.
             if (patch && !patch->intersects(pieceReach(L, x, y))) continue;
             drawPiece(&piece, static_cast<float>(x) * L.w + L.left, static_cast<float>(y) * L.h + L.m, L.pw,
-                      L.ph);
+                      L.ph, game.selectColor);
         }
     }
 

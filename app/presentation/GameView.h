@@ -63,8 +63,8 @@ public:
     std::uint32_t bgTexture() const { return bgTexture_; }
 
     // View
-    void drawBoard() override;
-    void animatePiece(const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
+    void drawBoard(const GameInfo& game) override;
+    void animatePiece(const GameInfo& game, const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
                       std::uint32_t endX, std::uint32_t endY) override;
     void displayScores(const Value& scores, int highlight) override;
     void clearPieceSprites(int forget) override;
@@ -77,8 +77,10 @@ public:
     // Marks one cell's patch for the next frame (something was drawn over it).
     void setNeedsDisplayInCell(std::uint32_t x, std::uint32_t y);
 
-    void drawPiece(const BoardPiece* piece, float X, float Y, float width, float height);
-    void drawIndividualPiece(const BoardPiece* piece);
+    // One piece in the rectangle X, Y, width, height; a selected one outlined in outline.
+    void drawPiece(const BoardPiece* piece, float X, float Y, float width, float height, const SelectColor& outline);
+    // One piece over the board's last frame, in its cell.
+    void drawIndividualPiece(const GameInfo& game, const BoardPiece* piece);
     // scoresTimerFired: with the timer's list of scores.
     void scoresTimerFired(const Value& scores);
 
@@ -102,7 +104,7 @@ private:
     void drawScoresFrame(const Value& scores);
     // The board's frame: background, border, pieces and texts; within patch only the pieces that
     // reach into it (the caller clips to it).
-    void drawBoardPicture(const BoardLayout& L, const PixelRect* patch, const BoardMarks& marks);
+    void drawBoardPicture(const GameInfo& game, const BoardLayout& L, const PixelRect* patch, const BoardMarks& marks);
     void makeScoreModels();
     void flyScoreModels();
 

@@ -10,7 +10,6 @@
 
 #include "DXFtoSprite.h"
 #include "engine/BoardLayout.h"
-#include "engine/SelectColor.h"
 #include "presentation/DrawingGlobals.h"
 #include "presentation/DrawingHelpers.h"
 #include "presentation/ShownBoard.h"
@@ -144,7 +143,8 @@ void GameView::drawFigure(const BoardPiece& piece, float X, float Y, float W, fl
     }
 }
 
-void GameView::drawPiece(const BoardPiece* piece, float X, float Y, float width, float height) {
+void GameView::drawPiece(const BoardPiece* piece, float X, float Y, float width, float height,
+                         const SelectColor& outline) {
     if (!piece) return;
     const float W = width;
     const float H = height;
@@ -178,7 +178,7 @@ void GameView::drawPiece(const BoardPiece* piece, float X, float Y, float width,
         // The outline shows the select colour itself, unlit, whatever normal the model left behind.
         glDisable(GL_LIGHTING);
         glLineWidth(2.0f);
-        glColor3f(gSelectColor.red, gSelectColor.green, gSelectColor.blue);
+        glColor3f(outline.red, outline.green, outline.blue);
         glBegin(GL_LINE_STRIP);
         glVertex2f(X - 1, Y - 1);
         glVertex2f(X + W + 1, Y - 1);
@@ -191,9 +191,9 @@ void GameView::drawPiece(const BoardPiece* piece, float X, float Y, float width,
     }
 }
 
-void GameView::drawIndividualPiece(const BoardPiece* piece) {
-    if (!piece || !gameInfo || gameInfo->boardWidth < 1 || gameInfo->boardHeight < 1) return;
-    const BoardLayout L = computeBoardLayout(*gameInfo);
+void GameView::drawIndividualPiece(const GameInfo& game, const BoardPiece* piece) {
+    if (!piece || game.boardWidth < 1 || game.boardHeight < 1) return;
+    const BoardLayout L = computeBoardLayout(game);
     const float X = static_cast<float>(piece->x) * L.w + L.left;
     const float Y = static_cast<float>(piece->y) * L.h + L.m;
     const float W = L.pw;
@@ -250,7 +250,7 @@ void GameView::drawIndividualPiece(const BoardPiece* piece) {
     shown_.forgetCell(piece->x, piece->y);
 }
 
-void GameView::animatePiece(const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
+void GameView::animatePiece(const GameInfo& game, const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
                             std::uint32_t endX, std::uint32_t endY) {
     if (!motionShown_) return;  // the next frame of the board shows the piece where it lands
     BoardPiece moving = piece;
@@ -263,13 +263,13 @@ void GameView::animatePiece(const BoardPiece& piece, std::uint32_t startX, std::
     };
     do {
         moving.red = moving.green = moving.blue = 0.0f;
-        drawIndividualPiece(&moving);
+        drawIndividualPiece(game, &moving);
         moving.x = toward(moving.x, endX);
         moving.y = toward(moving.y, endY);
         moving.red = piece.red;
         moving.green = piece.green;
         moving.blue = piece.blue;
-        drawIndividualPiece(&moving);
+        drawIndividualPiece(game, &moving);
         if (window_.hold) window_.hold(kFallingStepSeconds);
     } while (moving.x != endX || moving.y != endY);
 }

@@ -88,7 +88,9 @@ void GameView::redrawLastFrame() {
     shown_.forget();
     switch (lastFrame_) {
         case Frame::None: break;
-        case Frame::Board: drawBoard(); break;
+        case Frame::Board:
+            if (gameInfo) drawBoard(*gameInfo);
+            break;
         case Frame::Scores: drawScoresFrame(lastScores_); break;
     }
 }

@@ -168,6 +168,12 @@ struct BoardPiece {
     bool operator==(const BoardPiece&) const = default;
 };
 
+// The colour of the outline round a selected piece; the removal flash changes it for six frames.
+struct SelectColor {
+    float red, green, blue;
+};
+inline constexpr SelectColor kDefaultSelectColor{0.5f, 0.1f, 0.1f};
+
 struct GameInfo {
     std::uint8_t boardHeight = 0;
     std::uint8_t boardWidth = 0;
@@ -193,6 +199,7 @@ struct GameInfo {
     std::unique_ptr<SupportedUserEvent> userEvents;
     std::unique_ptr<CompletionCriterion> completionCriteria;
     std::unique_ptr<GameVariable> variables;
+    SelectColor selectColor = kDefaultSelectColor;
 
     bool hasBoard() const { return !board.empty(); }
 };

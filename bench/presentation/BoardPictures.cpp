@@ -71,7 +71,7 @@ int main(int argc, char** argv) {
             continue;
         }
         gameInfo->score = 12;
-        view.drawBoard();
+        view.drawBoard(*gameInfo);
         ok = save(folder, "board-" + lower(name) + ".png") && ok;
     }
 
@@ -99,7 +99,7 @@ int main(int argc, char** argv) {
             }
         gameInfo = std::move(game);
         view.clearPieceSprites(0);
-        view.drawBoard();
+        view.drawBoard(*gameInfo);
         ok = save(folder, "board-figures.png") && ok;
     }
 
@@ -111,7 +111,7 @@ int main(int argc, char** argv) {
             if (p.colorIndex == first.colorIndex && p.x < 3 && p.y < 3) p.selected = 1;
         window.mouseX = 200;
         window.mouseY = 150;
-        for (int i = 0; i < 20; ++i) view.drawBoard();
+        for (int i = 0; i < 20; ++i) view.drawBoard(*gameInfo);
         ok = save(folder, "board-selection.png") && ok;
 
         // The score screen after a game: five best scores, the second one new.

@@ -35,7 +35,7 @@ void timeFramesOf(benchmark::State& state, const std::string& name, bool withBac
         state.SkipWithError(("cannot start " + name).c_str());
         return;
     }
-    view.drawBoard();
+    view.drawBoard(*gameInfo);
     glFinish();
     frames(view);
     gameInfo.reset();
@@ -45,7 +45,7 @@ void drawBoardOf(benchmark::State& state, const std::string& name, bool withBack
     timeFramesOf(state, name, withBackground, [&](GameView& view) {
         for (auto _ : state) {
             view.setNeedsDisplay();
-            view.drawBoard();
+            view.drawBoard(*gameInfo);
             glFinish();
         }
         state.counters["cells"] = static_cast<double>(gameInfo->board.size());
@@ -58,7 +58,7 @@ void drawOneCellOf(benchmark::State& state, const std::string& name) {
         BoardPiece& piece = gameInfo->board[gameInfo->board.size() / 2];
         for (auto _ : state) {
             piece.red = piece.red > 0.5f ? 0.0f : 1.0f;
-            view.drawBoard();
+            view.drawBoard(*gameInfo);
             glFinish();
         }
     });

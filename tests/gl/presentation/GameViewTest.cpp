@@ -12,7 +12,6 @@
 #include "FileIO.h"
 #include "GlTestWindow.h"
 #include "engine/BoardLayout.h"
-#include "engine/SelectColor.h"
 #include "presentation/DrawingGlobals.h"
 
 namespace tolvar::test {
@@ -33,7 +32,6 @@ protected:
     void SetUp() override {
         std::string why;
         ASSERT_TRUE(openTestWindow(why)) << why;
-        gSelectColor = kDefaultSelectColor;
         makeGame(4, 4, 0);
     }
     void TearDown() override { gameInfo.reset(); }
@@ -76,7 +74,7 @@ TEST_F(GameViewTest, FrameAndPiecesStandAtTheirComputedPlaces) {
     for (const auto& [w, h, shape, square, launcher, left, right, top, bottom] : cases) {
         SCOPED_TRACE(testing::Message() << w << " x " << h << " of shape " << shape << (launcher ? " with launcher" : ""));
         makeGame(w, h, static_cast<std::uint8_t>(shape), square, launcher);
-        view.drawBoard();
+        view.drawBoard(*gameInfo);
         for (int x : {left, right}) {
             if (!x) continue;
             EXPECT_GT(countPixels(x - 2, 300, x + 2, 300, isFrame), 0) << "side at " << x;
@@ -103,9 +101,9 @@ TEST_F(GameViewTest, ASpikyPieceAloneCoversItsCellsCentreInItsColour) {
             const Rect r = cellRect(side / 2, side / 2);
             const int cx = (r.x0 + r.x1) / 2, cy = (r.y0 + r.y1) / 2;
             view.setNeedsDisplay();
-            view.drawBoard();
+            view.drawBoard(*gameInfo);
             EXPECT_TRUE(looksLike(pixelAt(cx, cy), piece)) << "with the board";
-            view.drawIndividualPiece(&piece);
+            view.drawIndividualPiece(*gameInfo, &piece);
             EXPECT_TRUE(looksLike(pixelAt(cx, cy), piece)) << "alone in its cell";
         }
     }
@@ -120,7 +118,7 @@ TEST_F(GameViewTest, AllTenFiguresShowDespiteBackFaceCullingOnABlackWindow) {
     cell(11, 0).pieceID = 0, cell(11, 0).selected = 1;  // an empty cell, even selected, shows nothing
     glClearColor(0.2f, 0.6f, 0.9f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
-    view.drawBoard();
+    view.drawBoard(*gameInfo);
     auto lit = [](const Rgb& p) { return p.r > 60 && p.g > 60 && p.b > 60; };
     for (int x = 0; x < 12; ++x) {
         const int shape = cell(x, 0).shapeIndex;
@@ -147,11 +145,11 @@ TEST_F(GameViewTest, SelectionIsOutlinedInTheSelectColour) {
         return (countPixels(q.cx, q.y0 - 3, q.cx, q.y0 + 1, colour) > 0) + (countPixels(q.cx, q.y1 - 1, q.cx, q.y1 + 3, colour) > 0) +
                (countPixels(q.x0 - 3, my, q.x0 + 1, my, colour) > 0);
     };
-    view.drawBoard();
+    view.drawBoard(*gameInfo);
     EXPECT_EQ(sides(cellRect(2, 3), isRed), 3);
     EXPECT_EQ(sides(cellRect(4, 1), isRed), 0) << "another cell";
-    gSelectColor = SelectColor{0.0f, 1.0f, 0.0f};  // the removal flash's colour
-    view.drawBoard();
+    gameInfo->selectColor = SelectColor{0.0f, 1.0f, 0.0f};  // the removal flash's colour
+    view.drawBoard(*gameInfo);
     EXPECT_EQ(sides(cellRect(2, 3), [](const Rgb& q) { return q.g > 90 && q.r < 40 && q.b < 40; }), 3);
 }
 
@@ -183,7 +181,7 @@ TEST_F(GameViewTest, CursorAndHintAreOutlinedInTheirOwnColours) {
         SCOPED_TRACE(testing::Message() << (c.cursor ? "cursor " : "no cursor ") << c.hint.size() << " hinted");
         marks = {c.cursor, c.hint};
         cell(4, 1).selected = 1;  // a hint shows over a selection's outline
-        marked.drawBoard();
+        marked.drawBoard(*gameInfo);
         for (int x = 0; x < 6; ++x)
             for (int y = 0; y < 6; ++y) {
                 const bool cursor = c.cursor && *c.cursor == BoardCell{std::uint32_t(x), std::uint32_t(y)};
@@ -198,7 +196,7 @@ TEST_F(GameViewTest, ScoreAndNameAreWrittenBesideTheBoardAndCut) {
     makeGame(5, 5, 0);  // score at (896, 749), name at (2, 749)
     auto drawn = [&](std::uint64_t score, const std::string& name, int x0, int x1) {
         gameInfo->score = score, gameInfo->gameName = name;
-        view.drawBoard();
+        view.drawBoard(*gameInfo);
         EXPECT_EQ(countPixels(2, 689, 1023, 729, isText), 0) << "nothing below the baseline row";
         return countPixels(x0, 744, x1, 767, isText);
     };
@@ -222,7 +220,7 @@ TEST_F(GameViewTest, NebulaIsStretchedOverTheWindowUnflipped) {
     image.reset(SDL_ConvertSurfaceFormat(image.get(), SDL_PIXELFORMAT_RGBA32, 0));
     ASSERT_TRUE(image);
     makeGame(5, 5, 2);
-    view.drawBoard();
+    view.drawBoard(*gameInfo);
     // Window point (x, y) shows texel (x * 1920 / 1024, y * 1200 / 768): first row at the bottom.
     for (auto [x, y] : {std::pair{30, 30}, {60, 400}, {100, 700}, {950, 50}, {990, 380}, {920, 600}, {20, 200}}) {
         const auto* t = static_cast<const unsigned char*>(image->pixels) + int((y + 0.5) * 1200 / 768) * image->pitch +
@@ -256,24 +254,24 @@ TEST_F(GameViewTest, SingleCellRedrawsAndFallingPiecesPatchTheBackground) {
     makeGame(5, 5, 2);
     view.loadBGTexture();
     const std::uint32_t id = std::exchange(cell(1, 1).pieceID, 0);
-    view.drawBoard();
+    view.drawBoard(*gameInfo);
     const Rgb under = probe(1, 1);
     cell(1, 1).pieceID = id;
-    view.drawBoard();
+    view.drawBoard(*gameInfo);
     const Rgb piece = probe(1, 1);
     ASSERT_FALSE(same(piece, under, 30));
     BoardPiece eraser = cell(1, 1);
     eraser.red = eraser.green = eraser.blue = 0.0f;
-    view.drawIndividualPiece(&eraser);
+    view.drawIndividualPiece(*gameInfo, &eraser);
     EXPECT_EQ(window.flushes, 3);
     EXPECT_TRUE(same(probe(1, 1), under, 12));
     EXPECT_TRUE(looksLike(probe(2, 1), cell(2, 1))) << "the neighbour is untouched";
-    view.drawIndividualPiece(&cell(1, 1));
+    view.drawIndividualPiece(*gameInfo, &cell(1, 1));
     EXPECT_TRUE(same(probe(1, 1), piece, 12));
 
     BoardPiece moving = cell(2, 4);
     moving.red = 1.0f, moving.green = 0.0f, moving.blue = 1.0f;  // magenta: no board piece has it
-    view.animatePiece(moving, 2, 4, 2, 1);
+    view.animatePiece(*gameInfo, moving, 2, 4, 2, 1);
     EXPECT_EQ(window.flushes, 10) << "three steps, each an erase and a draw";
     EXPECT_TRUE(looksLike(probe(2, 1), moving));
     for (int y : {4, 3, 2}) EXPECT_FALSE(looksLike(probe(2, y), moving)) << "row " << y;
@@ -281,7 +279,7 @@ TEST_F(GameViewTest, SingleCellRedrawsAndFallingPiecesPatchTheBackground) {
     const std::uint32_t moves[][5] = {{0, 0, 0, 0, 2}, {0, 0, 3, 3, 6}, {4, 0, 0, 2, 8}};
     for (const auto& m : moves) {
         const int before = window.flushes;
-        view.animatePiece(cell(0, 0), m[0], m[1], m[2], m[3]);
+        view.animatePiece(*gameInfo, cell(0, 0), m[0], m[1], m[2], m[3]);
         EXPECT_EQ(window.flushes - before, int(m[4])) << m[0] << "," << m[1] << " to " << m[2] << "," << m[3];
     }
 }
@@ -290,14 +288,14 @@ TEST_F(GameViewTest, SpikyPiecesTurnAndTheirModelIsReleasedOnce) {
     makeGame(4, 4, 1);
     const std::int64_t rot = rotValue;
     testing::internal::CaptureStdout();
-    for (int i = 0; i < 11; ++i) view.drawBoard();
+    for (int i = 0; i < 11; ++i) view.drawBoard(*gameInfo);
     testing::internal::GetCapturedStdout();
     EXPECT_EQ(rotValue, rot + 33) << "3 degrees a frame";
     // Redraw first?, forget (only mark the slots empty), what is said.
     const std::tuple<bool, int, const char*> steps[] = {
         {false, 0, "Deleting sprite 1\n"}, {false, 0, ""}, {true, 1, ""}, {false, 0, ""}};
     for (const auto& [redraw, forget, said] : steps) {
-        if (redraw) view.drawBoard();
+        if (redraw) view.drawBoard(*gameInfo);
         testing::internal::CaptureStdout();
         view.clearPieceSprites(forget);
         EXPECT_EQ(testing::internal::GetCapturedStdout(), said);

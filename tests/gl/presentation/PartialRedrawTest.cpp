@@ -56,7 +56,7 @@ protected:
         const std::vector<unsigned char> shown = windowPixels();
         rotValue -= 3;  // the turn of the frame on the screen
         view_.setNeedsDisplay();
-        view_.drawBoard();
+        view_.drawBoard(*gameInfo);
         const std::vector<unsigned char> whole = windowPixels();
         std::size_t differ = 0, first = shown.size();
         for (std::size_t i = 0; i < shown.size(); ++i)

@@ -9,7 +9,6 @@
 #include "engine/BoardSetup.h"
 #include "engine/Completion.h"
 #include "engine/RandomSequence.h"
-#include "engine/SelectColor.h"
 
 namespace tolvar {
 namespace {
@@ -223,7 +222,7 @@ TEST_F(BoardActionsTest, LineIsFlashedAndRemovedAndCellsEmptiedEarlierAreRemoved
               "count 7 selected piece 7 at (2,0)\n"
               "Removing piece 1 at 0,0\nRemoving piece 4 at 1,0\nRemoving piece 7 at 2,0\n");
     EXPECT_EQ(view.flashFrames, 6);
-    EXPECT_EQ(gSelectColor.red, kDefaultSelectColor.red);
+    EXPECT_EQ(game.selectColor.red, kDefaultSelectColor.red);
     ASSERT_EQ(queued(game), 1);
     EXPECT_EQ(game.eventQueue->eventType, kEventPiecesRemoved);
     game.eventQueue.reset();

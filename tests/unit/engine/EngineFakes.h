@@ -17,11 +17,11 @@
 namespace tolvar::testing {
 
 struct RecordingView : View {
-    void drawBoard() override {
+    void drawBoard(const GameInfo&) override {
         ++draws;
         if (onDraw) onDraw();
     }
-    void animatePiece(const BoardPiece& p, std::uint32_t x, std::uint32_t y, std::uint32_t toX,
+    void animatePiece(const GameInfo&, const BoardPiece& p, std::uint32_t x, std::uint32_t y, std::uint32_t toX,
                       std::uint32_t toY) override {  // "piece: from -> to"
         auto text = [](auto... n) { return ((std::to_string(n) + " ") + ...); };
         moves.push_back(text(p.pieceID) + "from " + text(x, y) + "to " + text(toX, toY));

@@ -1,7 +1,0 @@
-#include "engine/SelectColor.h"
-
-namespace tolvar {
-
-SelectColor gSelectColor = kDefaultSelectColor;
-
-}  // namespace tolvar
