@@ -8,19 +8,12 @@ import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from interface_font import FontMetrics, interface_font_file  # noqa: E402
-from tolvar_driver import (FONT_PX, FRAME_H, MAIN_H, MAIN_PAD_X, MAIN_PAD_Y, MAIN_W, POPUP_H, POPUP_PAD,  # noqa: E402
-                           POPUP_ROW, POPUP_TEXT_INSET, POPUP_W, WIN_H, WIN_W, Layout, check, near, run_test_script)
+from tolvar_driver import (FONT_PX, MAIN_H, MAIN_PAD_X, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
+                           POPUP_TEXT_INSET, POPUP_W, WIN_H, WIN_W, Layout, check, full, ink_rows, near, removes,
+                           run_test_script, select_region, touches)
 
-FRAME, SELECTED = (127, 63, 0), (127, 25, 25)  # the frame round the board, a selected piece's outline
+FRAME = (127, 63, 0)  # the frame round the board
 SCORE_TEXT, SCORE_HIGHLIGHT = (127, 0, 127), (191, 0, 191)
-
-
-def full(colours):
-    return all(c for col in colours for c in col)
-
-
-def touches(shot, point, colour):  # a line 3 pixels wide: one of the pixels round the point has its colour
-    return any(near(shot.pixel(point[0] + dx, point[1] + dy), colour) for dx in (-1, 0, 1) for dy in (-1, 0, 1))
 
 
 def check_frame(shot, lay):
@@ -30,46 +23,6 @@ def check_frame(shot, lay):
         (left + f * (right - left), Y) for Y in (top, bottom) for f in (0.2, 0.4, 0.6, 0.8)]
     missed = [p for p in probes if not touches(shot, lay.to_screen(*p), FRAME)]
     check(not missed, "no frame at %s" % missed)
-
-
-def outline_pixels(shot, lay, x, y):
-    """Pixels of the selection colour on the outline round cell (x, y)."""
-    X, Y, W, H = lay.cell_rect(x, y)
-    edges = [p for i in range(2, int(W) - 2, 3) for p in ((X + i, Y - 1), (X + i, Y + H + 1), (X - 1, Y + i),
-                                                          (X + W + 1, Y + i))]
-    return sum(touches(shot, lay.to_screen(*p), SELECTED) for p in edges)
-
-
-def select_region(t, lay):
-    """Clicks a piece of a region of two or more and checks the region, and only it, is outlined."""
-    colours, n, m = lay.colours(t.shot()), lay.board_w, lay.board_h
-    region = [next(((x, y) for x in range(n) for y in range(m) for nx, ny in ((x + 1, y), (x, y + 1))
-                    if nx < n and ny < m and colours[x][y] == colours[nx][ny]), None)]
-    check(region[0], "no region of two on the board")
-    for x, y in region:  # grows as the region's neighbours of its colour are found
-        region += [q for q in ((x + 1, y), (x - 1, y), (x, y + 1), (x, y - 1)) if q not in region and 0 <= q[0] < n
-                   and 0 <= q[1] < m and colours[q[0]][q[1]] == colours[x][y]]
-    t.click(*lay.centre(*region[0]))
-    shot = t.wait_shot(lambda s: all(outline_pixels(s, lay, *c) > 20 for c in region), "the outline of %s" % region)
-    lone = [(x, y) for x in range(n) for y in range(m) if all(abs(x - a) + abs(y - b) > 2 for a, b in region)]
-    stray = sum(outline_pixels(shot, lay, *c) for c in lone[:10])
-    check(stray < 10, "cells outside the region are outlined (%d pixels)" % stray)
-    return len(region), lay.centre(*region[0])
-
-
-def removes(t, lay, removed, act):
-    """act removes the selection, whose emptied cells queue an event: the pieces above fall."""
-    since = len(t.stdout())
-    act()
-    t.wait_tick(since, "the pieces-removed event and the falls after it")
-
-    def problem(colours):
-        pieces = sum(1 for col in colours for c in col if c)
-        if pieces != lay.board_w * lay.board_h - removed:
-            return "%d pieces left after %d went" % (pieces, removed)
-        return next(("a hole under a piece: %s" % col for col in colours
-                     if [bool(c) for c in col] != sorted((bool(c) for c in col), reverse=True)), None)
-    t.wait_right(lambda: lay.colours(t.shot()), problem)
 
 
 def test_play(t):
@@ -82,12 +35,8 @@ def test_play(t):
     # The game pop-up lists "None" and the three games: four rows of text under the control.
     (cx, cy), (mx, my) = t.combo_centre(), t.geometry(t.main)
 
-    def rows(shot):
-        ink = [0] + [shot.count(mx + 90, y, mx + 300, y + 1, lambda p: max(p) < 110) > 0
-                     for y in range(int(cy) + 16, int(cy) + 200)]
-        return sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
     is_open = t.open_game_list()
-    t.wait_right(lambda: rows(t.shot()), lambda n: None if n == 4 else
+    t.wait_right(lambda: ink_rows(t.shot(), mx + 90, cy + 16, mx + 300, cy + 200, 110), lambda n: None if n == 4 else
                  "the open game pop-up shows %d rows of text, expected None + 3 games" % n)
     t.click(mx + 30, my + 300)  # beside the list: it closes
     t.wait_shot(lambda s: not is_open(s), "the game pop-up to close")
@@ -157,7 +106,7 @@ def test_game_end(t):
     colours = lay.colours(t.shot())
     check(colours[0][0] == colours[1][0], "two pieces of one colour: %s" % colours)
     t.click(*lay.centre(0, 0))
-    t.wait_shot(lambda s: outline_pixels(s, lay, 0, 0) > 20, "the two pieces selected")
+    t.wait_shot(lambda s: lay.outline_pixels(s, 0, 0) > 20, "the two pieces selected")
     t.xdo("key", "space")
 
     # "No more moves!", then the new best score: two alerts titled with a blank, then the table.
@@ -229,7 +178,7 @@ def test_reload(t):
     changed(4, 2)
     t.wait_shot(lambda s: reds(s) > 30, "the chosen game's error in the main window")
     # Start is refused: the game window stays hidden (checked once the next reload has been seen).
-    t.click(mx + MAIN_W - MAIN_PAD_X - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)
+    t.click_start()
     save(text=plistlib.dumps(games)[:200])
     changed(0, 1)
     t.wait_shot(lambda s: reds(s) > 30, "why the file cannot be read")
@@ -256,9 +205,9 @@ def test_loops(t):
         t.choose_game(1)
 
     relaunch("loop-events.dict")
-    mx, my, reds = *t.geometry(t.main), t.error_ink()
+    reds = t.error_ink()
     t.wait_shot(lambda s: reds(s) > 30, "the loop's error in the main window")
-    t.click(mx + MAIN_W - MAIN_PAD_X - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)  # Start, refused
+    t.click_start()  # refused
     relaunch("loop-refill.dict")  # the quit waits for the click above to have been taken
     refused_run = t.stdout(os.path.join(t.work, "out-%d.txt" % (t.runs - 1)))
     check("processing event" not in refused_run, "the refused game ran events")

@@ -9,9 +9,9 @@ import plistlib
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from run_e2e import SELECTED, full, outline_pixels, removes, select_region, touches  # noqa: E402
-from tolvar_driver import (COLOURS, HELP_H, HELP_W, MAIN_H, MAIN_PAD_X, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H, SCREEN_W,  # noqa: E402
-                           WIN_H, WIN_W, Layout, Tolvar, check, classify, near, run_test_script)
+from tolvar_driver import (HELP_H, MAIN_H, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H,  # noqa: E402
+                           SCREEN_W, SELECTED, WIN_H, Layout, Tolvar, check, full, ink_rows, key, near,
+                           removes, run_test_script, select_region, touches)
 
 HINT, CURSOR = (0, 229, 255), (255, 255, 255)  # the hint's outline round its cells, the cursor's inside its cell
 VEXAMOR, GLIMMET = (1, 8, 8), (3, 8, 8)  # the game pop-up's index, board width and height
@@ -27,25 +27,17 @@ def sides(shot, lay, x, y, colour, inset):
     return sum(sum(touches(shot, lay.to_screen(*p), colour) for p in line) > 0.7 * len(line) for line in lines)
 
 
-def cells(lay):
-    return [(x, y) for x in range(lay.board_w) for y in range(lay.board_h)]
-
-
 def hint_cells(shot, lay):
-    return [c for c in cells(lay) if sides(shot, lay, *c, HINT, -1) == 4]
+    return [c for c in lay.cells() if sides(shot, lay, *c, HINT, -1) == 4]
 
 
 def selected_cells(shot, lay):
-    return [c for c in cells(lay) if sides(shot, lay, *c, SELECTED, -1) == 4]
+    return [c for c in lay.cells() if sides(shot, lay, *c, SELECTED, -1) == 4]
 
 
 def cursor_cell(shot, lay):
-    found = [c for c in cells(lay) if sides(shot, lay, *c, CURSOR, 5) == 4]
+    found = [c for c in lay.cells() if sides(shot, lay, *c, CURSOR, 5) == 4]
     return found[0] if len(found) == 1 else None
-
-
-def key(t, *keys):
-    t.xdo("windowfocus", "--sync", t.game, "key", "--delay", 60, *keys)
 
 
 def cursor_to(t, lay, target):
@@ -65,35 +57,6 @@ def ask_hint(t, lay, size):
     key(t, "h")
     shot = t.wait_shot(lambda s: len(hint_cells(s, lay)) >= size, "a hint of %d cells or more" % size)
     return hint_cells(shot, lay)
-
-
-def pieces(shot, lay):
-    return sum(1 for col in lay.colours(shot) for c in col if c)
-
-
-def removes_more(t, lay, before, removed, act):
-    """Like `removes`, on a board of `before` pieces that may have holes already (a selected piece spins, so
-    it is not counted from the screen). Returns the pieces left."""
-    since = len(t.stdout())
-    act()
-    t.wait_tick(since, "the pieces-removed event and the falls after it")
-    return t.wait_right(lambda: pieces(t.shot(), lay), lambda left: None if left == before - removed else
-                        "%d pieces went, not %d" % (before - left, removed))
-
-
-def select_on(t, lay):
-    """Clicks a region of two or more pieces on a board that may have holes; waits for its outline and
-    returns its size."""
-    colours, n, m = lay.colours(t.shot()), lay.board_w, lay.board_h
-    region = [next(((x, y) for x in range(n) for y in range(m) for nx, ny in ((x + 1, y), (x, y + 1))
-                    if nx < n and ny < m and colours[x][y] and colours[x][y] == colours[nx][ny]), None)]
-    check(region[0], "no region of two on the board")
-    for x, y in region:
-        region += [q for q in ((x + 1, y), (x - 1, y), (x, y + 1), (x, y - 1)) if q not in region and 0 <= q[0] < n
-                   and 0 <= q[1] < m and colours[q[0]][q[1]] == colours[x][y]]
-    t.click(*lay.centre(*region[0]))
-    t.wait_shot(lambda s: all(outline_pixels(s, lay, *c) > 20 for c in region), "the outline of %s" % region)
-    return len(region)
 
 
 def diagnostics(t):
@@ -132,17 +95,12 @@ def test_keyboard(t):
         region = ask_hint(t, lay, 2)
         cursor_to(t, lay, region[0])
         key(t, "Return")
-        shot = t.wait_shot(lambda s: all(outline_pixels(s, lay, *c) > 20 for c in region), "the hinted region selected")
+        shot = t.wait_shot(lambda s: all(lay.outline_pixels(s, *c) > 20 for c in region), "the hinted region selected")
         check(hint_cells(shot, lay) == [], "the hint stays after the next input")
-        left = removes_more(t, lay, left, len(region), lambda: key(t, "space"))
+        left = removes(t, lay, len(region), lambda: key(t, "space"), left)
 
-    key(t, "ctrl+w")  # back to the main window, then Glimmet
-    t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
-    t.choose_game(GLIMMET[0])
-    since = len(t.stdout())
-    t.press_start()
-    t.wait_for(lambda: not t.mapped(t.main), 10, "the main window to hide")
-    lay = Layout(GLIMMET[1], GLIMMET[2], t.geometry(t.game))
+    t.back_to_main("ctrl+w")  # then Glimmet
+    lay, since = start_glimmet(t), 0  # the board dealt is the last event yet
     for _ in range(3):
         t.wait_tick(since, "the board at rest")
         pair = ask_hint(t, lay, 2)
@@ -180,7 +138,7 @@ def test_undo(t):
     def board_is(colours, what):  # the selected pieces spin, so their colours are not compared
         def same():
             now = lay.colours(t.shot())
-            return all(now[x][y] == colours[x][y] for x, y in cells(lay) if (x, y) not in region)
+            return all(now[x][y] == colours[x][y] for x, y in lay.cells() if (x, y) not in region)
         t.wait_for(same, 10, what)
 
     for undo, redo in ((lambda: key(t, "ctrl+z"), lambda: key(t, "ctrl+shift+z")),
@@ -203,26 +161,6 @@ def test_undo(t):
     t.wait_for(lambda: lay.colours(t.shot()) == start, 10, "two undos to reach the starting board")
 
 
-class ScaledLayout(Layout):
-    """The board in a game window of any size: the 1024 x 768 picture scaled to fit, between bars."""
-    def __init__(self, board_w, board_h, origin, size):
-        super().__init__(board_w, board_h, origin)
-        self.scale = min(size[0] / WIN_W, size[1] / WIN_H)
-        self.bar = ((size[0] - round(WIN_W * self.scale)) // 2, (size[1] - round(WIN_H * self.scale)) // 2)
-
-    def to_screen(self, X, Y):
-        return (self.origin[0] + self.bar[0] + X * self.scale,
-                self.origin[1] + self.bar[1] + (WIN_H - Y) * self.scale)
-
-    def colours(self, screen):  # the vote round each centre shrinks or grows with the picture
-        def vote(cx, cy, r=max(4, int(self.pw * 0.3 * self.scale))):
-            votes = [classify(screen.pixel(px, py)) for py in range(int(cy - r), int(cy + r), max(2, r // 12))
-                     for px in range(int(cx - r), int(cx + r), max(2, r // 12))]
-            best = max(COLOURS, key=votes.count)
-            return best if votes.count(best) >= len(votes) * 0.25 else None
-        return [[vote(*self.centre(x, y)) for y in range(self.board_h)] for x in range(self.board_w)]
-
-
 def game_size(t):
     return next((w, h) for wid, _n, w, h in t.windows() if wid == t.game)
 
@@ -231,7 +169,7 @@ def play_scaled(t, lay, size, left):
     """The board redrawn at the new size with `left` pieces, and clicks landing on the right cells: a region
     selected by a click is outlined, and only it, and goes with the space bar. Returns the pieces left."""
     check(game_size(t) == size, "the game window is %s, not %s" % (game_size(t), size))
-    shot = t.wait_shot(lambda s: pieces(s, lay) == left, "the board of %d pieces at %dx%d" % (left, *size))
+    shot = t.wait_shot(lambda s: lay.pieces(s) == left, "the board of %d pieces at %dx%d" % (left, *size))
     if lay.bar[1] > 2:
         top, bottom = lay.to_screen(0, WIN_H), lay.to_screen(0, 0)
         check(all(max(shot.pixel(lay.origin[0] + size[0] // 2, y)) < 10 for y in (top[1] - 3, bottom[1] + 2)),
@@ -239,8 +177,7 @@ def play_scaled(t, lay, size, left):
     if lay.bar[0] > 2:
         left_bar = lay.to_screen(0, WIN_H / 2)
         check(max(shot.pixel(left_bar[0] - 3, left_bar[1])) < 10, "a black bar beside the picture")
-    removed = select_on(t, lay)
-    return removes_more(t, lay, left, removed, lambda: key(t, "space"))
+    return removes(t, lay, select_region(t, lay)[0], lambda: key(t, "space"), left)
 
 
 def test_window(t):
@@ -250,18 +187,13 @@ def test_window(t):
     for size in ((800, 800), (1100, 640)):
         t.xdo("windowsize", "--sync", t.game, *size)
         t.wait_for(lambda: game_size(t) == size, 10, "the window at %dx%d" % size)
-        left = play_scaled(t, ScaledLayout(8, 8, t.geometry(t.game), size), size, left)
+        left = play_scaled(t, Layout(8, 8, t.geometry(t.game), size), size, left)
     key(t, "F11")
     t.wait_for(lambda: game_size(t) == (SCREEN_W, SCREEN_H), 10, "the full screen")
     check(t.geometry(t.game) == (0, 0), "full screen from the top left corner")
-    left = play_scaled(t, ScaledLayout(8, 8, (0, 0), (SCREEN_W, SCREEN_H)), (SCREEN_W, SCREEN_H), left)
+    left = play_scaled(t, Layout(8, 8, (0, 0), (SCREEN_W, SCREEN_H)), (SCREEN_W, SCREEN_H), left)
     key(t, "F11")
     t.wait_for(lambda: game_size(t) == (1100, 640), 10, "the window as it was")
-
-
-def press_continue(t):  # the button left of Return and Start, at the main window's bottom right
-    mx, my = t.geometry(t.main)
-    t.click(mx + MAIN_W - MAIN_PAD_X - 2 * 130 - 60, my + MAIN_H - 14 - 29 / 2)
 
 
 def test_continue(t):
@@ -270,9 +202,8 @@ def test_continue(t):
     lay = t.start(*VEXAMOR)
     removes(t, lay, select_region(t, lay)[0], lambda: key(t, "space"))
     board = lay.colours(t.shot())
-    key(t, "ctrl+w")
-    t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
-    press_continue(t)
+    t.back_to_main("ctrl+w")
+    t.press_continue()
     t.wait_for(lambda: t.mapped(t.game), 10, "the kept game to show")
     t.wait_for(lambda: lay.colours(t.shot()) == board, 10, "the kept board")
     saved = os.path.join(t.folder, "SavedGame.dict")
@@ -280,7 +211,7 @@ def test_continue(t):
     t.ended()
     check(os.path.exists(saved), "the unfinished game is saved on quit")
     t.launch()
-    press_continue(t)
+    t.press_continue()
     t.wait_for(lambda: t.mapped(t.game), 10, "the saved game to show")
     lay = Layout(8, 8, t.geometry(t.game))
     t.wait_for(lambda: lay.colours(t.shot()) == board, 10, "the saved board")
@@ -294,7 +225,7 @@ def test_continue(t):
     with open(rules_path, "wb") as f:
         plistlib.dump(rules, f, sort_keys=False)
     t.launch()
-    press_continue(t)
+    t.press_continue()
     mx, my = t.geometry(t.main)
     t.wait_shot(lambda s: s.count(mx + 20, my + 120, mx + MAIN_W - 20, my + MAIN_H - 60,
                                   lambda p: p[0] > 150 and p[1] < 60 and p[2] < 60) > 50, "the reason in red")
@@ -318,6 +249,7 @@ def start_glimmet(t):
     t.choose_game(GLIMMET[0])
     since = len(t.stdout())
     t.press_start()
+    t.wait_for(lambda: not t.mapped(t.main), 10, "the main window to hide")
     lay = Layout(GLIMMET[1], GLIMMET[2], t.geometry(t.game))
     t.wait_tick(since, "the board dealt")
     return lay
@@ -347,12 +279,11 @@ def test_two_copies(t):
     t.launch()
     for (index, w, h), board in left.items():
         t.choose_game(index)  # Continue offers the chosen game's own
-        press_continue(t)
+        t.press_continue()
         t.wait_for(lambda: t.mapped(t.game), 10, "the saved game to show")
         lay = Layout(w, h, t.geometry(t.game))
         t.wait_right(lambda: shades(t.shot(), lay), lambda seen: None if seen == board else "another board in %s: %d cells differ" % (index, sum(a != b for ca, cb in zip(seen, board) for a, b in zip(ca, cb))))
-        key(t, "ctrl+w")
-        t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
+        t.back_to_main("ctrl+w")
     t.quit()
 
     # A saved-games file that cannot be read is said on standard error, with its name and why.
@@ -366,32 +297,20 @@ def test_help(t):
     """F1 shows the chosen game's help from the game window; the Help menu of the main window too."""
     lay = t.start(*VEXAMOR)
     key(t, "F1")
-    helpw = help_window(t)
+    helpw = t.help_window()
     check(("Tolvar Help" in t.xwininfo("-id", helpw)), "the help window's title")
     hx, hy = t.geometry(helpw)
 
     def rows(shot):  # rows of dark text on the page's light ground: name, description, inputs, keys
         if not near(shot.pixel(hx + 4, hy + HELP_H - 4), (240, 240, 242), 12):
             return 0
-        return dark_rows(shot, hx + 16, hy, hx + 300, hy + HELP_H - 60)
+        return ink_rows(shot, hx + 16, hy, hx + 300, hy + HELP_H - 60)
     t.wait_shot(lambda s: rows(s) >= 18, "the help's text (name, description, inputs, keys)")
-    t.xdo("windowfocus", "--sync", helpw, "key", "Escape")
-    t.wait_for(lambda: not t.mapped(helpw), 10, "the help to close")
+    t.close_help(helpw)
     t.wait_shot(lambda s: full(lay.colours(s)), "the board whole again")
-    key(t, "ctrl+w")
-    t.wait_for(lambda: t.mapped(t.main), 10, "the main window")
+    t.back_to_main("ctrl+w")
     t.xdo("windowfocus", "--sync", t.main, "key", "F1")
     t.wait_for(lambda: t.mapped(helpw), 10, "the help from the main window")
-
-
-def help_window(t):
-    return t.wait_for(lambda: next((wid for wid, name, w, h in t.windows() if (w, h) == (HELP_W, HELP_H)
-                                    and t.mapped(wid)), None), 10, "the help window")
-
-
-def dark_rows(shot, x0, y0, x1, y1):  # rows of dark text between y0 and y1: starts of ink after a blank row
-    ink = [0] + [shot.count(x0, y, x1, y + 1, lambda p: max(p) < 90) > 0 for y in range(y0, y1)]
-    return sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
 
 
 def main():

@@ -11,10 +11,8 @@ import signal
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from run_e2e import full  # noqa: E402
-from run_e2e_desktop import dark_rows, help_window, key  # noqa: E402
-from tolvar_driver import (HELP_H, HELP_W, MAIN_H, MAIN_PAD_X, MAIN_W, MENU_BAR_H, Layout, check,  # noqa: E402
-                           run_test_script)
+from tolvar_driver import (HELP_H, HELP_W, MAIN_H, MAIN_PAD_X, MAIN_W, MENU_BAR_H, Layout, check, full,  # noqa: E402
+                           ink_rows, key, run_test_script)
 
 
 def ink_runs(positions, gap):
@@ -86,9 +84,7 @@ def test_writing_games(t):
     check(told("xdg-open ended with status 3. It is %s" % page) == 1, "a page the viewer opened is not told of")
     check(opened() == [page, page], "xdg-open given the page twice: %s" % opened())
     # The page's place is closed again before the menu is used once more.
-    shown = t.find_window(HELP_W, HELP_H, True, "Writing Games")
-    t.xdo("windowfocus", "--sync", shown, "key", "Escape")
-    t.wait_for(lambda: not t.mapped(shown), 10, "the page's place to close")
+    t.close_help(t.find_window(HELP_W, HELP_H, True, "Writing Games"))
     # A viewer still open when the game quits: the game ends at once and leaves it open.
     with open(status, "w") as f:
         f.write("stay\n")
@@ -116,7 +112,7 @@ def test_long_text(t):
     t.relaunch_with_rules({"Vexamor": dict(vexamor, GameDescription="word " * 20000)})
     t.choose_game(1)
     mx, my = t.geometry(t.main)
-    t.wait_shot(lambda s: dark_rows(s, mx + MAIN_PAD_X + 4, my + 150, mx + MAIN_W - 40, my + MAIN_H - 60) >= 8,
+    t.wait_shot(lambda s: ink_rows(s, mx + MAIN_PAD_X + 4, my + 150, mx + MAIN_W - 40, my + MAIN_H - 60) >= 8,
                 "lines of the description in the main window")
     t.choose_game(1)  # the window still answers: its pop-up opens and closes
     t.press_start()
@@ -125,13 +121,12 @@ def test_long_text(t):
     saved = os.path.join(t.folder, "SavedGame.dict")
     check(not os.path.exists(saved), "no saved game before help")
     key(t, "F1")
-    helpw = help_window(t)
+    helpw = t.help_window()
     check(os.path.exists(saved), "the unfinished game is saved before help shows")
     hx, hy = t.geometry(helpw)
-    t.wait_shot(lambda s: dark_rows(s, hx + 16, hy + 40, hx + HELP_W - 40, hy + HELP_H - 60) >= 10,
+    t.wait_shot(lambda s: ink_rows(s, hx + 16, hy + 40, hx + HELP_W - 40, hy + HELP_H - 60) >= 10,
                 "lines of the description in help")
-    t.xdo("windowfocus", "--sync", helpw, "key", "Escape")
-    t.wait_for(lambda: not t.mapped(helpw), 10, "the help to close")
+    t.close_help(helpw)
     os.remove(saved)
     key(t, "ctrl+q")
     t.ended()

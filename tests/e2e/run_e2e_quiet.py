@@ -2,7 +2,6 @@
 """The real game at rest and while it plays its removal flash, under its own Xvfb:
 run_e2e_quiet.py --program build/bin/tolvar --test rest|close_in_flash|quit_in_flash"""
 
-import argparse
 import ctypes
 import os
 import re
@@ -10,7 +9,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from tolvar_driver import XLIB, Failure, Tolvar, check  # noqa: E402
+from tolvar_driver import XLIB, check, run_test_script  # noqa: E402
 
 MAP_NOTIFY, SUBSTRUCTURE_NOTIFY = 19, 1 << 19
 
@@ -72,15 +71,14 @@ def during_flash(t, act):
     return False
 
 
-def test_rest(t, watch):
-    lay = t.start(1, 8, 8)
-    check(lay, "no board")
+def test_rest(t):
+    t.start(1, 8, 8)
     time.sleep(0.5)
     rest = t.cpu_percent(3.0)
     check(rest < 2.0, "a board at rest uses %.1f %% of a core" % rest)
 
 
-def test_close_in_flash(t, watch):
+def test_close_in_flash(t):
     """The window manager's close of the game window during the flash: the main window comes
     back, and the program then quits cleanly."""
     check(during_flash(t, lambda: send_delete(t, t.game)), "every flash was over before the close")
@@ -89,7 +87,7 @@ def test_close_in_flash(t, watch):
     t.quit()
 
 
-def test_quit_in_flash(t, watch):
+def test_quit_in_flash(t):
     """SIGTERM, as the desktop sends it, during the flash ends the program cleanly."""
     check(during_flash(t, t.proc.terminate), "every flash was over before the quit")
     t.ended()
@@ -113,30 +111,20 @@ def send_delete(t, wid):
     XLIB.XFlush(t.dpy)
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--test", required=True, choices=("rest", "close_in_flash", "quit_in_flash"))
-    args = parser.parse_args()
-    t = Tolvar(os.path.abspath(args.program), "quiet-" + args.test)
-    watch = None
+def shown_only_after_start(t):
+    """Windows mapped from launch on: only the main window, until Start."""
+    t.quit()
+    watch = MapWatch(t.display)
     try:
-        # Windows mapped from launch on: only the main window, until Start.
-        t.quit()
-        watch = MapWatch(t.display)
         t.launch()
-        game = int(t.game, 16)
-        check(game not in watch.read(), "the game window was shown before Start")
-        globals()["test_" + args.test](t, watch)
-        if t.proc.poll() is None:
-            t.finish()
-    except Failure as e:
-        sys.exit("FAILED %s: %s" % (args.test, e))
+        check(int(t.game, 16) not in watch.read(), "the game window was shown before Start")
     finally:
-        if watch:
-            watch.close()
-        t.close()
-    print("passed", args.test)
+        watch.close()
+
+
+def main():
+    run_test_script({"rest": test_rest, "close_in_flash": test_close_in_flash, "quit_in_flash": test_quit_in_flash},
+                    "quiet-", shown_only_after_start)
 
 
 if __name__ == "__main__":

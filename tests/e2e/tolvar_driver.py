@@ -21,6 +21,7 @@ POPUP_TEXT_INSET = 16  # a row's title starts this far from the menu's left edge
 POPUP_H = 2 * POPUP_PAD + 13 * POPUP_ROW + 2 * 9  # ... with a separator before the "Game" items and "Return..."
 HELP_W, HELP_H = 560, 620
 COLOURS = ("red", "green", "blue", "purple")
+SELECTED = (127, 25, 25)  # a selected piece's outline
 P, INT, ULONG = ctypes.c_void_p, ctypes.c_int, ctypes.c_ulong
 XLIB = ctypes.CDLL("libX11.so.6")
 XLIB.XOpenDisplay.restype = XLIB.XGetImage.restype = P
@@ -80,29 +81,100 @@ class Screen:  # one screenshot of the whole display: B, G, R and a pad byte a p
 
 class Layout:
     """Where the board lies in the game window at origin (screen): square cells filling the height
-    less a 10-pixel margin, centred across; window coordinates start at the lower left."""
-    def __init__(self, board_w, board_h, origin):
+    less a 10-pixel margin, centred across; window coordinates start at the lower left. In a window
+    of another size (screen pixels), the 1024 x 768 picture is scaled to fit, between bars."""
+    def __init__(self, board_w, board_h, origin, size=(WIN_W, WIN_H)):
         self.board_w, self.board_h, self.origin, self.m = board_w, board_h, origin, 10.0
         self.w = (WIN_H - 2 * self.m) / board_h
         self.pw, self.left = self.w - 3, (WIN_W - self.w * board_w) / 2
+        self.scale = min(size[0] / WIN_W, size[1] / WIN_H)
+        self.bar = ((size[0] - round(WIN_W * self.scale)) // 2, (size[1] - round(WIN_H * self.scale)) // 2)
 
     def cell_rect(self, x, y):  # the piece's rectangle, in window coordinates
         return (x * self.w + self.left, y * self.w + self.m, self.pw, self.pw)
 
     def to_screen(self, X, Y):
-        return self.origin[0] + X, self.origin[1] + WIN_H - Y
+        return (self.origin[0] + self.bar[0] + X * self.scale, self.origin[1] + self.bar[1] + (WIN_H - Y) * self.scale)
 
     def centre(self, x, y):
         X, Y, W, H = self.cell_rect(x, y)
         return self.to_screen(X + W / 2, Y + H / 2)
 
+    def cells(self):
+        return [(x, y) for x in range(self.board_w) for y in range(self.board_h)]
+
     def colours(self, screen):  # [x][y]: each cell's piece colour, by a vote of the pixels round its centre
-        def vote(cx, cy, r=int(self.pw * 0.3)):
+        def vote(cx, cy, r=max(4, int(self.pw * 0.3 * self.scale))):
             votes = [classify(screen.pixel(px, py)) for py in range(int(cy - r), int(cy + r), max(2, r // 12))
                      for px in range(int(cx - r), int(cx + r), max(2, r // 12))]
             best = max(COLOURS, key=votes.count)
             return best if votes.count(best) >= len(votes) * 0.25 else None
         return [[vote(*self.centre(x, y)) for y in range(self.board_h)] for x in range(self.board_w)]
+
+    def pieces(self, screen):
+        return sum(1 for col in self.colours(screen) for c in col if c)
+
+    def outline_pixels(self, shot, x, y):
+        """Pixels of the selection colour on the outline round cell (x, y)."""
+        X, Y, W, H = self.cell_rect(x, y)
+        edges = [p for i in range(2, int(W) - 2, 3) for p in ((X + i, Y - 1), (X + i, Y + H + 1), (X - 1, Y + i),
+                                                              (X + W + 1, Y + i))]
+        return sum(touches(shot, self.to_screen(*p), SELECTED) for p in edges)
+
+
+def full(colours):
+    return all(c for col in colours for c in col)
+
+
+def touches(shot, point, colour):  # a line 3 pixels wide: one of the pixels round the point has its colour
+    return any(near(shot.pixel(point[0] + dx, point[1] + dy), colour) for dx in (-1, 0, 1) for dy in (-1, 0, 1))
+
+
+def ink_rows(shot, x0, y0, x1, y1, dark=90):  # rows of dark text between y0 and y1: starts of ink after a blank row
+    ink = [0] + [shot.count(x0, y, x1, y + 1, lambda p: max(p) < dark) > 0 for y in range(int(y0), int(y1))]
+    return sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
+
+
+def key(t, *keys):  # keys typed into the game window, one after the other
+    t.xdo("windowfocus", "--sync", t.game, "key", "--delay", 60, *keys)
+
+
+def select_region(t, lay):
+    """Clicks a piece of a region of two or more on a board that may have holes, and checks the region is
+    outlined, and (at the picture's own size, where 3 pixels part the cells) only it. Returns the region's
+    size and the point clicked."""
+    colours, n, m = lay.colours(t.shot()), lay.board_w, lay.board_h
+    region = [next(((x, y) for x in range(n) for y in range(m) for nx, ny in ((x + 1, y), (x, y + 1))
+                    if nx < n and ny < m and colours[x][y] and colours[x][y] == colours[nx][ny]), None)]
+    check(region[0], "no region of two on the board")
+    for x, y in region:  # grows as the region's neighbours of its colour are found
+        region += [q for q in ((x + 1, y), (x - 1, y), (x, y + 1), (x, y - 1)) if q not in region and 0 <= q[0] < n
+                   and 0 <= q[1] < m and colours[q[0]][q[1]] == colours[x][y]]
+    t.click(*lay.centre(*region[0]))
+    shot = t.wait_shot(lambda s: all(lay.outline_pixels(s, *c) > 20 for c in region), "the outline of %s" % region)
+    lone = [(x, y) for x in range(n) for y in range(m) if all(abs(x - a) + abs(y - b) > 2 for a, b in region)]
+    stray = sum(lay.outline_pixels(shot, *c) for c in lone[:10]) if lay.scale == 1 else 0
+    check(stray < 10, "cells outside the region are outlined (%d pixels)" % stray)
+    return len(region), lay.centre(*region[0])
+
+
+def removes(t, lay, removed, act, before=None):
+    """act removes the selection of a board of `before` pieces (a full board when not given; a selected
+    piece spins, so it is not counted from the screen), whose emptied cells queue an event: the pieces
+    above fall. Returns the pieces left."""
+    before = lay.board_w * lay.board_h if before is None else before
+    since = len(t.stdout())
+    act()
+    t.wait_tick(since, "the pieces-removed event and the falls after it")
+
+    def problem(colours):
+        pieces = sum(1 for col in colours for c in col if c)
+        if pieces != before - removed:
+            return "%d pieces left after %d went" % (pieces, removed)
+        return next(("a hole under a piece: %s" % col for col in colours
+                     if [bool(c) for c in col] != sorted((bool(c) for c in col), reverse=True)), None)
+    t.wait_right(lambda: lay.colours(t.shot()), problem)
+    return before - removed
 
 
 def start_xvfb():
@@ -139,7 +211,7 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
             raise
 
     def launch(self):  # (again) on this display, with this data folder
-        self.runs += 1
+        self.runs, self.over = self.runs + 1, False
         self.out_path, self.err_path = (os.path.join(self.work, "%s-%d.txt" % (s, self.runs)) for s in ("out", "err"))
         t0 = time.monotonic()
         with open(self.out_path, "wb") as out, open(self.err_path, "wb") as err:
@@ -149,7 +221,9 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         # The game window is made, hidden, once the main window is up; it takes its name when ready.
         self.game = self.wait_for(lambda: self.find_window(WIN_W, WIN_H, name="Tolvar"), 60, "the game window")
 
-    def finish(self):  # as the desktop ends it: SIGTERM, taken as Quit
+    def finish(self):  # as the desktop ends it: SIGTERM, taken as Quit; unless a test ended it already
+        if self.over:
+            return
         check(self.proc.poll() is None, "the program is still running at the end")
         self.proc.terminate()
         self.ended()
@@ -160,6 +234,7 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
 
     def ended(self):  # status 0 and no report of the sanitizers
         status, err = self.proc.wait(timeout=20), self.stdout(self.err_path)
+        self.over = True
         for marker in ("AddressSanitizer", "LeakSanitizer", "runtime error:"):
             check(marker not in err, "the sanitizers report a fault:\n" + err[-3000:])
         check(status == 0, "the program ended with status %s\n%s" % (status, err[-2000:]))
@@ -322,10 +397,29 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         self.wait_shot(drawn, "the menu's first item")
         return px, py
 
-    def press_start(self):
+    def click_start(self):  # the main window's Start button, at its bottom right
         mx, my = self.geometry(self.main)
         self.click(mx + MAIN_W - MAIN_PAD_X - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)
+
+    def press_start(self):
+        self.click_start()
         self.wait_for(lambda: self.mapped(self.game), 10, "the game window to show")
+
+    def press_continue(self):  # the button left of Return and Start
+        mx, my = self.geometry(self.main)
+        self.click(mx + MAIN_W - MAIN_PAD_X - 2 * 130 - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)
+
+    def help_window(self):
+        return self.wait_for(lambda: next((wid for wid, name, w, h in self.windows() if (w, h) == (HELP_W, HELP_H)
+                                           and self.mapped(wid)), None), 10, "the help window")
+
+    def close_help(self, helpw):
+        self.xdo("windowfocus", "--sync", helpw, "key", "Escape")
+        self.wait_for(lambda: not self.mapped(helpw), 10, "the help to close")
+
+    def back_to_main(self, *keys):  # keys typed into the game window, and the main window shown again
+        key(self, *keys)
+        self.wait_for(lambda: self.mapped(self.main), 10, "the main window")
 
     def start(self, index, board_w, board_h):  # waits for the board; returns its layout
         self.choose_game(index)
@@ -336,13 +430,16 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         return layout
 
 
-def run_test_script(tests, prefix=""):  # --program P --test NAME: runs tests[NAME] on a Tolvar of its own
+def run_test_script(tests, prefix="", before=None):
+    """--program P --test NAME: runs before(t), then tests[NAME](t), on a Tolvar of its own."""
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
     parser.add_argument("--test", required=True, choices=tuple(tests))
     args = parser.parse_args()
     t = Tolvar(os.path.abspath(args.program), prefix + args.test)
     try:
+        if before:
+            before(t)
         tests[args.test](t)
         t.finish()
     except Failure as e:
