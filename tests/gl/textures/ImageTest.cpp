@@ -1,6 +1,4 @@
 // Images and image files becoming textures, and files that must be refused.
-#include <chrono>
-
 #include "FileIO.h"
 #include "ImageFile.h"
 #include "TextureTestSupport.h"
@@ -105,11 +103,9 @@ TEST(ImageFiles, BadInputIsRefusedWithoutACrash) {
         expectRefused(image);
         if (loaded) continue;
         EXPECT_NE(complaint.find(path.string()), std::string::npos) << complaint;
-        const auto start = std::chrono::steady_clock::now();
         testing::internal::CaptureStdout();
         EXPECT_EQ(createTextureFromFile(path.c_str()), 0xFFFFFFFFu);
         EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error opening image file " + path.string() + "\n");
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
     }
     Image shortPixels = patternImage(64, 64, false), narrowRows = shortPixels, noRows = shortPixels;  // do not add up
     shortPixels.pixels.resize(100), narrowRows.bytesPerRow = 100, noRows.height = 0;
