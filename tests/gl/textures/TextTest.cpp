@@ -90,8 +90,11 @@ TEST(ScreenDrawing, StringsStandOnTheirPoint) {
     drawStringAtPoint("Hello", "Helvetica", yellow, 18, 200, 100, 0);
     const std::vector<int> box = litBox();
     EXPECT_GT(box[4], 50);
-    EXPECT_TRUE(box[0] >= 200 && box[1] >= 100 && box[2] <= 264 && box[3] >= 124 && box[3] <= 132)
-        << box[0] << " " << box[1] << " " << box[2] << " " << box[3];
+    EXPECT_GE(box[0], 200);
+    EXPECT_GE(box[1], 100);
+    EXPECT_LE(box[2], 264);
+    EXPECT_GE(box[3], 124);
+    EXPECT_LE(box[3], 132);
     GLfloat colour[4];
     glGetFloatv(GL_CURRENT_COLOR, colour);
     EXPECT_EQ(std::pair(colour[0], colour[2]), std::pair(1.0f, 1.0f));  // white again

@@ -29,7 +29,8 @@ class GLEnvironment : public testing::Environment {
         window_.reset(SDL_CreateWindow("texture tests", 0, 0, kWindowWidth, kWindowHeight,
                                        SDL_WINDOW_OPENGL | SDL_WINDOW_SHOWN));
         context_.reset(SDL_GL_CreateContext(window_.get()));
-        ASSERT_TRUE(window_ && context_) << SDL_GetError();
+        ASSERT_TRUE(window_) << SDL_GetError();
+        ASSERT_TRUE(context_) << SDL_GetError();
         std::filesystem::create_directories(scratchFolder());
     }
     void TearDown() override {

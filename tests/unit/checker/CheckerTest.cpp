@@ -287,7 +287,8 @@ TEST(CheckerSuggestions, AHugeUnknownKeyIsSuggestedNothingAndABomKeepsTheLines) 
     ASSERT_EQ(report.problems.size(), 1u) << describe(report.problems).substr(0, 300);
     const Problem& p = report.problems.front();
     EXPECT_EQ(p.message, "not a key of a game, so it is ignored");
-    EXPECT_TRUE(p.at.line == 19 && p.at.column == 1) << p.at.line << ":" << p.at.column;
+    EXPECT_EQ(p.at.line, 19);
+    EXPECT_EQ(p.at.column, 1);
 }
 
 TEST(CheckerFile, MissingFilesAndFoldersAreOneProblem) {

@@ -51,6 +51,13 @@ inline void putFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
+// The exit status of a child process once it has ended; -1 when it did not exit by itself.
+inline int exitStatusOf(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 // Runs check in a child process that, when the tests run as root, first gives up its rights for
 // those of "nobody"; returns whether check returned true there.
 inline bool trueWithoutRights(const std::function<bool()>& check) {
@@ -60,9 +67,30 @@ inline bool trueWithoutRights(const std::function<bool()>& check) {
         if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) _exit(2);
         _exit(check() ? 0 : 1);
     }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return exitStatusOf(child) == 0;
+}
+
+// Several copies of the game at once: work(copy) in that many child processes, all let go at the
+// same moment; the exit status of each (0 when work returned true).
+inline std::vector<int> statusesOfCopiesAtOnce(int copies, const std::function<bool(int)>& work) {
+    int start[2];
+    if (pipe(start) != 0) return {};
+    std::vector<pid_t> children;
+    for (int c = 0; c < copies; ++c) {
+        const pid_t child = fork();
+        if (child == 0) {
+            close(start[1]);
+            char go = 0;
+            if (read(start[0], &go, 1) != 0) _exit(3);  // all start when the pipe closes
+            _exit(work(c) ? 0 : 1);
+        }
+        children.push_back(child);
+    }
+    close(start[0]);
+    close(start[1]);
+    std::vector<int> statuses;
+    for (pid_t child : children) statuses.push_back(exitStatusOf(child));
+    return statuses;
 }
 
 }  // namespace tolvar::testing

@@ -140,11 +140,8 @@ std::string refusalWithoutHanging(const std::string& path) {
 }
 
 TEST_F(NonRegularFiles, PipesSocketsAndDevicesInPlaceOfTheGamesFilesAreRefusedByKind) {
-    for (const char* name : {"RulesDict.dict", "BestScores.dict", "SavedGame.dict"}) {
-        SCOPED_TRACE(name);
-        ASSERT_EQ(mkfifo(path(name).c_str(), 0600), 0);
-        EXPECT_EQ(refusalWithoutHanging(path(name)), "is not a regular file (a named pipe)");
-    }
+    ASSERT_EQ(mkfifo(path("RulesDict.dict").c_str(), 0600), 0);
+    EXPECT_EQ(refusalWithoutHanging(path("RulesDict.dict")), "is not a regular file (a named pipe)");
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     const std::string socketPath = path("socket.dict");

@@ -1,8 +1,6 @@
 // The saved games: copies of the game quitting with different games keep them all, a save over
 // another copy's newer game of the same title keeps that one aside and says so, an older file of
 // one game is read as before, and a file that cannot be read is never written over.
-#include <sys/wait.h>
-
 #include <variant>
 
 #include "FileTestHelpers.h"
@@ -38,9 +36,11 @@ TEST_F(SavedGamesTest, CopiesQuittingWithDifferentGamesKeepBoth) {
     SavedGamesFile a(folder.string()), b(folder.string());
     std::optional<Value> written;
     EXPECT_FALSE(a.store("Vexamor", game("Vexamor", 10), std::nullopt, &written).error);
-    ASSERT_TRUE(written && written->asDictionary()->find(SavedGamesFile::kSavedAtKey)->isDate());
+    ASSERT_TRUE(written);
+    EXPECT_TRUE(written->asDictionary()->find(SavedGamesFile::kSavedAtKey)->isDate());
     const StoredGame stored = b.store("Glimmet", game("Glimmet", 20), std::nullopt);
-    EXPECT_FALSE(stored.error || stored.replacedNewer);
+    EXPECT_FALSE(stored.error);
+    EXPECT_FALSE(stored.replacedNewer);
     EXPECT_EQ(scores(), (std::map<std::string, std::int64_t>{{"Glimmet", 20}, {"Vexamor", 10}}));
 
     // A copy that finished its game takes out only that title's.
@@ -64,7 +64,8 @@ TEST_F(SavedGamesTest, ASaveOverAnotherCopysNewerGameKeepsThatOneAsideAndSaysSo)
     // ...and its save replaces it only with the other kept aside, under a free name each time.
     for (const char* aside : {"SavedGame.dict.replaced", "SavedGame.dict.replaced.1"}) {
         const StoredGame stored = file.store("Vexamor", game("Vexamor", 3), mine);
-        EXPECT_TRUE(stored.replacedNewer && !stored.error);
+        EXPECT_TRUE(stored.replacedNewer);
+        EXPECT_FALSE(stored.error);
         EXPECT_EQ(stored.replacedKeptAs, path(aside));
         // The game kept aside is a file of one saved game, which reads as that game.
         EXPECT_EQ(scoreOf(std::get<Value>(readPropertyListFile(path(aside)))), 2);
@@ -107,23 +108,14 @@ TEST_F(SavedGamesTest, AnUnreadableFileIsReportedAndKeptAsideBeforeANewOneIsWrit
 // Copies quitting at the same moment, each with a game of its own title: all are kept.
 TEST_F(SavedGamesTest, CopiesQuittingAtOnceKeepEachOthersGames) {
     constexpr int kCopies = 6, kSaves = 10;
-    std::vector<pid_t> copies;
-    for (int c = 0; c < kCopies; ++c) {
-        const pid_t copy = fork();
-        if (copy == 0) {
-            SavedGamesFile own(folder.string());
-            std::optional<Value> seen;
-            for (int s = 0; s < kSaves; ++s)
-                if (own.store("Game " + std::to_string(c), game("Game", s), seen, &seen).error) _exit(1);
-            _exit(0);
-        }
-        copies.push_back(copy);
-    }
-    for (pid_t copy : copies) {
-        int status = 0;
-        waitpid(copy, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
+    const auto statuses = statusesOfCopiesAtOnce(kCopies, [&](int c) {
+        SavedGamesFile own(folder.string());
+        std::optional<Value> seen;
+        for (int s = 0; s < kSaves; ++s)
+            if (own.store("Game " + std::to_string(c), game("Game", s), seen, &seen).error) return false;
+        return true;
+    });
+    EXPECT_EQ(statuses, std::vector<int>(kCopies, 0));
     const auto all = scores();
     ASSERT_EQ(all.size(), static_cast<std::size_t>(kCopies));
     for (const auto& [title, score] : all) EXPECT_EQ(score, kSaves - 1) << title;

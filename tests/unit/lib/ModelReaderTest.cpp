@@ -159,7 +159,7 @@ TEST(Resources, TheShippedModelAndAMissingOne) {
     EXPECT_LT(std::hypot(s.position.x, s.position.y, s.position.z), 1e-3f);
     for (std::uint32_t k = 0; k < s.vertexCount / 4; ++k) {
         const float *v = &s.vertices[k * 12], *n = &s.normals[k * 12];
-        EXPECT_TRUE(v[6] == v[9] && v[7] == v[10] && v[8] == v[11]) << "face " << k << " is a triangle";
+        EXPECT_EQ(V(v + 6, v + 9), V(v + 9, v + 12)) << "face " << k << " is a triangle";
         // Wound clockwise seen from outside: the normal points into the ball, toward the lights
         // of the half the player sees.
         EXPECT_LT(n[0] * (v[0] + v[3] + v[6]) + n[1] * (v[1] + v[4] + v[7]) + n[2] * (v[2] + v[5] + v[8]), 0.0f) << k;

@@ -158,7 +158,8 @@ TEST(Lists, AddAfterTheFirstAndRemovingTheFirstHandsBackItsSuccessor) {
     Sprite *b = loose(), *c = loose();
     addSpriteToList(first.get(), b);
     addSpriteToList(first.get(), c);  // first, c, b
-    EXPECT_TRUE(first->next == c && c->next == b);
+    EXPECT_EQ(first->next, c);
+    EXPECT_EQ(c->next, b);
     EXPECT_EQ(removeSpriteFromList(first.get(), stranger.get()), first.get());
     EXPECT_EQ(removeSpriteFromList(first.get(), b), first.get());
     EXPECT_EQ(c->next, nullptr);

@@ -56,7 +56,9 @@ TEST(GameHelp, OddRules) {
     EXPECT_TRUE(gameHelp(nullptr).title.empty());
     const Value text = Value::string("not rules");
     const GameHelp none = gameHelp(&text);
-    EXPECT_TRUE(none.title.empty() && none.description.empty() && none.inputs.empty());
+    EXPECT_EQ(none.title, "");
+    EXPECT_EQ(none.description, "");
+    EXPECT_TRUE(none.inputs.empty());
 
     // Entries that are no dictionaries are passed over; keys keep only their low 8 bits, as the
     // game reads them (288 is the space bar); numbers written as text are read as the game does.
