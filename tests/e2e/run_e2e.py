@@ -8,9 +8,8 @@ import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from interface_font import FontMetrics, interface_font_file  # noqa: E402
-from tolvar_driver import (FONT_PX, MAIN_H, MAIN_PAD_X, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
-                           POPUP_TEXT_INSET, POPUP_W, WIN_H, WIN_W, Layout, check, full, ink_rows, near, removes,
-                           run_test_script, select_region, touches)
+from tolvar_driver import (FONT_PX, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_TEXT_INSET, POPUP_W, WIN_H, WIN_W,  # noqa: E402
+                           Layout, check, full, ink_rows, near, removes, run_test_script, select_region, touches)
 
 FRAME = (127, 63, 0)  # the frame round the board
 SCORE_TEXT, SCORE_HIGHLIGHT = (127, 0, 127), (191, 0, 191)
@@ -42,12 +41,10 @@ def test_play(t):
     t.wait_shot(lambda s: not is_open(s), "the game pop-up to close")
 
     # Choosing "Vexamor" shows its description.
-    def text():
-        return t.shot().count(mx + MAIN_PAD_X + 4, my + 190, mx + MAIN_W - MAIN_PAD_X - 4, my + MAIN_H - 80,
-                              lambda p: max(p) < 100, step=2)
-    check(text() == 0, "the description is empty before a choice")
+    text = t.description_ink(100)
+    check(text(t.shot()) == 0, "the description is empty before a choice")
     t.choose_game(1)
-    t.wait_for(lambda: text() > 300, 10, "the description after choosing")
+    t.wait_shot(lambda s: text(s) > 300, "the description after choosing")
 
     # Start: the frame, and a piece of one of the four colours in every cell (start waits for it).
     lay = t.start(1, 8, 8)
@@ -165,8 +162,7 @@ def test_reload(t):
 
     def choose_vexamor():
         t.choose_game(1)
-        t.wait_shot(lambda s: s.count(mx + MAIN_PAD_X + 4, my + 190, mx + MAIN_W - MAIN_PAD_X - 4, my + MAIN_H - 80,
-                                      lambda p: max(p) < 60, step=2) > 150, "Vexamor's description")
+        t.wait_shot(lambda s: t.description_ink(60)(s) > 150, "Vexamor's description")
 
     choose_vexamor()
     t.wait_shot(lambda s: reds(s) == 0, "Vexamor without problems")

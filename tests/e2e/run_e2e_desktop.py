@@ -9,9 +9,9 @@ import plistlib
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from tolvar_driver import (HELP_H, MAIN_H, MAIN_W, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H,  # noqa: E402
-                           SCREEN_W, SELECTED, WIN_H, Layout, Tolvar, check, full, ink_rows, key, near,
-                           removes, run_test_script, select_region, touches)
+from tolvar_driver import (HELP_H, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W, SCREEN_H, SCREEN_W, SELECTED,  # noqa: E402
+                           WIN_H, Layout, Tolvar, check, full, ink_rows, key, near, removes, run_test_script,
+                           select_region, touches)
 
 HINT, CURSOR = (0, 229, 255), (255, 255, 255)  # the hint's outline round its cells, the cursor's inside its cell
 VEXAMOR, GLIMMET = (1, 8, 8), (3, 8, 8)  # the game pop-up's index, board width and height
@@ -27,12 +27,12 @@ def sides(shot, lay, x, y, colour, inset):
     return sum(sum(touches(shot, lay.to_screen(*p), colour) for p in line) > 0.7 * len(line) for line in lines)
 
 
-def hint_cells(shot, lay):
-    return [c for c in lay.cells() if sides(shot, lay, *c, HINT, -1) == 4]
+def hint_cells(shot, lay, colour=HINT):  # the cells outlined all round in the colour
+    return [c for c in lay.cells() if sides(shot, lay, *c, colour, -1) == 4]
 
 
 def selected_cells(shot, lay):
-    return [c for c in lay.cells() if sides(shot, lay, *c, SELECTED, -1) == 4]
+    return hint_cells(shot, lay, SELECTED)
 
 
 def cursor_cell(shot, lay):
@@ -226,9 +226,8 @@ def test_continue(t):
         plistlib.dump(rules, f, sort_keys=False)
     t.launch()
     t.press_continue()
-    mx, my = t.geometry(t.main)
-    t.wait_shot(lambda s: s.count(mx + 20, my + 120, mx + MAIN_W - 20, my + MAIN_H - 60,
-                                  lambda p: p[0] > 150 and p[1] < 60 and p[2] < 60) > 50, "the reason in red")
+    reds = t.error_ink()
+    t.wait_shot(lambda s: reds(s) > 50, "the reason in red")
     check(not t.mapped(t.game), "a refused game does not start")
 
 

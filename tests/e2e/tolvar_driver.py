@@ -369,6 +369,11 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         return lambda shot: not near(shot.pixel(cx + 200, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2),
                                      (240, 240, 242), 4)
 
+    def description_ink(self, dark):  # a count on a screenshot: the main window's description, in dark text
+        mx, my = self.geometry(self.main)
+        return lambda shot: shot.count(mx + MAIN_PAD_X + 4, my + 190, mx + MAIN_W - MAIN_PAD_X - 4, my + MAIN_H - 80,
+                                       lambda p: max(p) < dark, step=2)
+
     def error_ink(self):  # a count on a screenshot: the main window's error lines, drawn in dark red
         mx, my = self.geometry(self.main)
         return lambda shot: shot.count(mx + 20, my + 150, mx + MAIN_W - 20, my + MAIN_H - 20,

@@ -13,7 +13,6 @@ from the prefix.
 """
 
 import argparse
-import gzip
 import math
 import os
 import re
@@ -26,7 +25,7 @@ import xml.etree.ElementTree as ET
 import zlib
 
 from installed_files import (check_changelog, check_copyright, check_documentation, check_hardening,
-                             check_no_placeholder_urls, news_releases)
+                             check_no_placeholder_urls, gunzipped, news_releases)
 from temporary_folder import check, checked_in_temporary_folder
 from tolvar_driver import Tolvar
 
@@ -257,20 +256,15 @@ def check_symbolic_icon(path):
 def check_manual_pages(prefix, args):
     for program in args.programs:
         path = os.path.join(prefix, "share/man/man6/%s.6.gz" % program)
-        with open(path, "rb") as f:
-            head = f.read(10)
-        check(head[:3] == b"\x1f\x8b\x08" and head[3] & 0x08 == 0 and head[4:8] == b"\0\0\0\0",
-              "%s is not compressed without name and time stamp (gzip -n)" % path)
-        with gzip.open(path, "rt", encoding="utf-8") as f:
-            text = f.read()
+        text = gunzipped(path).decode("utf-8")
         title = next((line.split() for line in text.splitlines() if line.startswith(".TH")), [])
         check(title[1:3] == [program.upper().replace("-", "\\-"), "6"], "%s: title line %s" % (path, title))
-        check("--help" in text.replace("\\-", "-") and "--version" in text.replace("\\-", "-"),
-              "%s does not tell of --help and --version" % path)
+        for option in ("--help", "--version"):
+            check(option in text.replace("\\-", "-"), "%s does not tell of %s" % (path, option))
         done = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", path], stdout=subprocess.DEVNULL,
                               stderr=subprocess.PIPE, env=dict(os.environ, MANWIDTH="80"), timeout=60)
-        check(done.returncode == 0 and not done.stderr.strip(), "%s: man reports:\n%s"
-              % (path, done.stderr.decode("utf-8", "replace")))
+        check(done.returncode == 0, "%s: man fails (status %d)" % (path, done.returncode))
+        check(not done.stderr.strip(), "%s: man reports:\n%s" % (path, done.stderr.decode("utf-8", "replace")))
 
 
 def check_options(prefix, args):
@@ -283,8 +277,7 @@ def check_options(prefix, args):
             out = printed[option] = done.stdout.decode("utf-8", "replace")
             check(done.returncode == 0 and out.startswith(expected),
                   "%s %s: status %d, printed %r" % (program, option, done.returncode, out[:200]))
-        with gzip.open(os.path.join(prefix, "share/man/man6/%s.6.gz" % program), "rt", encoding="utf-8") as f:
-            page = f.read().replace("\\-", "-")
+        page = gunzipped(os.path.join(prefix, "share/man/man6/%s.6.gz" % program)).decode("utf-8").replace("\\-", "-")
         offered = set(re.findall(r"(?<![\w-])--[a-z][a-z-]*", printed["--help"]))
         untold = sorted(offered - set(re.findall(r"--[a-z][a-z-]*", page)))
         check(not untold, "%s --help offers %s, which packaging/man/%s.6 does not tell" % (program, untold, program))

@@ -76,8 +76,6 @@ def check_contents(deb, args, work):
     check_no_placeholder_urls(root)
     if args.hardened != "OFF":
         check_hardening([os.path.join(root, "usr/games", p) for p in args.programs], args.hardened)
-    control = dict(line.split(": ", 1) for line in output("dpkg-deb", "--field", deb)[1].splitlines() if ": " in line)
-    check("example." not in control.get("Homepage", ""), "the package's home page is %r" % control.get("Homepage"))
 
 
 def check_package(deb, args):
@@ -86,7 +84,9 @@ def check_package(deb, args):
     control = dict(line.split(": ", 1) for line in fields.splitlines() if ": " in line and not line.startswith(" "))
     for key, value in (("Package", "tolvar"), ("Version", args.version), ("Section", "games")):
         check(control.get(key) == value, "%s is %r, not %r" % (key, control.get(key), value))
-    check(len(fields.splitlines()) > 12 and control.get("Description"), "no long description:\n" + fields)
+    check(control.get("Description"), "no description:\n" + fields)
+    check(len(fields.splitlines()) > 12, "no long description:\n" + fields)
+    check("example." not in control.get("Homepage", ""), "the package's home page is %r" % control.get("Homepage"))
     depends = [d.split()[0] for d in control.get("Depends", "").split(", ")]
     named, loaded = library_packages([os.path.join(args.build, "bin", p) for p in args.programs])
     missing = sorted(named - set(depends))

@@ -58,15 +58,21 @@ def check_copyright(path, source):
           "%s: the Expat text differs from LICENSE" % path)
 
 
+def gunzipped(path):
+    """The contents of a file compressed as gzip -n does: without the file's name and time stamp."""
+    with open(path, "rb") as f:
+        head = f.read(10)
+    check(head[:3] == b"\x1f\x8b\x08", "%s is not compressed with gzip" % path)
+    check(head[3] & 0x08 == 0, "%s keeps the file's name (not gzip -n)" % path)
+    check(head[4:8] == b"\0\0\0\0", "%s keeps a time stamp (not gzip -n)" % path)
+    with gzip.open(path, "rb") as f:
+        return f.read()
+
+
 def check_changelog(path, source):
     """The changelog made from NEWS: compressed without name and time stamp, one entry for each
     release of NEWS in its order, as dpkg reads it."""
-    with open(path, "rb") as f:
-        head = f.read(10)
-    check(head[:3] == b"\x1f\x8b\x08" and head[3] & 0x08 == 0 and head[4:8] == b"\0\0\0\0",
-          "%s is not compressed without name and time stamp (gzip -n)" % path)
-    with gzip.open(path, "rb") as f:
-        text = f.read()
+    text = gunzipped(path)
     done = subprocess.run(["dpkg-parsechangelog", "--file", "-", "--all", "--format", "rfc822"], input=text,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60)
     check(done.returncode == 0 and not done.stderr.strip(), "dpkg-parsechangelog on %s: %s"

@@ -67,10 +67,7 @@ class CheckTool(unittest.TestCase):
 
     def test_command_line(self):
         self.assertEqual(run().returncode, 2)
-        self.assertEqual(run("--bogus", "x").returncode, 2)
-        helped = run("--help")
-        self.assertEqual(helped.returncode, 0)
-        self.assertIn("usage: tolvar-check", helped.stdout)
+        self.assertEqual(run("--bogus", "x").returncode, 2)  # --help and --version: the programs' own test
         missing = run(os.path.join(self.dir.name, "none.dict"))
         self.assertEqual(missing.returncode, 1)
         self.assertIn(": error: ", missing.stdout)
