@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <memory>
 
-#include "AlertPanel.h"
 #include "FileIO.h"
 #include "ImageFile.h"
 #include "TextPixels.h"
@@ -80,7 +79,7 @@ void alert(const std::string& message) {
     if (alertHook())
         alertHook()("Alert", message, "OK");
     else
-        runAlertPanel(nullptr, "Alert", message, "OK");
+        std::fprintf(stderr, "%s\n", message.c_str());
 }
 
 std::string runOpenPanel() { return openPanelHook() ? openPanelHook()() : openPanelWithZenity(); }

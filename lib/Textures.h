@@ -23,7 +23,7 @@ bool loadImageFile(const char* path, Image& image);
 
 // The panels TextureFromResource shows the player. The alert is modal with one button; the open
 // panel returns the chosen file, or an empty string when the player cancels. By default the alert
-// is an SDL message box and the open panel is zenity's file selection (no zenity: cancelled).
+// goes to standard error and the open panel is zenity's file selection (no zenity: cancelled).
 // Setting an empty function restores the default.
 using TextureAlertHook =
     std::function<void(const std::string& title, const std::string& message, const std::string& button)>;

@@ -1,6 +1,5 @@
 # Textures from image files, named images and strings; text and textured rectangles.
 add_library(tolvar_textures STATIC
-  ${CMAKE_CURRENT_LIST_DIR}/AlertPanel.cpp
   ${CMAKE_CURRENT_LIST_DIR}/FileIOTexture.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ImageFile.cpp
   ${CMAKE_CURRENT_LIST_DIR}/TextPixels.cpp

@@ -175,9 +175,34 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
         commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
     ImGui::EndDisabled();
 
+    drawAlert();
     ImGui::End();
     surface_.endFrame();
     return commands;
+}
+
+void MainWindow::drawAlert() {
+    if (alerts_.empty()) return;
+    constexpr const char* kAlertId = "##alert";
+    if (!ImGui::IsPopupOpen(kAlertId)) ImGui::OpenPopup(kAlertId);
+    const ImGuiIO& io = ImGui::GetIO();
+    // Centred, never wider than the window: a long message wraps inside it.
+    ImGui::SetNextWindowPos(ImVec2(io.DisplaySize.x / 2, io.DisplaySize.y / 2), ImGuiCond_Always, ImVec2(0.5f, 0.5f));
+    ImGui::SetNextWindowSizeConstraints(ImVec2(kWidth / 2.0f, 0), ImVec2(kWidth - 40.0f, kHeight - 40.0f));
+    const ImGuiWindowFlags flags = ImGuiWindowFlags_NoTitleBar | ImGuiWindowFlags_AlwaysAutoResize |
+                                   ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings;
+    if (!ImGui::BeginPopupModal(kAlertId, nullptr, flags)) return;
+    ImGui::PushTextWrapPos(kWidth - 80.0f);
+    ImGui::TextUnformatted(alerts_.front().first.c_str());
+    ImGui::PopTextWrapPos();
+    ImGui::Spacing();
+    const bool key = ImGui::IsKeyPressed(ImGuiKey_Enter) || ImGui::IsKeyPressed(ImGuiKey_KeyPadEnter) ||
+                     ImGui::IsKeyPressed(ImGuiKey_Space) || ImGui::IsKeyPressed(ImGuiKey_Escape);
+    if (ImGui::Button(alerts_.front().second.c_str()) || key) {
+        alerts_.pop_front();
+        ImGui::CloseCurrentPopup();
+    }
+    ImGui::EndPopup();
 }
 
 ActionsPopup::ActionsPopup(const std::string& fontFile, float fontPixels)

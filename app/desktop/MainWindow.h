@@ -4,8 +4,10 @@
 // again.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "desktop/ImGuiSurface.h"
@@ -44,12 +46,19 @@ public:
                                    bool gameRunning, const RulesWatch& rules, bool canContinue,
                                    const std::string& continueText, const std::string& note);
 
+    // An alert over the window, a modal panel with the message and one button labelled button;
+    // Return, Space or Escape answer it too. Alerts that come while one is up wait their turn.
+    void alert(const std::string& message, const std::string& button) { alerts_.emplace_back(message, button); }
+    bool alertShown() const { return !alerts_.empty(); }
+
 private:
+    void drawAlert();
     // What the checker found in the file and in the chosen game, as lines of the description's page.
     static void addFindings(std::vector<Paragraph>& page, const GameLibrary& library, const RulesWatch& rules);
 
     ImGuiSurface surface_;
     TextPage description_;  // the description, the checker's findings and the note
+    std::deque<std::pair<std::string, std::string>> alerts_;  // message and button, the first one up
 };
 
 // The "Actions" menu as a pop-up at the mouse, opened with the right button in the game window.

@@ -15,9 +15,8 @@ bool TolvarAppDelegate::keyShortcuts(const SDL_Event& event, const CurrentEvent&
     // without text is bound to nothing: character 0 stands for "no key" in the rules).
     if (engine_ && firstCharacter(key) != 0 && MyWindow::performKeyEquivalent(*engine_, key)) return false;
     const bool inGame = gameWindow && windowID == gameWindow->windowID();
-    // The arrows show and move the keyboard cursor, Return presses it; the game's poll sees
-    // the key as well, as it sees every key-down.
-    if (inGame && engine_ && engine_->cursorKey(key)) return false;
+    // The arrows and, while the cursor shows, Return are no commands: the engine's input door
+    // gives them to the keyboard cursor.
     const bool cursorShown = engine_ && engine_->cursor().has_value();
     const ProgramCommand command = programCommandForKey(event.key.keysym.sym, event.key.keysym.mod, inGame, cursorShown);
     if (command != ProgramCommand::None) {
@@ -44,16 +43,20 @@ void TolvarAppDelegate::runProgramCommand(ProgramCommand command) {
         case ProgramCommand::ReturnToMain:
             if (gameWindow && gameWindow->isVisible()) returnToMain();
             break;
-        case ProgramCommand::NewGame: newGame(); break;
+        case ProgramCommand::NewGame:
+            if (gameReady()) newGame();
+            break;
         case ProgramCommand::Undo:
         case ProgramCommand::Redo:
-            if (!gameWindow) break;
+            if (!gameWindow || !gameReady()) break;
             gameWindow->makeCurrentContext();
             clearHint();
             if (command == ProgramCommand::Undo) engine_->undo();
             else engine_->redo();
             break;
-        case ProgramCommand::Hint: showHint(); break;
+        case ProgramCommand::Hint:
+            if (gameReady()) showHint();
+            break;
         case ProgramCommand::Help: showHelp(); break;
         case ProgramCommand::WritingGames: openWritingGames(); break;
         case ProgramCommand::About: showAbout(); break;

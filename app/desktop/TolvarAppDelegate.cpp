@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <exception>
 
-#include "AlertPanel.h"
+#include "Textures.h"
 #include "desktop/FontLookup.h"
 #include "engine/RandomSequence.h"
 #include "desktop/SdlEvents.h"
@@ -37,9 +37,11 @@ std::string interfaceFontFile() {
 TolvarAppDelegate::TolvarAppDelegate() : timers_(monotonicSeconds) {}
 
 TolvarAppDelegate::~TolvarAppDelegate() {
+    setTextureAlertHook({});
     // The engine draws through the view; the view's textures and sprites belong to the game
     // window's context, which must be current while they go.
     engine_.reset();
+    recorder_.reset();
     if (gameWindow) gameWindow->makeCurrentContext();
     view_.reset();
     helpWindow_.reset();
@@ -73,11 +75,15 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     callbacks.display = [this] {
         if (gameWindow) gameWindow->flushBuffer();
     };
-    callbacks.hold = [this](double seconds) { holdFrame(seconds); };
     callbacks.marks = [this] { return BoardMarks{engine_ ? engine_->cursor() : std::nullopt, hint_}; };
     view_ = std::make_unique<GameView>(*this, std::move(callbacks));
-    engine_ = std::make_unique<Engine>(*view_, *this);
+    recorder_ = std::make_unique<ShowRecorder>(show_, *view_, *this);
+    engine_ = std::make_unique<Engine>(*recorder_, *this);
 
+    // A texture that asks the player something asks in the main window.
+    setTextureAlertHook([this](const std::string& title, const std::string& message, const std::string& button) {
+        runAlert(title, message, button);
+    });
     // 3. The piece sprites: every slot empty.
     view_->clearPieceSprites(1);
     // 4. The game menu, from a file that is looked at again each second.
@@ -165,6 +171,11 @@ void TolvarAppDelegate::runLoop() {
         int timeoutMs = -1;
         const double untilTimer = timers_.secondsUntilNextDue();
         if (untilTimer >= 0.0) timeoutMs = static_cast<int>(std::ceil(untilTimer * 1000.0));
+        const double untilShown = gameWindow ? show_.secondsUntilDue(monotonicSeconds()) : -1.0;
+        if (untilShown >= 0.0) {
+            const int showMs = static_cast<int>(std::ceil(untilShown * 1000.0));
+            timeoutMs = timeoutMs < 0 ? showMs : std::min(timeoutMs, showMs);
+        }
         if (mainFrames_ > 0 || popupFrames_ > 0 || helpFrames_ > 0) timeoutMs = 0;
 
         SDL_Event event;
@@ -176,6 +187,7 @@ void TolvarAppDelegate::runLoop() {
         if (quit_) break;
         timers_.fireDue();
         if (quit_) break;
+        playShow();
         drawWindows();
     }
 }
@@ -257,7 +269,7 @@ void TolvarAppDelegate::selectGame(const std::string& title) {
 
 void TolvarAppDelegate::startGame() {
     // A game with errors is not started; the main window lists them.
-    if (rules_.refuses(library_.selectedTitle())) return;
+    if (rules_.refuses(library_.selectedTitle()) || !gameReady()) return;
     gameWindow->makeCurrentContext();
     engine_->startGame(library_.currentRules(), menu_);
 }
@@ -265,21 +277,31 @@ void TolvarAppDelegate::startGame() {
 void TolvarAppDelegate::returnToMain() {
     if (popup_) closePopup();
     gameWindow->makeCurrentContext();
+    // What is still to show goes up at once; an alert left on the game window goes with it.
+    paintSteps(show_.takeAll());
     engine_->returnToMain();
 }
 
 void TolvarAppDelegate::checkMenuAction(int itemIndex) {
     gameWindow->makeCurrentContext();
-    engine_->checkMenuAction(menu_, itemIndex);
+    if (gameReady()) engine_->checkMenuAction(menu_, itemIndex);
 }
 
 // ---------------------------------------------------------------- Host
 
 void TolvarAppDelegate::runAlert(const std::string& title, const std::string& message, const std::string& button) {
-    const bool gameShown = gameWindow && gameWindow->isVisible();
-    runAlertPanel(gameShown ? gameWindow->sdlWindow() : nullptr, title, message, button);
-    if (gameWindow) gameWindow->makeCurrentContext();
-    if (gameShown) SDL_SetWindowInputFocus(gameWindow->sdlWindow());
+    // In the game window over its board, in turn with what the game shows; outside a game, in
+    // the main window.
+    if (gameWindow && gameWindow->isVisible()) {
+        ShowStep step;
+        step.kind = ShowStep::Kind::Alert;
+        step.alert = {title, message, button};
+        show_.append(std::move(step));
+    } else if (window) {
+        std::fprintf(stderr, "tolvar: alert: %s [%s]\n", message.c_str(), button.c_str());
+        window->alert(message, button);
+        mainFrames_ = kMainWindowFramesPerChange;
+    }
 }
 
 bool TolvarAppDelegate::scoresTimerRunning() const { return timers_.isValid(scoresTimer); }
@@ -288,6 +310,7 @@ void TolvarAppDelegate::startScoresTimer(const Value& scores) {
     if (timers_.isValid(scoresTimer)) return;
     scoresList_ = scores;
     scoresTimer = timers_.schedule(kScoresTimerInterval, [this] {
+        if (!show_.idle()) return;  // the screen comes in its turn, after what the window still plays
         // The list is held by the timer, as its user info.
         const Value scores = scoresList_;
         view_->scoresTimerFired(scores);
@@ -346,6 +369,7 @@ void TolvarAppDelegate::scheduleEngineTimers() {
 }
 
 void TolvarAppDelegate::eventTick() {
+    if (!show_.idle()) return;  // the game waits while the window plays what it showed
     gameWindow->makeCurrentContext();
     engine_->processEvents();
     // An event that came while a start was pending is seen once the start has gone through.

@@ -1,5 +1,6 @@
 // The application: start-up, the two windows, the run loop with the game's timers, and the
-// desktop services the rule engine asks for (current event, alerts, score timer, projection).
+// desktop services the rule engine asks for (alerts, score timer, projection). What an engine
+// operation shows is played afterwards by the run loop (ShowPlayer.cpp); nothing waits.
 #pragma once
 
 #include <SDL.h>
@@ -12,6 +13,7 @@
 #include "desktop/MainWindow.h"
 #include "desktop/MyWindow.h"
 #include "desktop/RulesWatch.h"
+#include "desktop/ShowRecorder.h"
 #include "engine/BoardLayout.h"
 #include "engine/Engine.h"
 #include "engine/Host.h"
@@ -23,6 +25,7 @@
 #include "core/PropertyList.h"
 #include "desktop/RunLoop.h"
 #include "presentation/GameView.h"
+#include "presentation/ShowQueue.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameLibrary.h"
 
@@ -52,7 +55,6 @@ public:
     void terminate() { quit_ = true; }
 
     // Host
-    CurrentEvent currentEvent() override { return currentEvent_; }
     void runAlert(const std::string& title, const std::string& message, const std::string& button) override;
     bool scoresTimerRunning() const override;
     void startScoresTimer(const Value& scores) override;
@@ -64,7 +66,6 @@ public:
     void hideMainWindow() override;
     void scheduleEngineTimers() override;
     ScoreStore& scoreStore() override { return bestScores_; }
-    bool quitRequested() override;
 
 private:
     bool initWindow();
@@ -109,18 +110,27 @@ private:
     void closePopup();
     void runCommands(const std::vector<ShellCommand>& commands);
     void drawWindows();
-    // While a tick holds a frame (the removal flash, a falling piece) or runs long: quit, close
-    // and uncover are answered at once; every other event waits, in order, for the run loop.
-    void holdFrame(double seconds);
-    void answerWindowsDuringTick(int timeoutMs);
-    void giveBackHeldEvents();
-    bool answersDuringTick(const SDL_Event& event);
+    // Playing what the engine showed: the steps due now; the steps handed over, painted in the
+    // game window; the alert's panel over the last frame, and its answer. gameReady finishes a
+    // flash or a fall at once before the game takes something new; false while an alert waits.
+    void playShow();
+    void paintSteps(const std::vector<ShowStep>& steps);
+    AlertLayout alertLayout() const;
+    void drawAlertPanel();
+    void answerAlert();
+    bool gameReady();
+    // A game window input while an alert is up: Return, Space, Esc or a click on the button
+    // answer it; anything else is ignored.
+    void alertInput(const CurrentEvent& input);
     std::string menuSignature() const;
     // Reads the rules file again when it changed on disk (a look a second).
     void reloadRulesWhenChanged();
 
     std::unique_ptr<MyWindow> gameWindow;
     std::unique_ptr<GameView> view_;
+    ShowQueue show_;
+    std::unique_ptr<ShowRecorder> recorder_;
+    GameInfo shownGame_;  // the last frame of the board painted
     std::unique_ptr<Engine> engine_;
     GameLibrary library_;
     RulesWatch rules_;
@@ -141,7 +151,6 @@ private:
     Value scoresList_;
 
     std::string interfaceFont_;  // the font file of the main window and the pop-up
-    CurrentEvent currentEvent_;
     std::vector<BoardCell> hint_;  // outlined until the next input
     SavedGamesFile savedGames_{tolvarFolderPath()};
     std::map<std::string, Value> saved_;          // the saved games offered, by title
@@ -149,8 +158,6 @@ private:
     std::map<std::string, std::string> refused_;  // why a saved game cannot be continued, by title
     std::string continueNote_;                    // why the last Continue could not be, or a save's news
     bool quit_ = false;
-    std::vector<SDL_Event> heldEvents_;  // events that wait for the tick to end
-    double lastAnswerDuringTick_ = 0.0;
     int mainFrames_ = 0;   // frames of the main window still to draw
     int popupFrames_ = 0;  // frames of the "Actions" pop-up still to draw
     int helpFrames_ = 0;   // frames of the help window still to draw

@@ -1,5 +1,5 @@
-// The game's input: SDL events routed to the windows, the menus and the rule engine, and the windows
-// answered while a tick holds a frame of the flash or of a falling piece.
+// The game's input: SDL events routed to the windows, the menus, an alert over the board and the
+// rule engine's one door for input.
 #include "desktop/TolvarAppDelegate.h"
 
 #include <algorithm>
@@ -44,12 +44,14 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         // when no timer will draw a new one (a stopped score screen).
         gameWindow->makeCurrentContext();
         gameWindow->redisplay();
+        drawAlertPanel();
         return;
     }
     if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_SIZE_CHANGED && windowID == gameID) {
         // A new size: bars cleared, the picture drawn whole at its new scale.
         gameWindow->takeNewSize();
         view_->redrawLastFrame();
+        drawAlertPanel();
         return;
     }
     if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_CLOSE) {
@@ -107,6 +109,18 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     // The game sees its points on the 1024 x 768 picture, wherever and however large it is shown.
     if (windowID == gameID) gameWindow->pictureFit().toPicture(current->x, current->y, current->x, current->y);
 
+    // While the window plays what the game showed, the game takes nothing: an input cuts a flash
+    // or a fall short (the board as it ends drawn at once) and then goes to the game; while an
+    // alert is up, the input answers it or goes nowhere.
+    if (windowID == gameID && !show_.idle()) {
+        const bool input = current->type == kEventTypeMouseDown || current->type == kEventTypeMouseUp ||
+                           current->type == kEventTypeKeyDown || current->type == kEventTypeRightMouseDown;
+        if (!input) return;
+        if (!gameReady()) {
+            alertInput(*current);
+            return;
+        }
+    }
     if (windowID == gameID) {
         // A click anywhere in the game window closes an open pop-up; the right button opens it.
         if (popup_ && popup_->isOpen() && (current->type == kEventTypeMouseDown || current->type == kEventTypeRightMouseDown))
@@ -128,8 +142,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     // The program's own keys never reach the game as its key; the arrows and Return go to the
     // keyboard cursor first.
     if (current->type == kEventTypeKeyDown && keyShortcuts(event, *current, windowID)) return;
-    currentEvent_ = *current;
-    checkUserEvents();
+    if (userEventTimer && engine_) engine_->takeInput(*current);
 }
 
 void TolvarAppDelegate::closePopup() {
@@ -141,61 +154,6 @@ void TolvarAppDelegate::closePopup() {
 
 void TolvarAppDelegate::checkUserEvents() {
     if (userEventTimer && engine_) engine_->checkUserEvents();
-}
-
-// ---------------------------------------------------------------- answering the windows during a tick
-
-namespace {
-constexpr double kAnswerIntervalDuringTick = 0.02;
-}
-
-bool TolvarAppDelegate::quitRequested() {
-    const double now = monotonicSeconds();
-    if (!quit_ && now - lastAnswerDuringTick_ >= kAnswerIntervalDuringTick) {
-        lastAnswerDuringTick_ = now;
-        answerWindowsDuringTick(0);
-        giveBackHeldEvents();
-    }
-    return quit_;
-}
-
-void TolvarAppDelegate::holdFrame(double seconds) {
-    const double until = monotonicSeconds() + seconds;
-    // The events that wait for the tick stay out of the queue for the whole hold, so the wait
-    // below sleeps until something new comes rather than finding them again at once.
-    for (double left = seconds; !quit_ && left > 0.0; left = until - monotonicSeconds())
-        answerWindowsDuringTick(static_cast<int>(std::ceil(left * 1000.0)));
-    giveBackHeldEvents();
-}
-
-void TolvarAppDelegate::answerWindowsDuringTick(int timeoutMs) {
-    SDL_Event event;
-    while (!quit_ && SDL_PollEvent(&event))
-        if (!answersDuringTick(event)) heldEvents_.push_back(event);
-    if (!quit_ && timeoutMs > 0 && SDL_WaitEventTimeout(&event, timeoutMs))
-        if (!answersDuringTick(event)) heldEvents_.push_back(event);
-}
-
-void TolvarAppDelegate::giveBackHeldEvents() {
-    // Whatever came meanwhile is taken too, so the held events go back in the order they came.
-    SDL_Event event;
-    while (!quit_ && SDL_PollEvent(&event))
-        if (!answersDuringTick(event)) heldEvents_.push_back(event);
-    if (!heldEvents_.empty()) {
-        SDL_PeepEvents(heldEvents_.data(), static_cast<int>(heldEvents_.size()), SDL_ADDEVENT, SDL_FIRSTEVENT,
-                       SDL_LASTEVENT);
-        heldEvents_.clear();
-    }
-}
-
-bool TolvarAppDelegate::answersDuringTick(const SDL_Event& event) {
-    const bool quitKey = event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_q &&
-                         (event.key.keysym.mod & (KMOD_CTRL | KMOD_GUI)) != 0;
-    const bool window = event.type == SDL_WINDOWEVENT && (event.window.event == SDL_WINDOWEVENT_EXPOSED ||
-                                                          event.window.event == SDL_WINDOWEVENT_CLOSE);
-    if (quitKey) terminate();
-    else if (event.type == SDL_QUIT || window) dispatch(event);
-    return quitKey || event.type == SDL_QUIT || window;
 }
 
 }  // namespace tolvar

@@ -12,7 +12,6 @@ void Dispatcher::processEvents() {
     checkForEvents();
     GameInfo& game = ctx_.game();
     while (game.eventQueue) {
-        if (ctx_.host.quitRequested()) return;
         if (runaway_.runsAway()) return stopRunawayGame(*game.eventQueue);
         ctx_.view.showMotion(!runaway_.outrunsRealGames());
         std::printf("processing event %d\n", static_cast<int>(game.eventQueue->eventID));
@@ -57,7 +56,6 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
     // The list is shared with the rules; hold it for the whole run.
     const std::shared_ptr<GameAction> actions = event.actions;
     for (const GameAction* a = actions.get(); a; a = a->next.get()) {
-        if (ctx_.host.quitRequested()) return;
         std::printf("action %d\n", static_cast<int>(a->actionID));
         const std::uint64_t amount = static_cast<std::uint64_t>(static_cast<std::int64_t>(a->amount));
         switch (a->actionType) {

@@ -27,27 +27,17 @@ struct Engine::Impl {
     std::optional<BoardCell> cursor;
     bool finished = false;    // the best-score check of this board has run
     std::string fingerprint;  // of the running game's rules
-    std::optional<GameSnapshot> interruptedTick;  // the game before a tick that a quit stopped
+    std::optional<GameSnapshot> beforeLastTick;  // the game before the last tick, when that changed it
     bool timersScheduled = false;
     // The game window shows the board. A game left for the main window takes no input: the
     // main window's clicks and keys are not moves on a board nobody sees.
     bool shown = false;
-    // Set while an engine operation runs, so a modal panel that lets the desktop deliver
-    // another timer or action meanwhile cannot re-enter it.
-    bool busy = false;
-
-    struct Busy {
-        explicit Busy(bool& flag) : flag_(flag) { flag_ = true; }
-        ~Busy() { flag_ = false; }
-        Busy(const Busy&) = delete;
-        Busy& operator=(const Busy&) = delete;
-        bool& flag_;
-    };
 
     bool playing() const { return ctx.hasGame() && ctx.game().hasBoard() && ctx.gamePaused == 0; }
 
     // Acts on one input and records what it changed as a move.
     void play(const PlayerInput& in, bool redoing) {
+        beforeLastTick.reset();
         history.beforeInput(ctx);
         if (!in.fromMenu) {
             input.handleEvent(in.event);
@@ -70,7 +60,7 @@ struct Engine::Impl {
     // What belonged to the board that went: its moves and the cursor.
     void forgetBoard() {
         finished = false;
-        interruptedTick.reset();
+        beforeLastTick.reset();
         history.forget();
         cursor.reset();
         historyBoard = ctx.boardsDealt;
@@ -115,8 +105,6 @@ Engine::Engine(View& view, Host& host) : impl_(std::make_unique<Impl>(view, host
 Engine::~Engine() = default;
 
 void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
-    if (impl_->busy) return;
-    Impl::Busy busy(impl_->busy);
     EngineContext& ctx = impl_->ctx;
     // The previous game goes, whatever comes next.
     ctx.forgetGesture();
@@ -159,13 +147,12 @@ void Engine::returnToMain() {
 }
 
 void Engine::checkMenuAction(const ActionsMenu& menu, int itemIndex) {
-    if (impl_->busy || !gameInfo) return;
+    if (!gameInfo) return;
     if (itemIndex < 0 || itemIndex >= ActionsMenu::kItemCount) return;
     EngineContext& ctx = impl_->ctx;
-    if (ctx.host.currentEvent().type == kEventTypeKeyDown || ctx.gamePaused != 0) return;
+    if (impl_->input.currentEvent().type == kEventTypeKeyDown || ctx.gamePaused != 0) return;
     const ActionsMenuItem& item = menu.item(itemIndex);
     if (!item.enabled) return;
-    Impl::Busy busy(impl_->busy);
     PlayerInput chosen;
     chosen.fromMenu = true;
     chosen.menuCharacter = item.keyEquivalent;
@@ -173,16 +160,14 @@ void Engine::checkMenuAction(const ActionsMenu& menu, int itemIndex) {
 }
 
 void Engine::processEvents() {
-    if (impl_->busy) return;
-    Impl::Busy busy(impl_->busy);
     EngineContext& ctx = impl_->ctx;
-    // A tick that the player's quit stops part way leaves a game that cannot go on as it is;
-    // the game as it was before the tick is the one to keep, and the tick runs again in full.
-    std::optional<GameSnapshot> beforeTick;
+    // The window plays what the tick shows after it has run; a quit meanwhile keeps the game as
+    // it was before the tick, which then runs again in full.
     if (ctx.hasGame() && ctx.game().hasBoard() && (ctx.game().eventQueue || ctx.gameStarted != 0))
-        beforeTick = takeSnapshot(ctx);
+        impl_->beforeLastTick = takeSnapshot(ctx);
+    else
+        impl_->beforeLastTick.reset();
     impl_->dispatcher.processEvents();
-    if (beforeTick && ctx.host.quitRequested()) impl_->interruptedTick = std::move(beforeTick);
     // No undo past the best-score check of a finished game.
     if (impl_->ctx.gamePaused != 0 && impl_->ctx.hasGame()) {
         impl_->history.forget();
@@ -191,8 +176,6 @@ void Engine::processEvents() {
 }
 
 void Engine::checkUserEvents() {
-    if (impl_->busy) return;
-    Impl::Busy busy(impl_->busy);
     const std::optional<CurrentEvent> event = impl_->input.newEvent();
     if (!event || !impl_->shown) return;
     if (event->type == kEventTypeMouseDown) impl_->cursor.reset();
@@ -201,9 +184,14 @@ void Engine::checkUserEvents() {
         impl_->play({*event}, false);
 }
 
+void Engine::takeInput(const CurrentEvent& event) {
+    if (event.type == kEventTypeKeyDown) cursorKey(event);
+    impl_->input.setCurrentEvent(event);
+    checkUserEvents();
+}
+
 void Engine::newGame() {
-    if (impl_->busy || !gameInfo || !gameInfo->hasBoard()) return;
-    Impl::Busy busy(impl_->busy);
+    if (!gameInfo || !gameInfo->hasBoard()) return;
     impl_->show();  // also from the main window, whose game comes to the front
     impl_->input.restartGame();
     impl_->forgetBoard();
@@ -213,16 +201,15 @@ bool Engine::canUndo() const { return impl_->playing() && impl_->history.canUndo
 bool Engine::canRedo() const { return impl_->playing() && impl_->history.canRedo(); }
 
 bool Engine::undo() {
-    if (impl_->busy || !canUndo()) return false;
-    Impl::Busy busy(impl_->busy);
+    if (!canUndo()) return false;
+    impl_->beforeLastTick.reset();
     restoreSnapshot(impl_->ctx, impl_->history.undo()->before);
     impl_->ctx.view.drawBoard(impl_->ctx.game());
     return true;
 }
 
 bool Engine::redo() {
-    if (impl_->busy || !canRedo()) return false;
-    Impl::Busy busy(impl_->busy);
+    if (!canRedo()) return false;
     const std::optional<Move> move = impl_->history.takeRedo();
     restoreSnapshot(impl_->ctx, move->before);
     for (const PlayerInput& in : move->inputs) impl_->play(in, true);
@@ -237,7 +224,7 @@ std::vector<BoardCell> Engine::hint() const {
 
 bool Engine::cursorKey(const CurrentEvent& keyDown) {
     Impl& im = *impl_;
-    if (im.busy || keyDown.type != kEventTypeKeyDown || !im.playing() || im.ctx.gameStarted != 0)
+    if (keyDown.type != kEventTypeKeyDown || !im.shown || !im.playing() || im.ctx.gameStarted != 0)
         return false;
     if (im.input.charIsUserAction(firstCharacter(keyDown))) return false;  // the rules' key
     const GameInfo& game = *gameInfo;
@@ -251,7 +238,6 @@ bool Engine::cursorKey(const CurrentEvent& keyDown) {
         case kCharacterReturn:
         case kCharacterEnter: {
             if (!im.cursor) return false;
-            Impl::Busy busy(im.busy);
             im.pressCursor();
             return true;
         }
@@ -278,7 +264,7 @@ bool Engine::hasUnfinishedGame() const {
 }
 
 bool Engine::resumeGame() {
-    if (impl_->busy || !hasUnfinishedGame()) return false;
+    if (!hasUnfinishedGame()) return false;
     EngineContext& ctx = impl_->ctx;
     ctx.host.showGameWindow();
     impl_->show();
@@ -289,8 +275,12 @@ bool Engine::resumeGame() {
 
 std::optional<Value> Engine::savedGame() const {
     if (!hasUnfinishedGame()) return std::nullopt;
-    const GameSnapshot now = impl_->interruptedTick ? *impl_->interruptedTick : takeSnapshot(impl_->ctx);
-    return savedGameValue(*gameInfo, now, impl_->fingerprint);
+    return savedGameValue(*gameInfo, takeSnapshot(impl_->ctx), impl_->fingerprint);
+}
+
+std::optional<Value> Engine::savedGameBeforeTick() const {
+    if (!impl_->beforeLastTick || !gameInfo || !gameInfo->hasBoard()) return savedGame();
+    return savedGameValue(*gameInfo, *impl_->beforeLastTick, impl_->fingerprint);
 }
 
 std::string Engine::savedGameTitle(const Value& saved) { return tolvar::savedGameTitle(saved); }
@@ -329,7 +319,6 @@ std::string Engine::savedGameProblem(const Value& saved, const Value* rules) {
 }
 
 std::string Engine::continueGame(const Value& saved, const Value* rules, ActionsMenu& menu) {
-    if (impl_->busy) return "The game is busy.";
     EngineContext& ctx = impl_->ctx;
     // Built aside, so a game that cannot be continued leaves the running one as it was.
     ActionsMenu scratch = menu;
@@ -337,7 +326,6 @@ std::string Engine::continueGame(const Value& saved, const Value* rules, Actions
     if (const std::string* why = std::get_if<std::string>(&checked)) return *why;
     Continuable& c = std::get<Continuable>(checked);
 
-    Impl::Busy busy(impl_->busy);
     menu = scratch;
     ctx.forgetGesture();
     gameInfo = std::move(c.game);

@@ -40,10 +40,15 @@ public:
     // checkMenuAction: with the chosen "Actions" item (0-based index into menu.items()).
     void checkMenuAction(const ActionsMenu& menu, int itemIndex);
 
-    // processEvents: one tick of the event timer.
+    // processEvents: one tick of the event timer. It runs to its end at once; what it shows on
+    // the way (flashes, falls, alerts) is the View's and the Host's to play afterwards.
     void processEvents();
-    // checkUserEvents: one poll of the game window's current event.
+    // checkUserEvents: one poll of the game window's current event (after every tick).
     void checkUserEvents();
+    // takeInput: the one door for the player's input. A key-down goes to the keyboard cursor
+    // first (see cursorKey); then the event becomes the current event and the poll runs, which
+    // acts on it unless it repeats the event seen last (a held key is one key-down).
+    void takeInput(const CurrentEvent& event);
 
     // performKeyEquivalent: of the game window: true when a running game binds the key-down
     // event's first character to a user event, so no menu shortcut fires for it.
@@ -70,20 +75,22 @@ public:
     // neighbours to swap. Empty when there is none (or no game is being played). Changes nothing.
     std::vector<BoardCell> hint() const;
 
-    // The keyboard cursor. cursorKey takes every key-down of the game window before the poll
-    // reads it, and returns true when it was a cursor key: an arrow shows the cursor (first
+    // The keyboard cursor. takeInput gives it every key-down before the poll reads it;
+    // cursorKey returns true when it was a cursor key: an arrow shows the cursor (first
     // in the middle of the board) or moves it one cell, never off the board; Return or Enter,
     // while the cursor shows, is a mouse-down and mouse-up at the centre of its cell, so it
     // selects and swaps exactly as the mouse does. A key that the rules bind is never a cursor
-    // key. A mouse-down, a new board or returning to the main window hide the cursor.
+    // key, nor is any key while the board is not shown. A mouse-down, a new board or returning to the main window hide the cursor.
     bool cursorKey(const CurrentEvent& keyDown);
     std::optional<BoardCell> cursor() const;
 
     // Keeping a game. hasUnfinishedGame: a game has a board and its best-score check has not
     // run. resumeGame: shows that game again as it was left (after returnToMain); false when
     // there is none. savedGame: that game as a property list with everything needed to go on
-    // exactly, for the shell to keep in the data folder (nothing without one); after a tick that the player's quit stopped part way, the game as it was before that
-    // tick, which then runs again in full when the game is continued. continueGame: shows a
+    // exactly, for the shell to keep in the data folder (nothing without one). savedGameBeforeTick:
+    // the same, but when the last thing the engine did was a tick that changed the game, the game
+    // as it was before that tick: a quit while the window still plays what the tick showed keeps
+    // that one, and the tick runs again in full when the game is continued. continueGame: shows a
     // saved game as startGame shows a new one, with rules, the current rules dictionary of its
     // title (savedGameTitle; nullptr when the rules file has no such game); returns an empty
     // text, or, when it cannot be continued (its rules changed, the file is damaged), why, as a
@@ -91,6 +98,7 @@ public:
     bool hasUnfinishedGame() const;
     bool resumeGame();
     std::optional<Value> savedGame() const;
+    std::optional<Value> savedGameBeforeTick() const;
     std::string continueGame(const Value& saved, const Value* rules, ActionsMenu& menu);
     // Why continueGame would refuse the saved game with these rules, or an empty text; changes
     // nothing (the main window asks before it offers Continue).

@@ -1,5 +1,4 @@
-// What the engine asks of the desktop: the game window's current event, alert panels, windows,
-// timers, the projection reset. The SDL shell implements it; the headless runner and the tests
+// What the engine asks of the desktop: alerts, windows, timers, the projection reset. The SDL shell implements it; the headless runner and the tests
 // implement it without a display.
 #pragma once
 
@@ -70,10 +69,9 @@ class Host {
 public:
     virtual ~Host() = default;
 
-    virtual CurrentEvent currentEvent() = 0;
-
-    // A modal alert with one button; returns when the player dismisses it. The message is
-    // shown literally.
+    // An alert with one button, shown literally. The engine goes on at once; the desktop shows
+    // it in order with what was drawn around it, and nothing else of the game plays until the
+    // player answers it.
     virtual void runAlert(const std::string& title, const std::string& message,
                           const std::string& button) = 0;
 
@@ -97,10 +95,6 @@ public:
 
     // Where the best scores are kept.
     virtual ScoreStore& scoreStore() = 0;
-
-    // True once the player has asked to quit: a tick that is still running stops at the next
-    // event or action, so the program can end at once. The desktop also answers its windows here.
-    virtual bool quitRequested() { return false; }
 };
 
 }  // namespace tolvar

@@ -1,5 +1,4 @@
-// A desktop that shows nothing: every view and host operation does nothing, the current event
-// is whatever was last put in `event`, and best scores go to "BestScores.dict" in the folder given. The headless runner, the
+// A desktop that shows nothing: every view and host operation does nothing, and best scores go to "BestScores.dict" in the folder given. The headless runner, the
 // benchmarks and the fuzz targets build on it and override what they need to see.
 #pragma once
 
@@ -26,7 +25,6 @@ class QuietHost : public Host {
 public:
     explicit QuietHost(std::string dataFolder = ".") : scores(std::move(dataFolder)) {}
 
-    CurrentEvent currentEvent() override { return event; }
     void runAlert(const std::string&, const std::string&, const std::string&) override {}
     bool scoresTimerRunning() const override { return scoresTimer; }
     void startScoresTimer(const Value&) override { scoresTimer = true; }
@@ -39,7 +37,6 @@ public:
     void scheduleEngineTimers() override {}
     ScoreStore& scoreStore() override { return scores; }
 
-    CurrentEvent event;  // what the game window last saw
     BestScoresFile scores;
     bool scoresTimer = false;
 };

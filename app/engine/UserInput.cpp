@@ -41,7 +41,7 @@ void UserInput::restartGame() {
 
 std::optional<CurrentEvent> UserInput::newEvent() {
     if (!ctx_.hasGame()) return std::nullopt;
-    const CurrentEvent event = ctx_.host.currentEvent();
+    const CurrentEvent event = current_;
     if (ctx_.gameStarted != 0) return std::nullopt;
     if (!remember(event)) return std::nullopt;
     return event;
@@ -56,7 +56,7 @@ bool UserInput::remember(const CurrentEvent& event) {
     return isNew;
 }
 
-void UserInput::skipCurrentEvent() { remember(ctx_.host.currentEvent()); }
+void UserInput::skipCurrentEvent() { remember(current_); }
 
 void UserInput::handleEvent(const CurrentEvent& event) {
     Board board(ctx_.game());

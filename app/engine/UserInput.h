@@ -14,6 +14,9 @@ class UserInput {
 public:
     explicit UserInput(EngineContext& ctx) : ctx_(ctx) {}
 
+    // The game window's latest event; the poll reads it.
+    void setCurrentEvent(const CurrentEvent& event) { current_ = event; }
+    const CurrentEvent& currentEvent() const { return current_; }
     // One poll of the current event; acts only on an event it has not seen yet.
     void checkUserEvents();
     // The poll's two halves: the current event when the poll has not seen it yet (and no start
@@ -38,6 +41,7 @@ private:
     bool remember(const CurrentEvent& event);
 
     EngineContext& ctx_;
+    CurrentEvent current_;
     // The poll's memory of what it saw last.
     std::int64_t prevEventType_ = 0;
     std::uint16_t prevKeyCode_ = 0;

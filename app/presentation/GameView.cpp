@@ -26,9 +26,6 @@ namespace tolvar {
 
 namespace {
 
-// How long a frame of the removal flash stays on the screen.
-constexpr double kFlashFrameSeconds = 0.1;
-
 constexpr GLfloat kAmbient[4] = {0.15f, 0.15f, 0.15f, 1.0f};
 constexpr GLfloat kDiffuse[4] = {0.75f, 0.75f, 0.75f, 1.0f};
 constexpr GLfloat kMaterialDiffuse[4] = {1.0f, 1.0f, 1.0f, 1.0f};
@@ -308,8 +305,43 @@ void GameView::drawMarks(const BoardLayout& L, const BoardMarks& marks) {
     if (depth) glEnable(GL_DEPTH_TEST);
 }
 
-void GameView::pauseForFlash() {
-    if (motionShown_ && window_.hold) window_.hold(kFlashFrameSeconds);
+float alertTextWidth(const std::string& text) {
+    return static_cast<float>(
+        glutBitmapLength(GLUT_BITMAP_HELVETICA_18, reinterpret_cast<const unsigned char*>(text.c_str())));
+}
+
+void GameView::pauseForFlash() {}  // the window's run loop holds the frames it plays
+
+void GameView::drawAlert(const AlertLayout& a) {
+    glPushAttrib(GL_ENABLE_BIT | GL_CURRENT_BIT | GL_LINE_BIT);
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_LIGHTING);
+    glDisable(GL_TEXTURE_RECTANGLE_ARB);
+    const auto box = [](const PanelRect& r, const float* fill, const float* edge) {
+        glColor3fv(fill);
+        glRectf(r.x0, r.y0, r.x1, r.y1);
+        glColor3fv(edge);
+        glLineWidth(2.0f);
+        glBegin(GL_LINE_LOOP);
+        glVertex2f(r.x0, r.y0);
+        glVertex2f(r.x1, r.y0);
+        glVertex2f(r.x1, r.y1);
+        glVertex2f(r.x0, r.y1);
+        glEnd();
+    };
+    box(a.panel, kAlertPanelColor, kAlertEdgeColor);
+    box(a.button, kAlertButtonColor, kAlertEdgeColor);
+    glColor3fv(kAlertTextColor);
+    float baseline = a.firstBaseline;
+    for (const std::string& line : a.lines) {
+        drawText(a.textX, baseline, line);
+        baseline -= a.lineHeight;
+    }
+    drawText(a.labelX, a.labelBaseline, a.label);
+    glPopAttrib();
+    glFlush();
+    if (window_.flushBuffer) window_.flushBuffer();
+    shown_.forget();  // the next frame of the board covers the panel whole
 }
 
 }  // namespace tolvar

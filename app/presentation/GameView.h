@@ -15,6 +15,7 @@
 #include "engine/View.h"
 #include "engine/BoardLayout.h"
 #include "core/PropertyList.h"
+#include "presentation/AlertLayout.h"
 #include "presentation/ShownBoard.h"
 #include "rules/GameInfo.h"
 
@@ -35,6 +36,15 @@ struct BoardMarks {
 // the hint cyan round its cells.
 inline constexpr float kCursorColor[3] = {1.0f, 1.0f, 1.0f};
 inline constexpr float kHintColor[3] = {0.0f, 0.9f, 1.0f};
+// An alert's panel over the board: light, with a dark edge, dark text and a button of its own.
+inline constexpr float kAlertPanelColor[3] = {0.93f, 0.93f, 0.95f};
+inline constexpr float kAlertButtonColor[3] = {0.78f, 0.84f, 0.95f};
+inline constexpr float kAlertEdgeColor[3] = {0.2f, 0.2f, 0.3f};
+inline constexpr float kAlertTextColor[3] = {0.05f, 0.05f, 0.1f};
+// The line height of the panel's text (the board's 18-point font).
+inline constexpr float kAlertLineHeight = 24.0f;
+// A text's width in that font, for laying out the panel.
+float alertTextWidth(const std::string& text);
 
 class GameView : public View {
 public:
@@ -43,9 +53,6 @@ public:
         std::function<void()> flushBuffer;                   // shows what was drawn (after glFlush)
         std::function<void(double&, double&)> mouseLocation;  // the mouse in screen coordinates, origin lower left
         std::function<void()> display;                       // the window's display after a score frame
-        // Holds what was just drawn for a while: the desktop goes on answering its window (repaints,
-        // close, quit) meanwhile, and the game's input and timers wait. None: no wait.
-        std::function<void(double seconds)> hold;
         std::function<BoardMarks()> marks;  // drawn over every board frame
     };
 
@@ -69,6 +76,12 @@ public:
     void displayScores(const Value& scores, int highlight) override;
     void clearPieceSprites(int forget) override;
     void pauseForFlash() override;
+    // The piece's step of a fall: its cell (fromX, fromY) black, the piece in (toX, toY), over
+    // the last frame of game's board.
+    void drawFallStep(const GameInfo& game, const BoardPiece& piece, std::uint32_t fromX, std::uint32_t fromY,
+                      std::uint32_t toX, std::uint32_t toY);
+    // An alert's panel over what the window shows.
+    void drawAlert(const AlertLayout& alert);
     void showMotion(bool shown) override;
 
     // Marks the whole window for the next frame of the board (something else was drawn there,

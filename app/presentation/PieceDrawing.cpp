@@ -16,11 +16,6 @@
 
 namespace tolvar {
 
-namespace {
-// How long a falling piece stays on each cell it passes.
-constexpr double kFallingStepSeconds = 0.001;
-}  // namespace
-
 using drawing::half;
 using drawing::kBackgroundTexelsHigh;
 using drawing::kBackgroundTexelsWide;
@@ -262,16 +257,24 @@ void GameView::animatePiece(const GameInfo& game, const BoardPiece& piece, std::
         return from < to ? from + 1 : (from > to ? from - 1 : from);
     };
     do {
-        moving.red = moving.green = moving.blue = 0.0f;
-        drawIndividualPiece(game, &moving);
-        moving.x = toward(moving.x, endX);
-        moving.y = toward(moving.y, endY);
-        moving.red = piece.red;
-        moving.green = piece.green;
-        moving.blue = piece.blue;
-        drawIndividualPiece(game, &moving);
-        if (window_.hold) window_.hold(kFallingStepSeconds);
+        const std::uint32_t x = moving.x, y = moving.y;
+        moving.x = toward(x, endX);
+        moving.y = toward(y, endY);
+        drawFallStep(game, piece, x, y, moving.x, moving.y);
     } while (moving.x != endX || moving.y != endY);
+}
+
+void GameView::drawFallStep(const GameInfo& game, const BoardPiece& piece, std::uint32_t fromX, std::uint32_t fromY,
+                            std::uint32_t toX, std::uint32_t toY) {
+    BoardPiece moving = piece;
+    moving.x = fromX;
+    moving.y = fromY;
+    moving.red = moving.green = moving.blue = 0.0f;
+    drawIndividualPiece(game, &moving);
+    moving = piece;
+    moving.x = toX;
+    moving.y = toY;
+    drawIndividualPiece(game, &moving);
 }
 
 void GameView::clearPieceSprites(int forget) {

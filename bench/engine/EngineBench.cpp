@@ -225,11 +225,11 @@ void BM_WholeGameFromScript(benchmark::State& state) {
         ActionsMenu menu;
         Engine engine(view, host);
         auto pointer = [&](std::int64_t type, float x, float y) {
-            host.event = CurrentEvent{};
-            host.event.type = type;
-            host.event.x = x;
-            host.event.y = y;
-            engine.checkUserEvents();
+            CurrentEvent event;
+            event.type = type;
+            event.x = x;
+            event.y = y;
+            engine.takeInput(event);
         };
         for (const std::string& line : lines) {
             std::istringstream words(line);

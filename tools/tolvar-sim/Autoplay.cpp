@@ -136,15 +136,15 @@ private:
 
     void send(std::int64_t type, int column, int row, std::int8_t key = 0) {
         const BoardLayout layout = computeBoardLayout(*gameInfo);
-        host_.event = CurrentEvent{};
-        host_.event.type = type;
-        host_.event.x = layout.left + (static_cast<float>(column) + 0.5f) * layout.w;
-        host_.event.y = layout.m + (static_cast<float>(row) + 0.5f) * layout.h;
+        CurrentEvent event;
+        event.type = type;
+        event.x = layout.left + (static_cast<float>(column) + 0.5f) * layout.w;
+        event.y = layout.m + (static_cast<float>(row) + 0.5f) * layout.h;
         if (key != 0) {
-            host_.event.keyCode = static_cast<std::uint16_t>(100 + static_cast<unsigned char>(key));
-            host_.event.characters = std::string(1, static_cast<char>(key));
+            event.keyCode = static_cast<std::uint16_t>(100 + static_cast<unsigned char>(key));
+            event.characters = std::string(1, static_cast<char>(key));
         }
-        engine_.checkUserEvents();
+        engine_.takeInput(event);
     }
 
     void make(const Move& m) {

@@ -141,18 +141,16 @@ int ScriptRunner::run(std::FILE* in) {
     return 0;
 }
 
-void ScriptRunner::poll() { engine_.checkUserEvents(); }
-
 std::string ScriptRunner::pointerEvent(std::int64_t type, const std::string& xs,
                                        const std::string& ys) {
     float x = 0, y = 0;
     if (!parseNumber(xs, x)) return "bad number \"" + xs + "\"";
     if (!parseNumber(ys, y)) return "bad number \"" + ys + "\"";
-    host_.event = CurrentEvent{};
-    host_.event.type = type;
-    host_.event.x = x;
-    host_.event.y = y;
-    poll();
+    CurrentEvent event;
+    event.type = type;
+    event.x = x;
+    event.y = y;
+    engine_.takeInput(event);
     return {};
 }
 
@@ -160,13 +158,11 @@ std::string ScriptRunner::keyEvent(std::int64_t type, const std::string& key) {
     std::uint16_t code = 0;
     std::string characters;
     if (!keyFor(key, code, characters)) return "bad key \"" + key + "\"";
-    host_.event = CurrentEvent{};
-    host_.event.type = type;
-    host_.event.keyCode = code;
-    host_.event.characters = characters;
-    // As in the game window: the cursor keys go to the cursor first.
-    if (type == kEventTypeKeyDown) engine_.cursorKey(host_.event);
-    poll();
+    CurrentEvent event;
+    event.type = type;
+    event.keyCode = code;
+    event.characters = characters;
+    engine_.takeInput(event);  // as the game window gives it: the cursor keys go to the cursor first
     return {};
 }
 

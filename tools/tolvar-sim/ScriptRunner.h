@@ -27,7 +27,6 @@ private:
     std::string runLine(const std::string& line);
     std::string pointerEvent(std::int64_t type, const std::string& xs, const std::string& ys);
     std::string keyEvent(std::int64_t type, const std::string& key);
-    void poll();
     void dumpBoard() const;
     // The board as the player sees it: the top row first, empty cells as '.', selected pieces
     // in brackets.

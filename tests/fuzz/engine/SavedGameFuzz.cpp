@@ -39,11 +39,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     for (int i = 0; i < 3; ++i) engine.processEvents();
     if (const std::vector<BoardCell> move = engine.hint(); !move.empty()) {
-        host.event.type = kEventTypeMouseDown;
-        host.event.x = 512, host.event.y = 384;
-        engine.checkUserEvents();
-        host.event.type = kEventTypeMouseUp;
-        engine.checkUserEvents();
+        CurrentEvent click;
+        click.x = 512, click.y = 384;
+        for (const std::int64_t type : {kEventTypeMouseDown, kEventTypeMouseUp}) {
+            click.type = type;
+            engine.takeInput(click);
+        }
         engine.processEvents();
         if (engine.undo() && !engine.redo()) std::abort();
     }

@@ -23,7 +23,6 @@ bool saveWindowPicture(const std::string& path);  // PNG, top row first
 
 class RecordingHost : public Host {
 public:
-    CurrentEvent currentEvent() override { return {}; }
     void runAlert(const std::string&, const std::string&, const std::string&) override {}
     bool scoresTimerRunning() const override { return timerRunning; }
     void startScoresTimer(const Value&) override { timerRunning = true, ++timerStarts; }

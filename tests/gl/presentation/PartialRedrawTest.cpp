@@ -69,11 +69,11 @@ protected:
         expectWholeFrame(step);
     }
     void input(std::int64_t type, float x, float y, const std::string& characters = {}) {
-        host_.event = CurrentEvent{};
-        host_.event.type = type, host_.event.x = x, host_.event.y = y;
-        host_.event.characters = characters;
-        host_.event.keyCode = characters == "\x1b" ? kKeyCodeEscape : static_cast<std::uint16_t>(characters.empty() ? 0 : 100 + characters[0]);
-        engine_.checkUserEvents();
+        CurrentEvent event;
+        event.type = type, event.x = x, event.y = y;
+        event.characters = characters;
+        event.keyCode = characters == "\x1b" ? kKeyCodeEscape : static_cast<std::uint16_t>(characters.empty() ? 0 : 100 + characters[0]);
+        engine_.takeInput(event);
     }
     void key(const std::string& characters) {
         input(kEventTypeKeyDown, 0, 0, characters);

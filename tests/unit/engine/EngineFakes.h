@@ -44,7 +44,6 @@ struct RecordingHost : Host {
     }
     RecordingHost() { std::filesystem::create_directories(folder); }
     ~RecordingHost() override { std::error_code ec; std::filesystem::remove_all(folder, ec); }
-    CurrentEvent currentEvent() override { return event; }
     void runAlert(const std::string& t, const std::string& m, const std::string& b) override {
         alerts.push_back(t + "|" + m + "|" + b);
     }
@@ -58,11 +57,9 @@ struct RecordingHost : Host {
     void hideMainWindow() override { mainWindowShown = false; }
     void scheduleEngineTimers() override { ++timerSchedules; }
     ScoreStore& scoreStore() override { return scores; }
-    bool quitRequested() override { return quit; }
 
-    CurrentEvent event;
     std::vector<std::string> alerts;  // title|message|button
-    bool scoresTimer = false, gameWindowShown = false, mainWindowShown = true, quit = false;
+    bool scoresTimer = false, gameWindowShown = false, mainWindowShown = true;
     int projectionResets = 0, timerSchedules = 0;
     std::filesystem::path folder = freshFolder();  // removed afterwards
     BestScoresFile scores{folder.string()};

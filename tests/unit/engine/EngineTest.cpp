@@ -114,7 +114,7 @@ TEST_F(DispatcherTest, CompletionInAnotherEventWaitsForPendingRemovals) {
 struct UserInputTest : EngineFixture {
     // Cells of an 8 x 8 board are 93.5 wide from (138, 10); events land inside them.
     void poll(std::int64_t type, int x, int y, std::uint16_t code = 0, const char* text = "") {
-        host.event = CurrentEvent{type, code, text, 178 + 93.5f * x, 50 + 93.5f * y};
+        input.setCurrentEvent(CurrentEvent{type, code, text, 178 + 93.5f * x, 50 + 93.5f * y});
         input.checkUserEvents();
     }
     void key(std::int64_t type, std::uint16_t code, const char* s) { poll(type, 0, 0, code, s); }

@@ -38,8 +38,7 @@ struct PlayerAidsTest : ::testing::Test {
         return e;
     }
     std::string input(const CurrentEvent& e) {
-        host.event = e;
-        return stdoutOf([&] { engine.cursorKey(e), engine.checkUserEvents(); });
+        return stdoutOf([&] { engine.takeInput(e); });
     }
     std::string click(BoardCell down, BoardCell up) {
         std::string out = input(at(kEventTypeMouseDown, down));

@@ -1,0 +1,52 @@
+#include "desktop/ShowRecorder.h"
+
+namespace tolvar {
+
+void ShowRecorder::drawBoard(const GameInfo& game) {
+    if (!motionShown_ || game.boardWidth < 1 || game.boardHeight < 1) return;
+    ShowStep step;
+    step.kind = ShowStep::Kind::Board;
+    step.board = BoardPicture::of(game);
+    queue_.append(std::move(step));
+}
+
+void ShowRecorder::animatePiece(const GameInfo&, const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
+                                std::uint32_t endX, std::uint32_t endY) {
+    if (!motionShown_) return;  // the next frame of the board shows the piece where it lands
+    // Each coordinate steps toward its end and then stays, so the walk always ends, even for an
+    // end point off the straight line of the steps.
+    auto toward = [](std::uint32_t from, std::uint32_t to) { return from < to ? from + 1 : (from > to ? from - 1 : from); };
+    std::uint32_t x = startX, y = startY;
+    do {
+        ShowStep step;
+        step.kind = ShowStep::Kind::Fall;
+        step.piece = piece;
+        step.fromX = x, step.fromY = y;
+        x = toward(x, endX);
+        y = toward(y, endY);
+        step.toX = x, step.toY = y;
+        step.holdSeconds = kFallingStepSeconds;
+        queue_.append(std::move(step));
+    } while (x != endX || y != endY);
+}
+
+void ShowRecorder::displayScores(const Value& scores, int highlight) {
+    ShowStep step;
+    step.kind = ShowStep::Kind::Scores;
+    step.scores = scores;
+    step.highlight = highlight;
+    queue_.append(std::move(step));
+    if (!host_.scoresTimerRunning()) host_.startScoresTimer(scores);
+}
+
+void ShowRecorder::pauseForFlash() {
+    if (motionShown_) queue_.holdLast(kFlashFrameSeconds);
+}
+
+void ShowRecorder::showMotion(bool shown) {
+    const bool framesSkipped = shown && !motionShown_;
+    motionShown_ = shown;
+    if (framesSkipped && gameInfo) drawBoard(*gameInfo);  // the board as the chain left it
+}
+
+}  // namespace tolvar
