@@ -351,13 +351,23 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
                 if wid not in (self.game, self.main) and w not in (WIN_W, MAIN_W, POPUP_W, HELP_W) and w > 1 and h > 1
                 and self.mapped(wid)]
 
-    def dismiss_alert(self, timeout=15):  # presses the button of the next alert panel with Return; returns its title
-        # A panel can be mapped a moment before its title is set: it counts once it has one (the
-        # game's alerts are titled " ").
-        wid, name = self.wait_for(lambda: [a for a in self.alerts() if a[1]], timeout, "an alert panel")[0]
-        self.xdo("windowfocus", "--sync", wid, "key", "--window", wid, "Return")
-        self.wait_for(lambda: wid not in dict(self.alerts()), 15, "the alert to close")
-        return name
+    def alerts_said(self, what="alert: "):  # the alerts the program says it showed (or "alert answered")
+        return [line.split(what, 1)[1] for line in self.stdout(self.err_path).splitlines()
+                if line.startswith("tolvar: " + what)]
+
+    def wait_alert(self, timeout=15):  # until the next alert is up over the game; returns "MESSAGE [BUTTON]"
+        shown = len(self.alerts_said("alert answered"))
+        return self.wait_for(lambda: self.alerts_said()[shown:], timeout, "an alert over the game")[0]
+
+    def answered(self, count, timeout=15):  # until count alerts have been answered
+        self.wait_for(lambda: len(self.alerts_said("alert answered")) >= count, timeout, "the alert to be answered")
+
+    def dismiss_alert(self, timeout=15):  # answers the next alert with Return; returns "MESSAGE [BUTTON]"
+        said = self.wait_alert(timeout)
+        count = len(self.alerts_said("alert answered"))
+        self.xdo("windowfocus", "--sync", self.game, "key", "--window", self.game, "Return")
+        self.answered(count + 1)
+        return said
 
     # The main window's fixed controls.
     def combo_centre(self):  # under the menu bar, the padding, a spacer and its gap
