@@ -9,6 +9,8 @@ BoardPicture BoardPicture::of(const GameInfo& game) {
     BoardPicture p;
     p.boardWidth = game.boardWidth;
     p.boardHeight = game.boardHeight;
+    p.hasLauncher = game.hasLauncher;
+    p.squareShapes = game.squareShapes;
     p.board = game.board;
     p.score = game.score;
     p.gameName = game.gameName;
@@ -19,6 +21,8 @@ BoardPicture BoardPicture::of(const GameInfo& game) {
 void BoardPicture::into(GameInfo& game) const {
     game.boardWidth = boardWidth;
     game.boardHeight = boardHeight;
+    game.hasLauncher = hasLauncher;
+    game.squareShapes = squareShapes;
     game.board = board;
     game.score = score;
     game.gameName = gameName;

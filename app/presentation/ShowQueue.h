@@ -21,17 +21,20 @@ namespace tolvar {
 inline constexpr double kFlashFrameSeconds = 0.1;
 inline constexpr double kFallingStepSeconds = 0.001;
 
-// A frame of the board as drawBoard(game) would draw it.
+// A frame of the board as drawBoard(game) would draw it, with what places the board in the
+// window (a launcher's margin, square cells), so a 2 x 1 board lies where the game's mouse looks.
 struct BoardPicture {
     std::uint8_t boardWidth = 0;
     std::uint8_t boardHeight = 0;
+    std::uint8_t hasLauncher = 0;
+    std::uint8_t squareShapes = 0;
     std::vector<BoardPiece> board;
     std::uint64_t score = 0;
     std::string gameName;
     SelectColor selectColor = kDefaultSelectColor;
 
     static BoardPicture of(const GameInfo& game);
-    // Puts the picture into game's drawn fields (size, board, score, name, outline colour).
+    // Puts the picture into game's drawn fields (size and placing, board, score, name, outline colour).
     void into(GameInfo& game) const;
 };
 

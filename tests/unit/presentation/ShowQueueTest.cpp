@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "engine/BoardLayout.h"
+
 namespace tolvar {
 namespace {
 
@@ -126,6 +128,32 @@ TEST(BoardPicture, CarriesWhatTheFrameDraws) {
     EXPECT_EQ(drawn.gameName, "Tiny");
     EXPECT_EQ(drawn.boardWidth, 2);
     EXPECT_FLOAT_EQ(drawn.selectColor.blue, 0.4f);
+}
+
+TEST(BoardPicture, LaysTheBoardOutAsTheGameDoes) {
+    struct Case {
+        const char* what;
+        std::uint8_t width, height, launcher, square;
+    };
+    const Case cases[] = {
+        {"8 x 8, square cells", 8, 8, 0, 1},
+        {"2 x 1, square cells", 2, 1, 0, 1},
+        {"2 x 1 under a launcher, square cells", 2, 1, 1, 1},
+        {"5 x 3 under a launcher, stretched cells", 5, 3, 1, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        GameInfo game;
+        game.boardWidth = c.width, game.boardHeight = c.height;
+        game.hasLauncher = c.launcher, game.squareShapes = c.square;
+        GameInfo drawn;
+        BoardPicture::of(game).into(drawn);
+        const BoardLayout want = computeBoardLayout(game), got = computeBoardLayout(drawn);
+        EXPECT_FLOAT_EQ(got.left, want.left);
+        EXPECT_FLOAT_EQ(got.m, want.m);
+        EXPECT_FLOAT_EQ(got.w, want.w);
+        EXPECT_FLOAT_EQ(got.h, want.h);
+    }
 }
 
 }  // namespace
