@@ -92,17 +92,16 @@ void TolvarAppDelegate::continueGame() {
     }
     if (offer.kind != ContinueOffer::Kind::Saved || refused_.count(offer.title)) return;
     // The game left for the main window is not lost: it is saved as it would be at quit.
-    if (engine_->hasUnfinishedGame()) storeRunningGame();
+    if (engine_->hasUnfinishedGame()) storeRunningGame(engine_->savedGame());
     const Value saved = saved_.at(offer.title);
     continueNote_ = engine_->continueGame(saved, rulesOf(offer.title), menu_);
     if (continueNote_.empty()) saved_.erase(offer.title);
     mainFrames_ = kMainWindowFramesPerChange;
 }
 
-void TolvarAppDelegate::storeRunningGame() {
+void TolvarAppDelegate::storeRunningGame(const std::optional<Value>& game) {
     if (!engine_ || !gameInfo) return;
     const std::string title = gameInfo->gameName;
-    const std::optional<Value> game = engine_->savedGame();
     std::optional<Value> written;
     const StoredGame stored = savedGames_.store(title, game, entryOf(known_, title), &written);
     if (stored.replacedNewer) {
@@ -125,7 +124,10 @@ void TolvarAppDelegate::storeRunningGame() {
 
 void TolvarAppDelegate::saveGameOnQuit() {
     // A game played to its end, or dealt anew and not kept, takes its title's saved game with it.
-    storeRunningGame();
+    // A quit while the window still plays what the last tick showed (a flash, a fall, an alert)
+    // keeps the game as it was before that tick: continued, the tick runs again in full.
+    if (!engine_) return;
+    storeRunningGame(show_.idle() ? engine_->savedGame() : engine_->savedGameBeforeTick());
 }
 
 }  // namespace tolvar

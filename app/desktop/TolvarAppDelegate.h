@@ -94,8 +94,9 @@ private:
     bool canContinue() const;
     std::string continueText() const;     // which game Continue goes on with
     std::string continueProblem() const;  // why it cannot
-    // Writes the running game (or, when it ended, takes its saved game out) beside the others.
-    void storeRunningGame();
+    // Writes game, the running game as it is to be kept, beside the others (nothing: it ended,
+    // its saved game is taken out).
+    void storeRunningGame(const std::optional<Value>& game);
     void saveGameOnQuit();
     void openHelpWindow();
     void showHelp();

@@ -4,6 +4,7 @@ run_e2e_quiet.py --program build/bin/tolvar --test rest|close_in_flash|quit_in_f
 
 import ctypes
 import os
+import plistlib
 import re
 import sys
 import time
@@ -52,8 +53,9 @@ def flash_began(lines):
 
 
 def during_flash(t, act):
-    """Swaps neighbours of two colours in "Trindle" until a group of two forms, and acts while it
-    flashes (six colours in 0.6 s, then the pieces go). Returns whether the act came in time."""
+    """Swaps neighbours of two colours in "Trindle" until a group of two forms, and acts as soon as
+    the tick that found it has run: the game has already removed the group, and the window is
+    playing its flash (six frames, 0.6 s) with its own clock. Returns whether a swap formed a group."""
     lay = t.start(2, 12, 12)
     for attempt in range(8):
         colours = lay.colours(t.shot())
@@ -81,16 +83,21 @@ def test_rest(t):
 def test_close_in_flash(t):
     """The window manager's close of the game window during the flash: the main window comes
     back, and the program then quits cleanly."""
-    check(during_flash(t, lambda: send_delete(t, t.game)), "every flash was over before the close")
+    check(during_flash(t, lambda: send_delete(t, t.game)), "no swap formed a group to flash")
     t.wait_for(lambda: t.mapped(t.main), 10, "the main window after closing the game window")
     t.wait_for(lambda: not t.mapped(t.game), 10, "the game window to close")
     t.quit()
 
 
 def test_quit_in_flash(t):
-    """SIGTERM, as the desktop sends it, during the flash ends the program cleanly."""
-    check(during_flash(t, t.proc.terminate), "every flash was over before the quit")
+    """SIGTERM, as the desktop sends it, during the flash ends the program cleanly, and keeps the
+    game as it was before the tick that flashes: no points yet, its events still to run."""
+    check(during_flash(t, t.proc.terminate), "no swap formed a group to flash")
     t.ended()
+    with open(os.path.join(t.folder, "SavedGame.dict"), "rb") as f:
+        kept = plistlib.load(f)["Trindle"]
+    check(kept["Score"] == 0, "kept after the flashing tick: score %s" % kept["Score"])
+    check(kept["PendingEvents"], "kept after the flashing tick: no events left to run")
 
 
 def send_delete(t, wid):
