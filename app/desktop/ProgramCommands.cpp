@@ -97,10 +97,11 @@ void TolvarAppDelegate::newGame() {
 }
 
 void TolvarAppDelegate::showHint() {
-    if (!playing() || !gameWindow) return;
+    // The hint is the board's as the game stands: a flash still playing ends first.
+    if (!playing() || !gameWindow || !gameReady()) return;
     gameWindow->makeCurrentContext();
     hint_ = engine_->hint();
-    view_->drawBoard(*gameInfo);
+    view_->drawBoard(shownGame_);
 }
 
 void TolvarAppDelegate::clearHint() {
@@ -108,7 +109,7 @@ void TolvarAppDelegate::clearHint() {
     hint_.clear();
     if (playing() && gameWindow && gameWindow->isVisible()) {
         gameWindow->makeCurrentContext();
-        view_->drawBoard(*gameInfo);
+        view_->drawBoard(shownGame_);
     }
 }
 

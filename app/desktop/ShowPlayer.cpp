@@ -53,7 +53,7 @@ void TolvarAppDelegate::answerAlert() {
     // The panel goes: the board (or the score screen) under it is drawn whole again.
     gameWindow->makeCurrentContext();
     view_->setNeedsDisplay();
-    view_->redrawLastFrame();
+    view_->redrawLastFrame(shownGame_);
     playShow();
 }
 

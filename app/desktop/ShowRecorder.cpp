@@ -3,11 +3,12 @@
 namespace tolvar {
 
 void ShowRecorder::drawBoard(const GameInfo& game) {
-    if (!motionShown_ || game.boardWidth < 1 || game.boardHeight < 1) return;
+    if (game.boardWidth < 1 || game.boardHeight < 1) return;
     ShowStep step;
     step.kind = ShowStep::Kind::Board;
     step.board = BoardPicture::of(game);
-    queue_.append(std::move(step));
+    if (motionShown_) queue_.append(std::move(step));
+    else skippedFrame_ = std::move(step);
 }
 
 void ShowRecorder::animatePiece(const GameInfo&, const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
@@ -44,9 +45,11 @@ void ShowRecorder::pauseForFlash() {
 }
 
 void ShowRecorder::showMotion(bool shown) {
-    const bool framesSkipped = shown && !motionShown_;
     motionShown_ = shown;
-    if (framesSkipped && gameInfo) drawBoard(*gameInfo);  // the board as the chain left it
+    if (shown && skippedFrame_) {  // the board as the chain left it
+        queue_.append(std::move(*skippedFrame_));
+        skippedFrame_.reset();
+    }
 }
 
 }  // namespace tolvar

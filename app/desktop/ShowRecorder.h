@@ -4,6 +4,8 @@
 // motion left out, as the window would not hold it.
 #pragma once
 
+#include <optional>
+
 #include "engine/Host.h"
 #include "engine/View.h"
 #include "presentation/GameView.h"
@@ -30,6 +32,7 @@ private:
     GameView& painter_;
     Host& host_;
     bool motionShown_ = true;
+    std::optional<ShowStep> skippedFrame_;  // the last frame of a chain whose motion is left out
 };
 
 }  // namespace tolvar

@@ -50,7 +50,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_SIZE_CHANGED && windowID == gameID) {
         // A new size: bars cleared, the picture drawn whole at its new scale.
         gameWindow->takeNewSize();
-        view_->redrawLastFrame();
+        view_->redrawLastFrame(shownGame_);
         drawAlertPanel();
         return;
     }

@@ -97,9 +97,10 @@ public:
     // scoresTimerFired: with the timer's list of scores.
     void scoresTimerFired(const Value& scores);
 
-    // The last frame drawn again, whole (the board, or the score screen as it stands), after the
-    // window changed size; nothing before the first frame.
-    void redrawLastFrame();
+    // The last frame drawn again, whole, after the window changed size: board (the frame of the
+    // board the window is showing, which may be one of a flash still playing) or the score
+    // screen as it stands; nothing before the first frame.
+    void redrawLastFrame(const GameInfo& board);
 
     // The number of score-screen models flying (20 once the first screen has been drawn).
     int scoreModelCount() const;

@@ -84,13 +84,11 @@ void GameView::displayScores(const Value& scores, int highlight) {
     if (!host_.scoresTimerRunning()) host_.startScoresTimer(scores);
 }
 
-void GameView::redrawLastFrame() {
+void GameView::redrawLastFrame(const GameInfo& board) {
     shown_.forget();
     switch (lastFrame_) {
         case Frame::None: break;
-        case Frame::Board:
-            if (gameInfo) drawBoard(*gameInfo);
-            break;
+        case Frame::Board: drawBoard(board); break;
         case Frame::Scores: drawScoresFrame(lastScores_); break;
     }
 }
