@@ -1,8 +1,9 @@
 // The game's repeating timers on the one thread of the application.
 //
-// The run loop sleeps until the next timer is due or an event arrives. A timer whose action
-// blocks (an alert, the removal flash, a falling piece) simply fires late: the ticks it missed
-// are dropped, never fired in a burst afterwards.
+// The run loop sleeps until the next timer is due, the next step of what the game window plays
+// is due, or an event arrives. No action waits inside the loop: the removal flash, a falling
+// piece and an alert are steps the window plays afterwards. A timer that comes round late (a
+// busy machine) fires once: the ticks it missed are dropped, never fired in a burst afterwards.
 #pragma once
 
 #include <cstdint>
