@@ -56,7 +56,7 @@ private:
 
 class Bot {
 public:
-    Bot(Engine& engine, QuietHost& host, Player player) : engine_(engine), host_(host), player_(player) {
+    Bot(Engine& engine, Player player) : engine_(engine), player_(player) {
         for (const SupportedEvent* e = gameInfo->events.get(); e; e = e->next.get())
             for (const GameAction* a = e->actions.get(); a; a = a->next.get())
                 if (a->actionType == kActionCheckBestScores && a->lowerIsBetter != 0) lowerIsBetter_ = true;
@@ -203,7 +203,6 @@ private:
     }
 
     Engine& engine_;
-    QuietHost& host_;
     Player player_;
     bool lowerIsBetter_ = false;
     const SupportedUserEvent* mouse_ = nullptr;
@@ -242,7 +241,7 @@ GameResult playOneGame(const GameLibrary& library, const AutoplayOptions& option
     result.index = index;
     if (!gameInfo) return result;
     engine.processEvents();
-    Bot bot(engine, host, options.player);
+    Bot bot(engine, options.player);
     while (!engine.gamePaused() && result.moves < options.maxMoves && bot.play()) ++result.moves;
     result.ended = engine.gamePaused() != 0;
     result.score = static_cast<std::int64_t>(gameInfo->score);
