@@ -51,7 +51,7 @@ TolvarAppDelegate::ContinueOffer TolvarAppDelegate::continueOffer() const {
     const bool chosenSaved = saved_.count(chosen) != 0;
     // The chosen game's own: the one left for the main window, else the saved one; a game with
     // neither offers the game left, else the game saved last.
-    if (kept && (gameInfo->gameName == chosen || !chosenSaved)) return {ContinueOffer::Kind::Kept, gameInfo->gameName};
+    if (kept && (runningGame()->gameName == chosen || !chosenSaved)) return {ContinueOffer::Kind::Kept, runningGame()->gameName};
     if (chosenSaved) return {ContinueOffer::Kind::Saved, chosen};
     const std::pair<const std::string, Value>* latest = nullptr;
     for (const auto& entry : saved_)
@@ -100,8 +100,8 @@ void TolvarAppDelegate::continueGame() {
 }
 
 void TolvarAppDelegate::storeRunningGame(const std::optional<Value>& game) {
-    if (!engine_ || !gameInfo) return;
-    const std::string title = gameInfo->gameName;
+    if (!runningGame()) return;
+    const std::string title = runningGame()->gameName;
     std::optional<Value> written;
     const StoredGame stored = savedGames_.store(title, game, entryOf(known_, title), &written);
     if (stored.replacedNewer) {

@@ -67,12 +67,12 @@ void TolvarAppDelegate::runProgramCommand(ProgramCommand command) {
 }
 
 bool TolvarAppDelegate::playing() const {
-    return engine_ && gameInfo && gameInfo->hasBoard() && engine_->gamePaused() == 0;
+    return runningGame() && runningGame()->hasBoard() && engine_->gamePaused() == 0;
 }
 
 GameMenuState TolvarAppDelegate::gameMenuState() const {
     GameMenuState state;
-    state.newGame = (gameInfo && gameInfo->hasBoard()) || library_.currentRules();
+    state.newGame = (runningGame() && runningGame()->hasBoard()) || library_.currentRules();
     state.undo = engine_ && engine_->canUndo();
     state.redo = engine_ && engine_->canRedo();
     state.hint = playing();
@@ -83,7 +83,7 @@ void TolvarAppDelegate::newGame() {
     clearHint();
     // The same game dealt anew, also from the main window (whose game comes to the front); with
     // no game dealt yet, the chosen game starts.
-    if (!gameInfo || !gameInfo->hasBoard()) {
+    if (!runningGame() || !runningGame()->hasBoard()) {
         if (library_.currentRules()) startGame();
         return;
     }

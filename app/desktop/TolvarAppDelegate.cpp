@@ -58,7 +58,6 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     unsigned int seed = static_cast<unsigned int>(tv.tv_usec);
     if (const char* fixed = std::getenv("TOLVAR_SEED"); fixed && *fixed)
         seed = static_cast<unsigned int>(std::strtoul(fixed, nullptr, 10));
-    gameRandom().seed(seed);
 
     // 2. No timers, no game, no background, paused (the engine starts so).
     eventTimer = 0;
@@ -76,9 +75,12 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
         if (gameWindow) gameWindow->flushBuffer();
     };
     callbacks.marks = [this] { return BoardMarks{engine_ ? engine_->cursor() : std::nullopt, hint_}; };
+    callbacks.game = [this] { return runningGame(); };
+    callbacks.random = [this] { return engine_->random().next(); };
     view_ = std::make_unique<GameView>(*this, std::move(callbacks));
     recorder_ = std::make_unique<ShowRecorder>(show_, *view_, *this);
     engine_ = std::make_unique<Engine>(*recorder_, *this);
+    engine_->random().seed(seed);
 
     // A texture that asks the player something asks in the main window.
     setTextureAlertHook([this](const std::string& title, const std::string& message, const std::string& button) {

@@ -76,7 +76,9 @@ private:
     bool keyShortcuts(const SDL_Event& event, const CurrentEvent& key, Uint32 windowID);
     void runProgramCommand(ProgramCommand command);
     GameMenuState gameMenuState() const;
-    bool playing() const;  // a board of the running game takes moves
+    bool playing() const;
+    // The engine's running game, or nullptr.
+    const GameInfo* runningGame() const { return engine_ ? engine_->game() : nullptr; }  // a board of the running game takes moves
     void newGame();
     void showHint();
     void clearHint();

@@ -22,9 +22,9 @@ Flags Board::makeFlags() const {
 BoardPiece& Board::getBoardPieceAtX(int x, int y) const {
     BoardPiece& piece = game_.board[static_cast<std::size_t>(x) * game_.boardHeight + y];
     if (piece.x != static_cast<std::uint32_t>(x))
-        std::printf("Mismatch on X.  %d != %d\n", x, static_cast<int>(piece.x));
+        out_.print("Mismatch on X.  %d != %d\n", x, static_cast<int>(piece.x));
     if (piece.y != static_cast<std::uint32_t>(y))
-        std::printf("Mismatch on Y.  %d != %d\n", y, static_cast<int>(piece.y));
+        out_.print("Mismatch on Y.  %d != %d\n", y, static_cast<int>(piece.y));
     return piece;
 }
 
@@ -190,7 +190,7 @@ void Board::selectFlaggedPieces(const Flags& flags) const {
         BoardPiece* piece = getPieceByID(n);
         if (!piece) continue;
         piece->selected = 1;
-        std::printf("count %d selected piece %d at (%d,%d)\n", static_cast<int>(n),
+        out_.print("count %d selected piece %d at (%d,%d)\n", static_cast<int>(n),
                     static_cast<int>(piece->pieceID), static_cast<int>(piece->x),
                     static_cast<int>(piece->y));
     }

@@ -9,6 +9,7 @@
 
 #include "engine/Flags.h"
 #include "rules/GameInfo.h"
+#include "rules/GameOutput.h"
 
 namespace tolvar {
 
@@ -21,7 +22,8 @@ struct BoardCell {
 
 class Board {
 public:
-    explicit Board(GameInfo& game) : game_(game) {}
+    // Its diagnostic lines go to out.
+    Board(GameInfo& game, const GameOutput& out) : game_(game), out_(out) {}
 
     // A flags array covering every piece number of this board.
     Flags makeFlags() const;
@@ -63,6 +65,7 @@ private:
                     std::uint32_t* count) const;
 
     GameInfo& game_;
+    GameOutput out_;
 };
 
 }  // namespace tolvar

@@ -139,9 +139,9 @@ void BoardActions::performActionSelectColor(const GameAction& action) {
             if (!piece) return;
             Flags flags = b.makeFlags();
             const std::uint32_t n = b.getRegionLinearColorCountForPiece(*piece, flags);
-            std::printf("piece count %s = %u, min pieces = %u\n", which, n, minPieces);
+            ctx_.out.print("piece count %s = %u, min pieces = %u\n", which, n, minPieces);
             if (n >= minPieces) {
-                std::printf("Selecting flagged %s pieces.\n", which);
+                ctx_.out.print("Selecting flagged %s pieces.\n", which);
                 b.selectFlaggedPieces(flags);
                 selected = true;
             }
@@ -164,7 +164,7 @@ void BoardActions::performActionSelectColor(const GameAction& action) {
             if (!piece) return;
             Flags flags = b.makeFlags();
             const std::uint32_t n = b.getRegionColorCountForPiece(*piece, flags);
-            std::printf("piece count %s = %u, min pieces = %u\n", which, n, minPieces);
+            ctx_.out.print("piece count %s = %u, min pieces = %u\n", which, n, minPieces);
             if (n >= minPieces) {
                 Flags fresh = b.makeFlags();
                 b.selectRegionColorPieces(*piece, fresh);
@@ -180,9 +180,9 @@ void BoardActions::performActionSelectColor(const GameAction& action) {
 void BoardActions::flashAndRemove() {
     for (int frame = 0; frame < 6; ++frame) {
         SelectColor& flash = ctx_.game().selectColor;
-        flash.red = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
-        flash.green = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
-        flash.blue = static_cast<float>(static_cast<long>(gameRandom().next()) % 100) * 0.01f;
+        flash.red = static_cast<float>(static_cast<long>(ctx_.random.next()) % 100) * 0.01f;
+        flash.green = static_cast<float>(static_cast<long>(ctx_.random.next()) % 100) * 0.01f;
+        flash.blue = static_cast<float>(static_cast<long>(ctx_.random.next()) % 100) * 0.01f;
         ctx_.view.drawBoard(ctx_.game());
         ctx_.view.pauseForFlash();
     }
@@ -197,7 +197,7 @@ void BoardActions::removeSelectedPieces() {
         for (int y = 0; y < b.height(); ++y) {
             BoardPiece& piece = b.getBoardPieceAtX(x, y);
             if (piece.selected != 1) continue;
-            std::printf("Removing piece %d at %d,%d\n", static_cast<int>(piece.pieceID),
+            ctx_.out.print("Removing piece %d at %d,%d\n", static_cast<int>(piece.pieceID),
                         static_cast<int>(piece.x), static_cast<int>(piece.y));
             piece.pieceID = 0;
             any = true;
@@ -230,8 +230,8 @@ void BoardActions::performActionFillSpacesRandomly() {
             const std::uint32_t id = nextFree < limit ? static_cast<std::uint32_t>(nextFree) : 0;
             if (id) used[id] = 1;
             piece.pieceID = id;
-            piece.colorIndex = static_cast<std::uint8_t>(static_cast<long>(gameRandom().next()) % colors + 1);
-            piece.shapeIndex = static_cast<std::uint8_t>(static_cast<long>(gameRandom().next()) % shapes + 1);
+            piece.colorIndex = static_cast<std::uint8_t>(static_cast<long>(ctx_.random.next()) % colors + 1);
+            piece.shapeIndex = static_cast<std::uint8_t>(static_cast<long>(ctx_.random.next()) % shapes + 1);
             piece.selected = 0;
             setPieceColor(game, piece);
         }

@@ -30,7 +30,7 @@ public:
     void flashAndRemove();
 
 private:
-    Board board() const { return Board(ctx_.game()); }
+    Board board() const { return Board(ctx_.game(), ctx_.out); }
     static void wholeMove(BoardPiece& dest, const BoardPiece& source);
     static void rowShift(BoardPiece& dest, const BoardPiece& source);
     static void swapAppearance(BoardPiece& a, BoardPiece& b);

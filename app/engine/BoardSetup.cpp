@@ -27,8 +27,8 @@ constexpr std::array<Rgb, kDrawnColorCount> kColorTable{{
 }};
 
 // A draw from the game's random sequence, reduced to 1..count.
-unsigned drawNumber(unsigned count) {
-    return static_cast<unsigned>(static_cast<long>(gameRandom().next()) % static_cast<long>(count == 0 ? 1 : count)) + 1;
+unsigned drawNumber(RandomSequence& random, unsigned count) {
+    return static_cast<unsigned>(static_cast<long>(random.next()) % static_cast<long>(count == 0 ? 1 : count)) + 1;
 }
 
 // Whether some colour other than the piece's own would bring its runs within the limit.
@@ -57,7 +57,7 @@ void setPieceColor(const GameInfo& game, BoardPiece& piece) {
     if (game.colorsMatchShapes) piece.shapeIndex = piece.colorIndex;
 }
 
-void setupGame(GameInfo& game, View& view) {
+void setupGame(GameInfo& game, View& view, RandomSequence& random, const GameOutput& out) {
     view.clearPieceSprites(0);
     const std::size_t cells = static_cast<std::size_t>(game.boardWidth) * game.boardHeight;
     std::vector<BoardPiece> board(cells);
@@ -68,25 +68,25 @@ void setupGame(GameInfo& game, View& view) {
             piece.x = x;
             piece.y = y;
             if (!game.setupRandomFill) continue;  // an empty cell
-            piece.colorIndex = static_cast<std::uint8_t>(drawNumber(game.numColors));
-            piece.shapeIndex = static_cast<std::uint8_t>(drawNumber(game.numShapes));
+            piece.colorIndex = static_cast<std::uint8_t>(drawNumber(random, game.numColors));
+            piece.shapeIndex = static_cast<std::uint8_t>(drawNumber(random, game.numShapes));
             setPieceColor(game, piece);
             piece.pieceID = static_cast<std::uint32_t>(n + 1);
-            if (game.holesAllowed && static_cast<long>(gameRandom().next()) % static_cast<long>(game.numColors ? game.numColors : 1) == 0)
+            if (game.holesAllowed && static_cast<long>(random.next()) % static_cast<long>(game.numColors ? game.numColors : 1) == 0)
                 piece.pieceID = 0;
         }
     }
     game.board = std::move(board);
 
     if (game.setupMaxLinearColors == 0 || cells == 0) return;
-    Board view_(game);
+    Board view_(game, out);
     Flags flags = view_.makeFlags();
     for (int x = 0; x < game.boardWidth; ++x) {
         for (int y = 0; y < game.boardHeight; ++y) {
             BoardPiece& piece = view_.getBoardPieceAtX(x, y);
             std::uint32_t count = view_.getRegionLinearColorCountForPiece(piece, flags);
             flags.clear();
-            std::printf("Color count for piece %d at %d,%d is %d\n", static_cast<int>(piece.pieceID),
+            out.print("Color count for piece %d at %d,%d is %d\n", static_cast<int>(piece.pieceID),
                         x, y, static_cast<int>(count));
             while (count > game.setupMaxLinearColors) {
                 if (!game.setupRandomFill || !someColorFits(view_, piece, flags)) {
@@ -100,30 +100,30 @@ void setupGame(GameInfo& game, View& view) {
                 }
                 unsigned color;
                 do {
-                    color = drawNumber(game.numColors);
+                    color = drawNumber(random, game.numColors);
                 } while (color == piece.colorIndex);
                 piece.colorIndex = static_cast<std::uint8_t>(color);
                 setPieceColor(game, piece);
-                std::printf("Changing piece %d at %d,%d color to %d\n",
+                out.print("Changing piece %d at %d,%d color to %d\n",
                             static_cast<int>(piece.pieceID), x, y, static_cast<int>(color));
                 count = view_.getRegionLinearColorCountForPiece(piece, flags);
                 flags.clear();
-                std::printf("Color count for piece %d at %d,%d is %d\n",
+                out.print("Color count for piece %d at %d,%d is %d\n",
                             static_cast<int>(piece.pieceID), x, y, static_cast<int>(count));
             }
         }
     }
 }
 
-void printBoardColors(const GameInfo& game) {
+void printBoardColors(const GameInfo& game, const GameOutput& out) {
     if (game.board.size() < static_cast<std::size_t>(game.boardWidth) * game.boardHeight) return;
-    Board board(const_cast<GameInfo&>(game));
+    Board board(const_cast<GameInfo&>(game), out);
     for (int x = 0; x < game.boardWidth; ++x) {
         for (int y = 0; y < game.boardHeight; ++y)
-            std::printf("%d", static_cast<int>(board.getBoardPieceAtX(x, y).colorIndex));
-        std::printf("\n");
+            out.print("%d", static_cast<int>(board.getBoardPieceAtX(x, y).colorIndex));
+        out.print("\n");
     }
-    std::printf("\n");
+    out.print("\n");
 }
 
 }  // namespace tolvar

@@ -92,9 +92,9 @@ std::optional<LineMove> findGroupingSwap(const Board& board, std::uint32_t minim
 }
 }  // namespace
 
-std::vector<BoardCell> findHint(GameInfo& game) {
+std::vector<BoardCell> findHint(GameInfo& game, const GameOutput& out) {
     if (!game.hasBoard()) return {};
-    Board board(game);
+    Board board(game, out);
     if (const SupportedUserEvent* select = userEventOfType(game, kUserEventSelectColorRegion)) {
         if (const BoardPiece* piece = findRegionMove(board, select->minimumPieces)) {
             Flags flags = board.makeFlags();
@@ -122,7 +122,7 @@ std::vector<BoardCell> findHint(GameInfo& game) {
 
 void Completion::performActionCheckForGameCompletion() {
     GameInfo& game = ctx_.game();
-    Board board(game);
+    Board board(game, ctx_.out);
     bool done = true;
     for (const CompletionCriterion* c = game.completionCriteria.get(); c; c = c->next.get()) {
         if (c->completionType != kCompletionNoMovesLeft) continue;
@@ -167,13 +167,13 @@ void sortBestScores(Array& scores, bool lowerIsBetter) {
     });
 }
 
-int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lowerIsBetter) {
+int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lowerIsBetter, const GameOutput& out) {
     std::size_t i = 0;
     for (; i < scores.size() && i < kBestScoresKept; ++i) {
         const std::uint64_t entryScore = storedScore(scores[i]);
         if (lowerIsBetter && score < entryScore) return static_cast<int>(i);
         if (!lowerIsBetter && score > entryScore) {
-            std::printf("got on list at index %d, score %d\n", static_cast<int>(i),
+            out.print("got on list at index %d, score %d\n", static_cast<int>(i),
                         static_cast<int>(static_cast<std::int32_t>(static_cast<std::uint32_t>(score))));
             return static_cast<int>(i);
         }
@@ -188,7 +188,7 @@ void BestScores::performActionCheckBestScores(const GameAction& action) {
     const EnteredScore entered = ctx_.host.scoreStore().enterScore(game.gameName, [&](Array& scores) {
         // A table put out of order by hand is put back in order first, so the score goes where it belongs.
         sortBestScores(scores, lowerIsBetter);
-        const int at = bestScoreInsertionIndex(scores, score, lowerIsBetter);
+        const int at = bestScoreInsertionIndex(scores, score, lowerIsBetter, ctx_.out);
         if (at < 0) return at;
         Dictionary entry;
         entry.set("Score", Value::integer(static_cast<std::int32_t>(static_cast<std::uint32_t>(score))));

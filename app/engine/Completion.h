@@ -25,7 +25,7 @@ std::optional<LineMove> findLineMove(const Board& board, std::uint32_t limit);
 // A move for the player: the cells of the region the end test finds, or two neighbours to swap
 // (in a game without a line limit, the first swap that joins a group the swap's trigger
 // removes). Empty when the end test finds no move. Changes nothing.
-std::vector<BoardCell> findHint(GameInfo& game);
+std::vector<BoardCell> findHint(GameInfo& game, const GameOutput& out);
 
 class Completion {
 public:
@@ -41,7 +41,7 @@ private:
 // Where a new score goes in a game's table (best first): the index it is inserted at, or -1
 // when the table's first 20 entries are all at least as good. Prints the "got on list" line
 // when higher scores are better and the score beats an entry.
-int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lowerIsBetter);
+int bestScoreInsertionIndex(const Array& scores, std::uint64_t score, bool lowerIsBetter, const GameOutput& out);
 // Puts a table in order, best first (entries of equal score keep their order).
 void sortBestScores(Array& scores, bool lowerIsBetter);
 

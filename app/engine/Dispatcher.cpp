@@ -14,7 +14,7 @@ void Dispatcher::processEvents() {
     while (game.eventQueue) {
         if (runaway_.runsAway()) return stopRunawayGame(*game.eventQueue);
         ctx_.view.showMotion(!runaway_.outrunsRealGames());
-        std::printf("processing event %d\n", static_cast<int>(game.eventQueue->eventID));
+        ctx_.out.print("processing event %d\n", static_cast<int>(game.eventQueue->eventID));
         processEvent(*game.eventQueue);
         // Entries queued while the actions ran follow in this same tick.
         std::unique_ptr<SupportedEvent> done = std::move(game.eventQueue);
@@ -33,7 +33,7 @@ void Dispatcher::stopRunawayGame(const SupportedEvent& looping) {
     runaway_.queueEmptied();
     ctx_.view.showMotion(true);
     ctx_.gamePaused = 1;
-    std::printf("stopped: %s keeps queueing events, %zu in a row\n", event.c_str(),
+    ctx_.out.print("stopped: %s keeps queueing events, %zu in a row\n", event.c_str(),
                 RunawayGuard::kMaxChainedEvents);
     ctx_.host.runAlert(" ",
                        "The game \"" + game.gameName + "\" was stopped: its " + event +
@@ -56,7 +56,7 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
     // The list is shared with the rules; hold it for the whole run.
     const std::shared_ptr<GameAction> actions = event.actions;
     for (const GameAction* a = actions.get(); a; a = a->next.get()) {
-        std::printf("action %d\n", static_cast<int>(a->actionID));
+        ctx_.out.print("action %d\n", static_cast<int>(a->actionID));
         const std::uint64_t amount = static_cast<std::uint64_t>(static_cast<std::int64_t>(a->amount));
         switch (a->actionType) {
             case kActionAddScore:
@@ -113,7 +113,7 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
                 actions_.performActionResolveMatches();
                 break;
             default:
-                if (!isInertActionType(a->actionType)) std::printf("unknown action specified.\n");
+                if (!isInertActionType(a->actionType)) ctx_.out.print("unknown action specified.\n");
                 break;
         }
     }

@@ -17,7 +17,7 @@
 namespace tolvar {
 
 struct Engine::Impl {
-    Impl(View& view, Host& host) : ctx(view, host), dispatcher(ctx), input(ctx) {}
+    Impl(View& view, Host& host, const GameOutput& out) : ctx(view, host, out), dispatcher(ctx), input(ctx) {}
 
     EngineContext ctx;
     Dispatcher dispatcher;
@@ -101,17 +101,18 @@ std::string unplayableReason(const GameInfo& game) {
     return {};
 }
 
-Engine::Engine(View& view, Host& host) : impl_(std::make_unique<Impl>(view, host)) {}
+Engine::Engine(View& view, Host& host, const GameOutput& out) : impl_(std::make_unique<Impl>(view, host, out)) {}
 Engine::~Engine() = default;
 
 void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
     EngineContext& ctx = impl_->ctx;
     // The previous game goes, whatever comes next.
     ctx.forgetGesture();
+    std::unique_ptr<GameInfo>& gameInfo = ctx.gameInfo;
     gameInfo.reset();
     if (!currentRules) return;
     impl_->fingerprint = rulesFingerprint(*currentRules);
-    gameInfo = createStructsFromRulesDict(currentRules, menu);
+    gameInfo = createStructsFromRulesDict(currentRules, menu, ctx.out);
     if (!gameInfo) return;
     if (const std::string reason = unplayableReason(*gameInfo); !reason.empty()) {
         const std::string message =
@@ -122,7 +123,7 @@ void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
     }
     ctx.host.showGameWindow();
     impl_->show();
-    setupGame(*gameInfo, ctx.view);
+    setupGame(*gameInfo, ctx.view, ctx.random, ctx.out);
     ++ctx.boardsDealt;
     impl_->forgetBoard();
     ctx.view.drawBoard(ctx.game());
@@ -147,7 +148,7 @@ void Engine::returnToMain() {
 }
 
 void Engine::checkMenuAction(const ActionsMenu& menu, int itemIndex) {
-    if (!gameInfo) return;
+    if (!impl_->ctx.hasGame()) return;
     if (itemIndex < 0 || itemIndex >= ActionsMenu::kItemCount) return;
     EngineContext& ctx = impl_->ctx;
     if (impl_->input.currentEvent().type == kEventTypeKeyDown || ctx.gamePaused != 0) return;
@@ -191,7 +192,7 @@ void Engine::takeInput(const CurrentEvent& event) {
 }
 
 void Engine::newGame() {
-    if (!gameInfo || !gameInfo->hasBoard()) return;
+    if (!impl_->ctx.hasGame() || !impl_->ctx.game().hasBoard()) return;
     impl_->show();  // also from the main window, whose game comes to the front
     impl_->input.restartGame();
     impl_->forgetBoard();
@@ -219,7 +220,7 @@ bool Engine::redo() {
 
 std::vector<BoardCell> Engine::hint() const {
     if (!impl_->playing()) return {};
-    return findHint(*gameInfo);
+    return findHint(impl_->ctx.game(), impl_->ctx.out);
 }
 
 bool Engine::cursorKey(const CurrentEvent& keyDown) {
@@ -227,7 +228,7 @@ bool Engine::cursorKey(const CurrentEvent& keyDown) {
     if (keyDown.type != kEventTypeKeyDown || !im.shown || !im.playing() || im.ctx.gameStarted != 0)
         return false;
     if (im.input.charIsUserAction(firstCharacter(keyDown))) return false;  // the rules' key
-    const GameInfo& game = *gameInfo;
+    const GameInfo& game = im.ctx.game();
     const char32_t key = firstKeyCharacter(keyDown);
     int dx = 0, dy = 0;
     switch (key) {
@@ -260,7 +261,7 @@ bool Engine::cursorKey(const CurrentEvent& keyDown) {
 std::optional<BoardCell> Engine::cursor() const { return impl_->cursor; }
 
 bool Engine::hasUnfinishedGame() const {
-    return gameInfo && gameInfo->hasBoard() && !impl_->finished;
+    return impl_->ctx.hasGame() && impl_->ctx.game().hasBoard() && !impl_->finished;
 }
 
 bool Engine::resumeGame() {
@@ -275,12 +276,12 @@ bool Engine::resumeGame() {
 
 std::optional<Value> Engine::savedGame() const {
     if (!hasUnfinishedGame()) return std::nullopt;
-    return savedGameValue(*gameInfo, takeSnapshot(impl_->ctx), impl_->fingerprint);
+    return savedGameValue(impl_->ctx.game(), takeSnapshot(impl_->ctx), impl_->fingerprint);
 }
 
 std::optional<Value> Engine::savedGameBeforeTick() const {
-    if (!impl_->beforeLastTick || !gameInfo || !gameInfo->hasBoard()) return savedGame();
-    return savedGameValue(*gameInfo, *impl_->beforeLastTick, impl_->fingerprint);
+    if (!impl_->beforeLastTick || !hasUnfinishedGame()) return savedGame();
+    return savedGameValue(impl_->ctx.game(), *impl_->beforeLastTick, impl_->fingerprint);
 }
 
 std::string Engine::savedGameTitle(const Value& saved) { return tolvar::savedGameTitle(saved); }
@@ -294,12 +295,12 @@ struct Continuable {
 };
 
 std::variant<Continuable, std::string> continuable(const Value& saved, const Value* rules, ActionsMenu& menu,
-                                                   Diagnostics said) {
+                                                   const GameOutput& out) {
     const std::string title = savedGameTitle(saved);
     if (!rules)
         return "The saved game of \"" + title + "\" cannot be continued: the rules file has no game of that name.";
     Continuable c;
-    c.game = createStructsFromRulesDict(rules, menu, said);
+    c.game = createStructsFromRulesDict(rules, menu, out);
     if (!c.game) return "The saved game of \"" + title + "\" cannot be continued: its rules are not a dictionary.";
     if (const std::string reason = unplayableReason(*c.game); !reason.empty())
         return "The game \"" + c.game->gameName + "\" cannot be played: " + reason + ".";
@@ -313,7 +314,7 @@ std::variant<Continuable, std::string> continuable(const Value& saved, const Val
 
 std::string Engine::savedGameProblem(const Value& saved, const Value* rules) {
     ActionsMenu scratch;
-    const auto checked = continuable(saved, rules, scratch, Diagnostics::Quiet);
+    const auto checked = continuable(saved, rules, scratch, GameOutput::discarded());
     const std::string* why = std::get_if<std::string>(&checked);
     return why ? *why : std::string();
 }
@@ -322,13 +323,13 @@ std::string Engine::continueGame(const Value& saved, const Value* rules, Actions
     EngineContext& ctx = impl_->ctx;
     // Built aside, so a game that cannot be continued leaves the running one as it was.
     ActionsMenu scratch = menu;
-    std::variant<Continuable, std::string> checked = continuable(saved, rules, scratch, Diagnostics::Printed);
+    std::variant<Continuable, std::string> checked = continuable(saved, rules, scratch, ctx.out);
     if (const std::string* why = std::get_if<std::string>(&checked)) return *why;
     Continuable& c = std::get<Continuable>(checked);
 
     menu = scratch;
     ctx.forgetGesture();
-    gameInfo = std::move(c.game);
+    ctx.gameInfo = std::move(c.game);
     impl_->fingerprint = c.fingerprint;
     ctx.host.showGameWindow();
     impl_->show();
@@ -347,15 +348,22 @@ std::string Engine::continueGame(const Value& saved, const Value* rules, Actions
 }
 
 bool Engine::performKeyEquivalent(const CurrentEvent& event) const {
-    if (!gameInfo || event.type != kEventTypeKeyDown) return false;
+    if (!impl_->ctx.hasGame() || event.type != kEventTypeKeyDown) return false;
     return impl_->input.charIsUserAction(firstCharacter(event)) != nullptr;
 }
+
+const GameInfo* Engine::game() const { return impl_->ctx.gameInfo.get(); }
+GameInfo* Engine::game() { return impl_->ctx.gameInfo.get(); }
+RandomSequence& Engine::random() { return impl_->ctx.random; }
+GameSnapshot Engine::snapshot() const { return takeSnapshot(impl_->ctx); }
+void Engine::restore(const GameSnapshot& state) { restoreSnapshot(impl_->ctx, state); }
+const GameOutput& Engine::output() const { return impl_->ctx.out; }
 
 int Engine::gameStarted() const { return impl_->ctx.gameStarted; }
 int Engine::gamePaused() const { return impl_->ctx.gamePaused; }
 
 void Engine::printBoardColors() const {
-    if (gameInfo) tolvar::printBoardColors(*gameInfo);
+    if (impl_->ctx.hasGame()) tolvar::printBoardColors(impl_->ctx.game(), impl_->ctx.out);
 }
 const BoardPiece* Engine::downPiece() const { return impl_->ctx.downPiece; }
 const BoardPiece* Engine::upPiece() const { return impl_->ctx.upPiece; }

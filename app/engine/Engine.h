@@ -1,7 +1,8 @@
 // The rule engine as the shell and the headless runner see it: the game lifecycle (start,
 // return to the main window, menu commands), the event tick and the input poll.
 //
-// The engine works on the global gameInfo. It reaches the desktop only through View and Host.
+// Each engine owns its game (gameInfo), random sequence and diagnostic output, so engines side by
+// side never meet. It reaches the desktop only through View and Host.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +12,14 @@
 #include <vector>
 
 #include "engine/Board.h"
+#include "engine/GameSnapshot.h"
 #include "engine/Host.h"
+#include "engine/RandomSequence.h"
 #include "engine/View.h"
 #include "core/PropertyList.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameInfo.h"
+#include "rules/GameOutput.h"
 
 namespace tolvar {
 
@@ -25,7 +29,8 @@ std::string unplayableReason(const GameInfo& game);
 
 class Engine {
 public:
-    Engine(View& view, Host& host);
+    // The diagnostic lines go to out (standard output unless told otherwise).
+    Engine(View& view, Host& host, const GameOutput& out = GameOutput());
     ~Engine();
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
@@ -104,6 +109,19 @@ public:
     // nothing (the main window asks before it offers Continue).
     static std::string savedGameProblem(const Value& saved, const Value* rules);
     static std::string savedGameTitle(const Value& saved);
+
+    // The running game (its rules and state), or nullptr before the first start and after a
+    // start that failed; what the window draws and the menus ask about.
+    const GameInfo* game() const;
+    GameInfo* game();
+    // The game's random sequence: what deals the boards, and what the score screen draws from.
+    RandomSequence& random();
+    const GameOutput& output() const;
+    // The running game as it stands (board, selection, score, variables, pending events, random
+    // sequence, last gesture, flags), and putting such a state back: for a player that tries a
+    // move and takes it back. Only with a game (game() is not nullptr).
+    GameSnapshot snapshot() const;
+    void restore(const GameSnapshot& state);
 
     int gameStarted() const;
     int gamePaused() const;

@@ -1,18 +1,28 @@
-// What the parts of the engine share while a game runs: the view and host, the lifecycle
-// flags and the pieces of the last mouse gesture.
+// What the parts of the engine share while a game runs: the view and host, the running game, its
+// random sequence and diagnostic output, the lifecycle flags and the pieces of the last mouse
+// gesture. Everything about a game lives here, so games in separate engines never meet.
 #pragma once
 
+#include <memory>
+
 #include "engine/Host.h"
+#include "engine/RandomSequence.h"
 #include "engine/View.h"
 #include "rules/GameInfo.h"
+#include "rules/GameOutput.h"
 
 namespace tolvar {
 
 struct EngineContext {
-    EngineContext(View& v, Host& h) : view(v), host(h) {}
+    EngineContext(View& v, Host& h, GameOutput o = GameOutput()) : view(v), host(h), out(o) {}
 
     View& view;
     Host& host;
+    GameOutput out;  // where the diagnostic lines go
+    // The running game; empty before the first start.
+    std::unique_ptr<GameInfo> gameInfo;
+    // Every draw of the board, the refills and the removal flash, and the score screen's.
+    RandomSequence random;
     // 1 from a start until the first tick has queued the game-start event.
     int gameStarted = 0;
     // 1 while no game may be played or drawn: at launch and after the best-score check.

@@ -32,7 +32,7 @@ GameSnapshot takeSnapshot(const EngineContext& ctx) {
         s.variables.push_back(v->variableValue);
     for (const SupportedEvent* e = game.eventQueue.get(); e; e = e->next.get())
         s.pending.push_back({e->eventID, e->eventType, e->actions});
-    s.random = gameRandom().state();
+    s.random = ctx.random.state();
     s.downCell = cellIndex(game, ctx.downPiece);
     s.upCell = cellIndex(game, ctx.upPiece);
     s.gameStarted = ctx.gameStarted;
@@ -57,7 +57,7 @@ void restoreSnapshot(EngineContext& ctx, const GameSnapshot& s) {
         entry->actions = p.actions;
         queue.addEventToQueue(std::move(entry));
     }
-    gameRandom().restore(s.random);
+    ctx.random.restore(s.random);
     ctx.downPiece = cellAt(game, s.downCell);
     ctx.upPiece = cellAt(game, s.upCell);
     ctx.gameStarted = s.gameStarted;

@@ -43,9 +43,4 @@ bool RandomSequence::restore(const State& state) {
     return true;
 }
 
-RandomSequence& gameRandom() {
-    static RandomSequence sequence;
-    return sequence;
-}
-
 }  // namespace tolvar

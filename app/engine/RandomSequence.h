@@ -35,7 +35,4 @@ private:
     State state_;
 };
 
-// The one sequence the running program draws from.
-RandomSequence& gameRandom();
-
 }  // namespace tolvar

@@ -32,7 +32,7 @@ void UserInput::restartGame() {
     game.scoreMultiplier = 1;
     if (ctx_.host.scoresTimerRunning()) ctx_.host.stopScoresTimer();
     ctx_.host.resetProjection();
-    setupGame(game, ctx_.view);
+    setupGame(game, ctx_.view, ctx_.random, ctx_.out);
     ++ctx_.boardsDealt;
     ctx_.view.drawBoard(ctx_.game());
     ctx_.gameStarted = 1;
@@ -59,7 +59,7 @@ bool UserInput::remember(const CurrentEvent& event) {
 void UserInput::skipCurrentEvent() { remember(current_); }
 
 void UserInput::handleEvent(const CurrentEvent& event) {
-    Board board(ctx_.game());
+    Board board(ctx_.game(), ctx_.out);
     if (event.type == kEventTypeMouseDown) {
         ctx_.downPiece = board.getBoardPieceAtWindowX(event.x, event.y);
         if (ctx_.downPiece && ctx_.downPiece->pieceID != 0) {
@@ -87,7 +87,7 @@ void UserInput::checkUserEvents() {
 void UserInput::processUserEvent(const SupportedUserEvent& u) {
     GameInfo& game = ctx_.game();
     if (!game.hasBoard()) return;
-    Board board(game);
+    Board board(game, ctx_.out);
     // The trigger belongs to the rules; hold it while the board changes.
     const std::shared_ptr<GameAction> trigger = u.triggerAction;
     bool done = false;

@@ -1,5 +1,5 @@
 // What the board, the pieces and the score screen draw with: the background's texel size, text in
-// the bitmap font, the figures' fractions and the shades the game picks at random.
+// the bitmap font and the figures' fractions.
 #pragma once
 
 #include <GL/gl.h>
@@ -7,8 +7,6 @@
 
 #include <cstdint>
 #include <string>
-
-#include "engine/RandomSequence.h"
 
 namespace tolvar::drawing {
 
@@ -25,10 +23,5 @@ inline void drawText(float x, float y, const std::string& text) {
 // Halves and thirds of the figures: in double precision from the float values, passed as floats.
 inline float half(float v) { return static_cast<float>(static_cast<double>(v) / 2.0); }
 inline float third(float v) { return static_cast<float>(static_cast<double>(v) / 3.0); }
-
-inline std::int32_t sysRandom() { return gameRandom().next(); }
-
-// 0.00 to 1.00 in steps of 0.01.
-inline float randomShade() { return static_cast<float>((sysRandom() % 101) * 0.01); }
 
 }  // namespace tolvar::drawing

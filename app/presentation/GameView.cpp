@@ -17,7 +17,6 @@
 #include "FileIO.h"
 #include "ImageFile.h"
 #include "engine/BoardLayout.h"
-#include "presentation/DrawingGlobals.h"
 #include "presentation/DrawingHelpers.h"
 #include "presentation/ScoreText.h"
 #include "presentation/ShownBoard.h"
@@ -25,6 +24,9 @@
 namespace tolvar {
 
 namespace {
+
+// The colour of the frame round the board.
+constexpr GLfloat kBorderColor[3] = {0.5f, 0.25f, 0.0f};
 
 constexpr GLfloat kAmbient[4] = {0.15f, 0.15f, 0.15f, 1.0f};
 constexpr GLfloat kDiffuse[4] = {0.75f, 0.75f, 0.75f, 1.0f};
@@ -173,7 +175,7 @@ void GameView::drawBackground(float z) {
 void GameView::showMotion(bool shown) {
     const bool framesSkipped = shown && !motionShown_;
     motionShown_ = shown;
-    if (framesSkipped && gameInfo) drawBoard(*gameInfo);  // the board as the chain left it
+    if (const GameInfo* game = runningGame(); framesSkipped && game) drawBoard(*game);  // the board as the chain left it
 }
 
 void GameView::drawBoard(const GameInfo& game) {
@@ -182,7 +184,7 @@ void GameView::drawBoard(const GameInfo& game) {
     FrameLook frame;
     frame.boardWidth = game.boardWidth, frame.boardHeight = game.boardHeight;
     frame.score = game.score, frame.gameName = game.gameName, frame.background = bgTexture_;
-    frame.border[0] = gBorderColor.red, frame.border[1] = gBorderColor.green, frame.border[2] = gBorderColor.blue;
+    frame.border[0] = kBorderColor[0], frame.border[1] = kBorderColor[1], frame.border[2] = kBorderColor[2];
     const float outline[3] = {game.selectColor.red, game.selectColor.green, game.selectColor.blue};
     // A selected model turns a little on every frame; a model that cannot be read draws nothing.
     const bool modelShown = pieceSprites[1] != nullptr || !pieceModelMissing_;
@@ -240,7 +242,7 @@ void GameView::drawBoardPicture(const GameInfo& game, const BoardLayout& L, cons
     drawBackground(200.0f);
 
     // The frame: 6 pixels outside the board at left, right and top, 3 below it.
-    glColor3f(gBorderColor.red, gBorderColor.green, gBorderColor.blue);
+    glColor3fv(kBorderColor);
     glLineWidth(3.0f);
     glBegin(GL_LINE_STRIP);
     glVertex2f(L.left - 6, L.m - 3);

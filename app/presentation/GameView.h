@@ -12,6 +12,7 @@
 #include "3DSpriteLib.h"
 #include "engine/Board.h"
 #include "engine/Host.h"
+#include "engine/RandomSequence.h"
 #include "engine/View.h"
 #include "engine/BoardLayout.h"
 #include "core/PropertyList.h"
@@ -54,6 +55,12 @@ public:
         std::function<void(double&, double&)> mouseLocation;  // the mouse in screen coordinates, origin lower left
         std::function<void()> display;                       // the window's display after a score frame
         std::function<BoardMarks()> marks;  // drawn over every board frame
+        // The running game, or nullptr: what a redraw shows and whose score the score screen names.
+        std::function<const GameInfo*()> game;
+        // The next number of the game's own random sequence, which the score screen's models draw
+        // from (so a board dealt after a score screen is the one the game would deal). None: the
+        // view's own sequence.
+        std::function<std::int32_t()> random;
     };
 
     GameView(Host& host, Window window);
@@ -106,6 +113,9 @@ public:
     int scoreModelCount() const;
     int currentHighlight() const { return currHighlight; }
 
+    // Degrees that selected shape-1 pieces have turned: 0 at first, 3 more after every full frame.
+    std::int64_t rotValue = 0;
+
 private:
     // The shape-1 model from the sprite cache, prepared for piece width W on first use; none
     // when the model cannot be read.
@@ -120,6 +130,10 @@ private:
     // reach into it (the caller clips to it).
     void drawBoardPicture(const GameInfo& game, const BoardLayout& L, const PixelRect* patch, const BoardMarks& marks);
     void makeScoreModels();
+    // A number from the game's random sequence, and a shade of 0.00 to 1.00 in steps of 0.01 from it.
+    std::int32_t sysRandom();
+    float randomShade();
+    const GameInfo* runningGame() const { return window_.game ? window_.game() : nullptr; }
     void flyScoreModels();
 
     Host& host_;
@@ -142,6 +156,7 @@ private:
     int currHighlight = -1;
     std::array<SpritePtr, 20> spriteList;
     bool scoreModelsMissing_ = false;
+    RandomSequence ownRandom_;  // when the window names no game's sequence
 };
 
 }  // namespace tolvar

@@ -10,7 +10,6 @@
 
 #include "DXFtoSprite.h"
 #include "engine/BoardLayout.h"
-#include "presentation/DrawingGlobals.h"
 #include "presentation/DrawingHelpers.h"
 #include "presentation/ShownBoard.h"
 
@@ -19,7 +18,6 @@ namespace tolvar {
 using drawing::half;
 using drawing::kBackgroundTexelsHigh;
 using drawing::kBackgroundTexelsWide;
-using drawing::randomShade;
 using drawing::third;
 
 Sprite* GameView::pieceSprite(float W) {

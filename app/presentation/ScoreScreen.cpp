@@ -7,15 +7,16 @@
 #include <string>
 
 #include "DXFtoSprite.h"
-#include "presentation/DrawingGlobals.h"
 #include "presentation/DrawingHelpers.h"
 #include "presentation/ScoreText.h"
 
 namespace tolvar {
 
 using drawing::drawText;
-using drawing::randomShade;
-using drawing::sysRandom;
+
+std::int32_t GameView::sysRandom() { return window_.random ? window_.random() : ownRandom_.next(); }
+
+float GameView::randomShade() { return static_cast<float>((sysRandom() % 101) * 0.01); }
 
 int GameView::scoreModelCount() const {
     return static_cast<int>(std::count_if(spriteList.begin(), spriteList.end(),
@@ -112,7 +113,7 @@ void GameView::drawScoresFrame(const Value& scores) {
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     drawText(10.0f, winHeight - 30, "Last Score:");
     glColor4f(0.5f, 0.0f, 0.5f, 1.0f);
-    drawText(20.0f, winHeight - 70, lastScoreText(gameInfo ? gameInfo->score : 0));
+    drawText(20.0f, winHeight - 70, lastScoreText(runningGame() ? runningGame()->score : 0));
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     drawText(winWidth / 2 - 120, winHeight - 30, "Best Scores:");
 

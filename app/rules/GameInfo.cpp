@@ -2,8 +2,6 @@
 
 namespace tolvar {
 
-std::unique_ptr<GameInfo> gameInfo;
-
 namespace {
 // Releases a chain of records one by one, so that a long chain never recurses.
 template <typename Record>

@@ -204,7 +204,4 @@ struct GameInfo {
     bool hasBoard() const { return !board.empty(); }
 };
 
-// The running game; empty before the first start.
-extern std::unique_ptr<GameInfo> gameInfo;
-
 }  // namespace tolvar

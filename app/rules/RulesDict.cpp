@@ -41,7 +41,7 @@ const Array* readArray(const Dictionary& dict, const char* key) {
     return v ? v->asArray() : nullptr;
 }
 
-std::unique_ptr<GameAction> makeAction(const Dictionary& dict, Diagnostics said) {
+std::unique_ptr<GameAction> makeAction(const Dictionary& dict, const GameOutput& out) {
     auto action = std::make_unique<GameAction>();
     action->actionID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kActionID, 0));
     action->actionType = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kActionType, 0));
@@ -49,11 +49,11 @@ std::unique_ptr<GameAction> makeAction(const Dictionary& dict, Diagnostics said)
     action->minPieces = readNumberOr(dict, rulekeys::kMinPieces, 0);
     action->removePieces = readNumberOr(dict, rulekeys::kRemovePieces, 0);
     if (dict.find(rulekeys::kAmount)) {
-        if (said == Diagnostics::Printed) printf("setting action to amount.\n");
+        out.print("setting action to amount.\n");
         action->amount = readNumberOr(dict, rulekeys::kAmount, 0);
     }
     if (dict.find(rulekeys::kLowerIsBetter)) {
-        if (said == Diagnostics::Printed) printf("setting lower is better.\n");
+        out.print("setting lower is better.\n");
         action->lowerIsBetter = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kLowerIsBetter, 0));
     }
     if (dict.find(rulekeys::kDirection)) action->direction = readNumberOr(dict, rulekeys::kDirection, 0);
@@ -63,7 +63,7 @@ std::unique_ptr<GameAction> makeAction(const Dictionary& dict, Diagnostics said)
     return action;
 }
 
-void readEvents(const Array& entries, GameInfo& info, Diagnostics said) {
+void readEvents(const Array& entries, GameInfo& info, const GameOutput& out) {
     for (const Value& entry : entries) {
         const Dictionary& dict = asDictionaryOrEmpty(entry);
         auto event = std::make_unique<SupportedEvent>();
@@ -72,10 +72,9 @@ void readEvents(const Array& entries, GameInfo& info, Diagnostics said) {
         if (const Array* actionList = readArray(dict, rulekeys::kActionList)) {
             std::unique_ptr<GameAction> head;
             for (const Value& actionEntry : *actionList) {
-                auto action = makeAction(asDictionaryOrEmpty(actionEntry), said);
-                if (said == Diagnostics::Printed)
-                    printf("Adding action %d to event %d\n", static_cast<int>(action->actionID),
-                           static_cast<int>(event->eventID));
+                auto action = makeAction(asDictionaryOrEmpty(actionEntry), out);
+                out.print("Adding action %d to event %d\n", static_cast<int>(action->actionID),
+                          static_cast<int>(event->eventID));
                 action->next = std::move(head);
                 head = std::move(action);
             }
@@ -86,7 +85,7 @@ void readEvents(const Array& entries, GameInfo& info, Diagnostics said) {
     }
 }
 
-void readUserEvents(const Array& entries, GameInfo& info, ActionsMenu& menu, Diagnostics said) {
+void readUserEvents(const Array& entries, GameInfo& info, ActionsMenu& menu, const GameOutput& out) {
     int counter = 0;
     for (const Value& entry : entries) {
         const Dictionary& dict = asDictionaryOrEmpty(entry);
@@ -94,7 +93,7 @@ void readUserEvents(const Array& entries, GameInfo& info, ActionsMenu& menu, Dia
         userEvent->userEventID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kUserEventID, 0));
         userEvent->userEventType = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kUserEventType, 0));
         if (const Value* trigger = dict.find(rulekeys::kUserEventTriggerAction))
-            userEvent->triggerAction = makeAction(asDictionaryOrEmpty(*trigger), said);
+            userEvent->triggerAction = makeAction(asDictionaryOrEmpty(*trigger), out);
         // The key is read as a signed 8-bit character: only the low 8 bits count.
         const auto character = static_cast<std::int8_t>(low8(readNumberOr(dict, rulekeys::kUserEventCharacter, 0)));
         if (character != 0) {
@@ -143,7 +142,7 @@ void readGameSettings(const Dictionary& rules, GameInfo& info) {
         static_cast<std::int64_t>(readNumberOr(rules, rulekeys::kScoreMultiplier, 1)));
 }
 
-std::unique_ptr<GameInfo> createStructsFromRulesDict(const Value* rulesDict, ActionsMenu& menu, Diagnostics said) {
+std::unique_ptr<GameInfo> createStructsFromRulesDict(const Value* rulesDict, ActionsMenu& menu, const GameOutput& out) {
     if (!rulesDict || !rulesDict->isDictionary()) return nullptr;
     const Dictionary& rules = *rulesDict->asDictionary();
     auto info = std::make_unique<GameInfo>();
@@ -153,9 +152,9 @@ std::unique_ptr<GameInfo> createStructsFromRulesDict(const Value* rulesDict, Act
     const std::string* description = readString(rules, rulekeys::kGameDescription);
     info->descriptionText = description ? *description : std::string("Unknown");
 
-    if (const Array* events = readArray(rules, rulekeys::kSupportedEvents)) readEvents(*events, *info, said);
+    if (const Array* events = readArray(rules, rulekeys::kSupportedEvents)) readEvents(*events, *info, out);
     if (const Array* userEvents = readArray(rules, rulekeys::kSupportedUserEvents))
-        readUserEvents(*userEvents, *info, menu, said);
+        readUserEvents(*userEvents, *info, menu, out);
     if (const Array* criteria = readArray(rules, rulekeys::kCompletionCriteria))
         readCompletionCriteria(*criteria, *info);
     if (const Array* variables = readArray(rules, rulekeys::kVariableList)) readVariables(*variables, *info);

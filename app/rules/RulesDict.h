@@ -6,18 +6,16 @@
 #include "core/PropertyList.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameInfo.h"
+#include "rules/GameOutput.h"
 
 namespace tolvar {
 
-// Whether building a game prints its diagnostic lines ("Adding action 1 to event 1"): a game
-// that is started does; one only looked at (is its saved game still good?) does not.
-enum class Diagnostics { Printed, Quiet };
-
-// Builds a new GameInfo from a rules dictionary, with every default and diagnostic line, each
+// Builds a new GameInfo from a rules dictionary, with every default and diagnostic line (into out:
+// a game that is started prints them, one only looked at discards them), each
 // list in reverse of its array, and binds keyed user events to menu. Returns none for a null
 // argument or a value that is not a dictionary.
 std::unique_ptr<GameInfo> createStructsFromRulesDict(const Value* rulesDict, ActionsMenu& menu,
-                                                     Diagnostics said = Diagnostics::Printed);
+                                                     const GameOutput& out = GameOutput());
 
 // The board settings and score multiplier of a rules dictionary, read as a game start reads them
 // (without its diagnostic lines); the lists are left alone.

@@ -17,11 +17,12 @@
 #include "engine/BoardLayout.h"
 #include "engine/BoardSetup.h"
 #include "engine/Completion.h"
+#include "core/BestScoresFile.h"
 #include "engine/Engine.h"
 #include "engine/EngineContext.h"
 #include "engine/GameSnapshot.h"
-#include "engine/QuietShell.h"
 #include "engine/RandomSequence.h"
+#include "engine/StandInShell.h"
 #include "rules/BuiltinGames.h"
 #include "rules/GameLibrary.h"
 #include "rules/RulesDict.h"
@@ -57,22 +58,29 @@ Value builtin(int which) {
     return which == 1 ? createTestGameOne() : which == 2 ? createTestGameTwo() : createTestGameThree();
 }
 
+// The parts of the engine with a desktop that shows nothing.
+struct BenchGame {
+    StandInHost host;
+    StandInView view{host};
+    EngineContext ctx{view, host};
+};
+
 // The records of a built-in game on a board of size x size, set up from a fixed seed.
-void installGame(int which, int size) {
+void installGame(EngineContext& ctx, int which, int size) {
     Value rules = builtin(which);
     rules.asDictionary()->set("BoardWidth", Value::integer(size));
     rules.asDictionary()->set("BoardHeight", Value::integer(size));
     ActionsMenu menu;
-    gameInfo = createStructsFromRulesDict(&rules, menu);
-    QuietView view;
-    gameRandom().seed(12345);
-    setupGame(*gameInfo, view);
+    ctx.gameInfo = createStructsFromRulesDict(&rules, menu, ctx.out);
+    ctx.random.seed(12345);
+    setupGame(*ctx.gameInfo, ctx.view, ctx.random, ctx.out);
 }
 
 // A board on which no move is left for any of the games, so the completion test looks at
 // every cell: colours (x + 2y) mod 8 have no neighbour of the same colour, and no swap of
 // neighbours lines up three.
-void noMoveBoard() {
+void noMoveBoard(GameInfo& game) {
+    GameInfo* gameInfo = &game;
     for (BoardPiece& p : gameInfo->board) {
         p.pieceID = p.x * gameInfo->boardHeight + p.y + 1;
         p.colorIndex = static_cast<std::uint8_t>((p.x + 2 * p.y) % 8 + 1);
@@ -81,13 +89,13 @@ void noMoveBoard() {
 
 void completion(benchmark::State& state, bool worstCase) {
     Silence quiet;
+    BenchGame b;
+    std::unique_ptr<GameInfo>& gameInfo = b.ctx.gameInfo;
     const int which = static_cast<int>(state.range(0));
     const int size = static_cast<int>(state.range(1));
-    installGame(which, size);
-    if (worstCase) noMoveBoard();
-    QuietView view;
-    QuietHost host(std::filesystem::temp_directory_path().string());
-    EngineContext ctx(view, host);
+    installGame(b.ctx, which, size);
+    if (worstCase) noMoveBoard(*gameInfo);
+    EngineContext& ctx = b.ctx;
     Completion test(ctx);
     for (auto _ : state) {
         test.performActionCheckForGameCompletion();
@@ -97,7 +105,6 @@ void completion(benchmark::State& state, bool worstCase) {
         static_cast<double>(size) * size, benchmark::Counter::kIsIterationInvariantRate |
                                               benchmark::Counter::kInvert);
     state.SetLabel(gameInfo->gameName);
-    gameInfo.reset();
 }
 
 void BM_CompletionRandomBoard(benchmark::State& state) { completion(state, false); }
@@ -115,13 +122,13 @@ BENCHMARK(BM_CompletionNoMoveLeft)->Apply(sizes);
 // four, and one that removes a line as long as the board is wide; none refills.
 void BM_ResolveMatches(benchmark::State& state) {
     Silence quiet;
+    BenchGame b;
+    std::unique_ptr<GameInfo>& gameInfo = b.ctx.gameInfo;
     const int size = static_cast<int>(state.range(0));
     const int planted = state.range(1) == 2 ? size : state.range(1) == 1 ? 4 : 0;
-    installGame(3, size);
+    installGame(b.ctx, 3, size);
     const std::vector<BoardPiece> fresh = gameInfo->board;
-    QuietView view;
-    QuietHost host(std::filesystem::temp_directory_path().string());
-    EngineContext ctx(view, host);
+    EngineContext& ctx = b.ctx;
     BoardActions actions(ctx);
     for (auto _ : state) {
         state.PauseTiming();
@@ -134,7 +141,6 @@ void BM_ResolveMatches(benchmark::State& state) {
     state.counters["ns_per_cell"] = benchmark::Counter(
         static_cast<double>(size) * size, benchmark::Counter::kIsIterationInvariantRate |
                                               benchmark::Counter::kInvert);
-    gameInfo.reset();
 }
 BENCHMARK(BM_ResolveMatches)
     ->Args({8, 0})->Args({64, 0})->Args({255, 0})
@@ -145,15 +151,15 @@ BENCHMARK(BM_ResolveMatches)
 // Falling pieces after a quarter of the cells were emptied.
 void BM_FallingPieces(benchmark::State& state) {
     Silence quiet;
+    BenchGame b;
+    std::unique_ptr<GameInfo>& gameInfo = b.ctx.gameInfo;
+    EngineContext& ctx = b.ctx;
     const int size = static_cast<int>(state.range(0));
-    installGame(1, size);
-    gameRandom().seed(99);
+    installGame(b.ctx, 1, size);
+    ctx.random.seed(99);
     for (BoardPiece& p : gameInfo->board)
-        if (gameRandom().next() % 4 == 0) p.pieceID = 0;
+        if (ctx.random.next() % 4 == 0) p.pieceID = 0;
     const std::vector<BoardPiece> holed = gameInfo->board;
-    QuietView view;
-    QuietHost host(std::filesystem::temp_directory_path().string());
-    EngineContext ctx(view, host);
     BoardActions actions(ctx);
     for (auto _ : state) {
         state.PauseTiming();
@@ -161,42 +167,40 @@ void BM_FallingPieces(benchmark::State& state) {
         state.ResumeTiming();
         actions.performActionCollapseInDirection(kDirectionDown);
     }
-    gameInfo.reset();
 }
 BENCHMARK(BM_FallingPieces)->Arg(8)->Arg(64)->Arg(255)->Unit(benchmark::kMicrosecond);
 
 // The region count of a one-colour 255 x 255 board: one region of 65,025 pieces.
 void BM_RegionCountOneColour(benchmark::State& state) {
+    BenchGame b;
+    std::unique_ptr<GameInfo>& gameInfo = b.ctx.gameInfo;
     {
         Silence quiet;
-        installGame(1, 255);
+        installGame(b.ctx, 1, 255);
     }
     for (BoardPiece& p : gameInfo->board) p.colorIndex = 2;
-    Board board(*gameInfo);
+    Board board(*gameInfo, b.ctx.out);
     Flags flags = board.makeFlags();
     for (auto _ : state) {
         flags.clear();
         benchmark::DoNotOptimize(board.getRegionColorCountForPiece(board.getBoardPieceAtX(127, 127), flags));
     }
-    gameInfo.reset();
 }
 BENCHMARK(BM_RegionCountOneColour)->Unit(benchmark::kMicrosecond);
 
 // What undo costs a move: the snapshot taken before it and the comparison after it that tells
 // whether the move changed the game ("Vexamor" rules).
 void BM_MoveSnapshot(benchmark::State& state) {
+    BenchGame b;
     {
         Silence quiet;
-        installGame(1, static_cast<int>(state.range(0)));
+        installGame(b.ctx, 1, static_cast<int>(state.range(0)));
     }
-    QuietView view;
-    QuietHost host;
-    EngineContext ctx(view, host);
+    EngineContext& ctx = b.ctx;
     for (auto _ : state) {
         const GameSnapshot before = takeSnapshot(ctx);
         benchmark::DoNotOptimize(takeSnapshot(ctx).sameGameAs(before));
     }
-    gameInfo.reset();
 }
 BENCHMARK(BM_MoveSnapshot)->Arg(8)->Arg(64)->Arg(255)->Unit(benchmark::kMicrosecond);
 
@@ -219,11 +223,12 @@ void BM_WholeGameFromScript(benchmark::State& state) {
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder);
         state.ResumeTiming();
-        gameRandom().seed(seed);
-        QuietView view;
-        QuietHost host(folder.string());
+        BestScoresFile scores(folder.string());
+        StandInHost host(scores);
+        StandInView view(host);
         ActionsMenu menu;
         Engine engine(view, host);
+        engine.random().seed(seed);
         auto pointer = [&](std::int64_t type, float x, float y) {
             CurrentEvent event;
             event.type = type;
@@ -249,7 +254,6 @@ void BM_WholeGameFromScript(benchmark::State& state) {
         if (!engine.gamePaused()) state.SkipWithError("the game did not end");
     }
     std::filesystem::remove_all(folder);
-    gameInfo.reset();
 }
 BENCHMARK(BM_WholeGameFromScript)->Unit(benchmark::kMillisecond);
 

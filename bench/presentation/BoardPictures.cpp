@@ -58,14 +58,20 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "no OpenGL window: %s\n", why.c_str());
         return 1;
     }
-    test::RecordingHost host;
+    StandInHost host;
     test::CountingWindow window;
-    GameView view(host, window.callbacks());
+    std::unique_ptr<GameInfo> gameInfo;
+    RandomSequence random;
+    GameView::Window callbacks = window.callbacks();
+    callbacks.game = [&] { return gameInfo.get(); };
+    callbacks.random = [&] { return random.next(); };
+    GameView view(host, std::move(callbacks));
     view.loadBGTexture();
 
     bool ok = true;
     for (const char* name : {"Vexamor", "Trindle", "Glimmet"}) {
-        if (!bench::startBuiltinGame(name, view)) {
+        gameInfo = bench::startBuiltinGame(name, view, random);
+        if (!gameInfo) {
             std::fprintf(stderr, "cannot start %s\n", name);
             ok = false;
             continue;
@@ -104,7 +110,7 @@ int main(int argc, char** argv) {
     }
 
     // Vexamor with the pieces of the lower left colour region selected, the mouse near them.
-    if (bench::startBuiltinGame("Vexamor", view)) {
+    if ((gameInfo = bench::startBuiltinGame("Vexamor", view, random))) {
         const GameInfo& g = *gameInfo;
         const BoardPiece& first = g.board[0];
         for (BoardPiece& p : gameInfo->board)
@@ -128,6 +134,5 @@ int main(int argc, char** argv) {
         for (int i = 0; i < 25; ++i) view.scoresTimerFired(scores);
         ok = save(folder, "scores.png") && ok;
     }
-    gameInfo.reset();
     return ok ? 0 : 1;
 }

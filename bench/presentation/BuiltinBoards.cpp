@@ -42,18 +42,20 @@ private:
 
 }  // namespace
 
-bool startBuiltinGame(const std::string& name, GameView& view) {
+std::unique_ptr<GameInfo> startBuiltinGame(const std::string& name, GameView& view, RandomSequence& random) {
     Value rules;
     if (name == "Vexamor") rules = createTestGameOne();
     else if (name == "Trindle") rules = createTestGameTwo();
     else if (name == "Glimmet") rules = createTestGameThree();
-    else return false;
-    QuietStdout quiet;
+    else return nullptr;
+    QuietStdout quiet;  // the view's own lines ("Deleting sprite 1")
     ActionsMenu menu;
-    gameInfo = createStructsFromRulesDict(&rules, menu);
-    if (!gameInfo || gameInfo->boardWidth < 1 || gameInfo->boardHeight < 1) return false;
-    setupGame(*gameInfo, view);
-    return gameInfo->hasBoard();
+    const GameOutput thrownAway = GameOutput::discarded();
+    std::unique_ptr<GameInfo> game = createStructsFromRulesDict(&rules, menu, thrownAway);
+    if (!game || game->boardWidth < 1 || game->boardHeight < 1) return nullptr;
+    setupGame(*game, view, random, thrownAway);
+    if (!game->hasBoard()) return nullptr;
+    return game;
 }
 
 }  // namespace tolvar::bench

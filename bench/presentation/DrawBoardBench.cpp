@@ -27,38 +27,39 @@ void timeFramesOf(benchmark::State& state, const std::string& name, bool withBac
         state.SkipWithError(("no OpenGL window: " + why).c_str());
         return;
     }
-    test::RecordingHost host;
+    StandInHost host;
     test::CountingWindow window;
     GameView view(host, window.callbacks());
     if (withBackground) view.loadBGTexture();
-    if (!bench::startBuiltinGame(name, view)) {
+    RandomSequence random;
+    const std::unique_ptr<GameInfo> gameInfo = bench::startBuiltinGame(name, view, random);
+    if (!gameInfo) {
         state.SkipWithError(("cannot start " + name).c_str());
         return;
     }
     view.drawBoard(*gameInfo);
     glFinish();
-    frames(view);
-    gameInfo.reset();
+    frames(view, *gameInfo);
 }
 
 void drawBoardOf(benchmark::State& state, const std::string& name, bool withBackground) {
-    timeFramesOf(state, name, withBackground, [&](GameView& view) {
+    timeFramesOf(state, name, withBackground, [&](GameView& view, GameInfo& game) {
         for (auto _ : state) {
             view.setNeedsDisplay();
-            view.drawBoard(*gameInfo);
+            view.drawBoard(game);
             glFinish();
         }
-        state.counters["cells"] = static_cast<double>(gameInfo->board.size());
+        state.counters["cells"] = static_cast<double>(game.board.size());
     });
 }
 
 // One piece changes colour on every frame: only its cell's patch is drawn again.
 void drawOneCellOf(benchmark::State& state, const std::string& name) {
-    timeFramesOf(state, name, true, [&](GameView& view) {
-        BoardPiece& piece = gameInfo->board[gameInfo->board.size() / 2];
+    timeFramesOf(state, name, true, [&](GameView& view, GameInfo& game) {
+        BoardPiece& piece = game.board[game.board.size() / 2];
         for (auto _ : state) {
             piece.red = piece.red > 0.5f ? 0.0f : 1.0f;
-            view.drawBoard(*gameInfo);
+            view.drawBoard(game);
             glFinish();
         }
     });

@@ -1,21 +1,18 @@
 #include "Autoplay.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
+#include <new>
+#include <thread>
 
 #include "engine/Board.h"
 #include "engine/BoardLayout.h"
 #include "engine/Engine.h"
 #include "engine/EventQueue.h"
-#include "engine/QuietShell.h"
-#include "engine/RandomSequence.h"
+#include "engine/StandInShell.h"
 #include "core/MemoryScoreStore.h"
 
 namespace tolvar::sim {
@@ -26,48 +23,26 @@ namespace {
 constexpr std::uint32_t kMutedActionType = 3;
 static_assert(isInertActionType(kMutedActionType));
 
-// The bots' standard output, which goes nowhere, is written in blocks of this many bytes.
-constexpr std::size_t kThrownAwayBuffer = 1 << 16;
-
 // A move as the player makes it: a click (and the remove key, when the game has one) or a drag.
 struct Move {
     int x1 = 0, y1 = 0, x2 = 0, y2 = 0;  // cells; a click has x2, y2 = x1, y1
     std::int8_t removeKey = 0;
 };
 
-// What the board, the score and the variables were, to put back after a tried move.
-struct Snapshot {
-    std::vector<BoardPiece> board;
-    std::uint64_t score = 0;
-    std::uint64_t multiplier = 0;
-    std::vector<std::uint64_t> variables;
-};
-
-// The bots' desktop: best scores go to the store given (a job's own, in memory), so a game's end
-// waits on no file.
-class BotHost : public QuietHost {
-public:
-    explicit BotHost(ScoreStore& scores) : scores_(scores) {}
-    ScoreStore& scoreStore() override { return scores_; }
-
-private:
-    ScoreStore& scores_;
-};
-
 class Bot {
 public:
-    Bot(Engine& engine, Player player) : engine_(engine), player_(player) {
-        for (const SupportedEvent* e = gameInfo->events.get(); e; e = e->next.get())
+    Bot(Engine& engine, Player player) : engine_(engine), game_(*engine.game()), player_(player) {
+        for (const SupportedEvent* e = game_.events.get(); e; e = e->next.get())
             for (const GameAction* a = e->actions.get(); a; a = a->next.get())
                 if (a->actionType == kActionCheckBestScores && a->lowerIsBetter != 0) lowerIsBetter_ = true;
         // As the engine finds them: the first click or drag user event takes the mouse, the first
         // user event with a key takes that key.
-        for (const SupportedUserEvent* u = gameInfo->userEvents.get(); u; u = u->next.get())
+        for (const SupportedUserEvent* u = game_.userEvents.get(); u; u = u->next.get())
             if (!mouse_ && (u->userEventType == kUserEventSwapAdjacent || u->userEventType == kUserEventSelectColorRegion))
                 mouse_ = u;
-        for (const SupportedUserEvent* u = gameInfo->userEvents.get(); u; u = u->next.get()) {
+        for (const SupportedUserEvent* u = game_.userEvents.get(); u; u = u->next.get()) {
             if (u->userEventType != kUserEventRemoveSelection || u->userEventCharacter == 0) continue;
-            const SupportedUserEvent* first = gameInfo->userEvents.get();
+            const SupportedUserEvent* first = game_.userEvents.get();
             while (first->userEventCharacter != u->userEventCharacter) first = first->next.get();
             if (first == u) removeKey_ = u->userEventCharacter;
             break;
@@ -91,12 +66,12 @@ public:
             }
             if (best.empty()) return false;
             // Among equals the choice is random, so a bot cannot go back and forth for ever.
-            make(best[static_cast<std::size_t>(gameRandom().next()) % best.size()]);
+            make(best[static_cast<std::size_t>(engine_.random().next()) % best.size()]);
             return true;
         }
         // A random order, and the first move the game takes: each such move is as likely.
         for (std::size_t i = moves.size(); i > 1; --i)
-            std::swap(moves[i - 1], moves[static_cast<std::size_t>(gameRandom().next()) % i]);
+            std::swap(moves[i - 1], moves[static_cast<std::size_t>(engine_.random().next()) % i]);
         const bool mayRefuse = mouse_ && mouse_->userEventType == kUserEventSwapAdjacent;
         for (const Move& m : moves) {
             if (mayRefuse && !tryMove(m)) continue;
@@ -110,8 +85,7 @@ private:
     std::vector<Move> candidates() const {
         std::vector<Move> out;
         if (!mouse_) return out;
-        GameInfo& game = *gameInfo;
-        Board board(game);
+        Board board(game_, engine_.output());
         const int w = board.width(), h = board.height();
         if (mouse_->userEventType == kUserEventSwapAdjacent) {
             for (int x = 0; x < w; ++x)
@@ -135,7 +109,7 @@ private:
     }
 
     void send(std::int64_t type, int column, int row, std::int8_t key = 0) {
-        const BoardLayout layout = computeBoardLayout(*gameInfo);
+        const BoardLayout layout = computeBoardLayout(game_);
         CurrentEvent event;
         event.type = type;
         event.x = layout.left + (static_cast<float>(column) + 0.5f) * layout.w;
@@ -157,33 +131,19 @@ private:
         engine_.processEvents();
     }
 
-    Snapshot keep() const {
-        Snapshot s{gameInfo->board, gameInfo->score, gameInfo->scoreMultiplier, {}};
-        for (const GameVariable* v = gameInfo->variables.get(); v; v = v->next.get()) s.variables.push_back(v->variableValue);
-        return s;
-    }
-
-    void restore(const Snapshot& s) {
-        // In place: the engine keeps pointers to the cells of the last gesture.
-        std::copy(s.board.begin(), s.board.end(), gameInfo->board.begin());
-        gameInfo->score = s.score;
-        gameInfo->scoreMultiplier = s.multiplier;
-        std::size_t i = 0;
-        for (GameVariable* v = gameInfo->variables.get(); v; v = v->next.get()) v->variableValue = s.variables[i++];
-    }
-
     // The score the game would end with right after a move (its end counted at once: the
     // no-move-left event runs, without entering the score or showing an alert), or nothing when the
-    // game does not take the move. Everything is put back afterwards.
+    // game does not take the move. The game is put back afterwards, all but its random sequence,
+    // which goes on from the numbers the tried move drew.
     std::optional<std::int64_t> tryMove(const Move& m) {
-        const Snapshot before = keep();
+        const GameSnapshot before = engine_.snapshot();
         std::vector<SupportedEvent*> ends;
-        for (SupportedEvent* e = gameInfo->events.get(); e; e = e->next.get())
+        for (SupportedEvent* e = game_.events.get(); e; e = e->next.get())
             if (e->eventType == kEventNoMovesLeft) ends.push_back(e), e->eventType = 0;
         make(m);
-        bool changed = gameInfo->score != before.score;
+        bool changed = game_.score != before.score;
         for (std::size_t i = 0; i < before.board.size() && !changed; ++i) {
-            const BoardPiece& now = gameInfo->board[i];
+            const BoardPiece& now = game_.board[i];
             changed = now.pieceID != before.board[i].pieceID || now.colorIndex != before.board[i].colorIndex;
         }
         if (changed && !ends.empty() && player_ == Player::Greedy) {
@@ -191,18 +151,20 @@ private:
             for (GameAction* a = ends.front()->actions.get(); a; a = a->next.get())
                 if (a->actionType == kActionCheckBestScores || a->actionType == kActionShowMessage)
                     muted.emplace_back(a, a->actionType), a->actionType = kMutedActionType;
-            EventQueue(*gameInfo).addEventToQueue(ends.front()->copyForQueue());
+            EventQueue(game_).addEventToQueue(ends.front()->copyForQueue());
             engine_.processEvents();
             for (auto& [action, type] : muted) action->actionType = type;
         }
         for (SupportedEvent* e : ends) e->eventType = kEventNoMovesLeft;
-        gameInfo->eventQueue.reset();
-        const auto score = static_cast<std::int64_t>(gameInfo->score);
-        restore(before);
+        const auto score = static_cast<std::int64_t>(game_.score);
+        const RandomSequence::State drawn = engine_.random().state();
+        engine_.restore(before);
+        engine_.random().restore(drawn);
         return changed ? std::optional<std::int64_t>(score) : std::nullopt;
     }
 
     Engine& engine_;
+    GameInfo& game_;
     Player player_;
     bool lowerIsBetter_ = false;
     const SupportedUserEvent* mouse_ = nullptr;
@@ -231,21 +193,23 @@ std::string spread(const char* label, const std::vector<double>& v) {
 
 GameResult playOneGame(const GameLibrary& library, const AutoplayOptions& options, unsigned long index,
                        ScoreStore& scores) {
-    BotHost host(scores);
-    QuietView view;
-    Engine engine(view, host);
+    // Best scores go to the job's own store, in memory, so a game's end waits on no file.
+    StandInHost host(scores);
+    StandInView view(host);
+    Engine engine(view, host, GameOutput::discarded());
     ActionsMenu menu;
-    gameRandom().seed(static_cast<std::uint32_t>(options.seed + index));
+    engine.random().seed(static_cast<std::uint32_t>(options.seed + index));
     engine.startGame(library.currentRules(), menu);
     GameResult result;
     result.index = index;
+    const GameInfo* gameInfo = engine.game();
     if (!gameInfo) return result;
     engine.processEvents();
     Bot bot(engine, options.player);
     while (!engine.gamePaused() && result.moves < options.maxMoves && bot.play()) ++result.moves;
     result.ended = engine.gamePaused() != 0;
     result.score = static_cast<std::int64_t>(gameInfo->score);
-    result.cleared = Board(*gameInfo).countPieces() == 0;
+    result.cleared = Board(*engine.game(), engine.output()).countPieces() == 0;
     engine.startGame(nullptr, menu);
     return result;
 }
@@ -276,58 +240,28 @@ std::string autoplayTable(const AutoplayOptions& options, const std::vector<Game
 }
 
 int runAutoplay(const GameLibrary& library, const AutoplayOptions& options) {
-    char pattern[] = "/tmp/tolvar-autoplay-XXXXXX";
-    if (!mkdtemp(pattern)) {
-        std::perror("tolvar-sim: a folder for the bots");
-        return 2;
-    }
-    const std::string folder = pattern;
+    // Each job is a thread with its own engines and best scores; job j plays games j, j + J, ...
+    // into their own places of the results.
+    std::vector<GameResult> results(options.games);
+    std::atomic<bool> failed{false};
     const auto start = std::chrono::steady_clock::now();
-    std::fflush(stdout);
-    std::vector<pid_t> children;
-    for (unsigned job = 0; job < options.jobs; ++job) {
-        const pid_t pid = fork();
-        if (pid < 0) {
-            std::perror("tolvar-sim: fork");
-            break;
-        }
-        if (pid > 0) {
-            children.push_back(pid);
-            continue;
-        }
-        // The engine's diagnostic lines would drown the table: thrown away a full buffer at a time,
-        // not one system call a line.
-        if (std::freopen("/dev/null", "w", stdout)) std::setvbuf(stdout, nullptr, _IOFBF, kThrownAwayBuffer);
-        // The job's results go to the parent through a file written once, at the job's end.
-        std::ofstream out(folder + "/" + std::to_string(job) + ".results");
-        MemoryScoreStore scores;
-        for (unsigned long i = job; i < options.games; i += options.jobs) {
-            const GameResult r = playOneGame(library, options, i, scores);
-            out << r.index << ' ' << r.score << ' ' << r.moves << ' ' << r.ended << ' ' << r.cleared << '\n';
-        }
-        out.close();
-        std::_Exit(out ? 0 : 1);
-    }
-    bool failed = children.size() != options.jobs;
-    for (pid_t pid : children) {
-        int status = 0;
-        failed = waitpid(pid, &status, 0) != pid || !WIFEXITED(status) || WEXITSTATUS(status) != 0 || failed;
-    }
+    std::vector<std::thread> jobs;
+    for (unsigned job = 0; job < options.jobs; ++job)
+        jobs.emplace_back([&, job] {
+            try {
+                MemoryScoreStore scores;
+                for (unsigned long i = job; i < options.games; i += options.jobs)
+                    results[i] = playOneGame(library, options, i, scores);
+            } catch (const std::bad_alloc&) {
+                failed = true;
+            }
+        });
+    for (std::thread& job : jobs) job.join();
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    std::vector<GameResult> results;
-    for (unsigned job = 0; job < options.jobs; ++job) {
-        std::ifstream in(folder + "/" + std::to_string(job) + ".results");
-        GameResult r;
-        while (in >> r.index >> r.score >> r.moves >> r.ended >> r.cleared) results.push_back(r);
-    }
-    std::error_code ec;
-    std::filesystem::remove_all(folder, ec);
-    if (failed || results.size() != options.games) {
-        std::fprintf(stderr, "tolvar-sim: a bot's process failed; %zu of %lu games were played\n", results.size(),
-                     options.games);
+    if (failed) {
+        std::fprintf(stderr, "tolvar-sim: a bot ran out of memory; the games were not all played\n");
         return 2;
     }
-    std::sort(results.begin(), results.end(), [](const GameResult& a, const GameResult& b) { return a.index < b.index; });
     std::fputs(autoplayTable(options, results, seconds).c_str(), stdout);
     if (!options.csvFile.empty()) {
         std::ofstream csv(options.csvFile);

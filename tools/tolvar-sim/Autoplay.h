@@ -35,12 +35,12 @@ struct GameResult {
 };
 
 // Plays game index of the title chosen in library with a bot, entering its end's best score in
-// scores; the engine's diagnostic lines go to standard output.
+// scores, with an engine of its own whose diagnostic lines go nowhere.
 GameResult playOneGame(const GameLibrary& library, const AutoplayOptions& options, unsigned long index,
                        ScoreStore& scores);
 
-// Plays options.games games in options.jobs processes and prints the table on standard output
-// (the engine's own lines are silenced). Returns the exit status.
+// Plays options.games games in options.jobs threads and prints the table on standard output.
+// Returns the exit status.
 int runAutoplay(const GameLibrary& library, const AutoplayOptions& options);
 
 // The table of figures for results (in the order of their index).

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "core/DataFolder.h"
 #include "core/PlistFile.h"
 
 namespace tolvar::sim {
@@ -117,8 +118,15 @@ const char* ScriptRunner::commandHelp() {
            "  # ...              a comment\n";
 }
 
-ScriptRunner::ScriptRunner(GameLibrary& library, ActionsMenu& menu)
-    : library_(library), menu_(menu), view_(host_), engine_(view_, host_) {}
+ScriptRunner::ScriptRunner(GameLibrary& library, ActionsMenu& menu, std::uint32_t seed)
+    : library_(library),
+      menu_(menu),
+      scores_(tolvarFolderPath()),
+      host_(scores_, stdout),
+      view_(host_, stdout),
+      engine_(view_, host_) {
+    engine_.random().seed(seed);
+}
 
 int ScriptRunner::run(std::FILE* in) {
     std::string line;
@@ -296,6 +304,7 @@ std::string ScriptRunner::runLine(const std::string& line) {
 }
 
 void ScriptRunner::dumpBoard() const {
+    const GameInfo* gameInfo = engine_.game();
     if (!gameInfo) return;
     const std::size_t h = gameInfo->boardHeight;
     for (std::size_t n = 0; n < gameInfo->board.size() && h > 0; ++n) {
@@ -307,6 +316,7 @@ void ScriptRunner::dumpBoard() const {
 }
 
 void ScriptRunner::showBoard() const {
+    const GameInfo* gameInfo = engine_.game();
     if (!gameInfo || !gameInfo->hasBoard()) {
         std::printf("show: no board\n");
         return;
@@ -329,6 +339,7 @@ void ScriptRunner::showBoard() const {
 }
 
 void ScriptRunner::printState() const {
+    const GameInfo* gameInfo = engine_.game();
     const std::uint64_t score = gameInfo ? gameInfo->score : 0;
     const std::uint64_t multiplier = gameInfo ? gameInfo->scoreMultiplier : 0;
     std::printf("state score=%" PRIu64 " multiplier=%" PRIu64 " started=%d paused=%d\n", score,

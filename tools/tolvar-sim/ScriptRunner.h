@@ -1,11 +1,13 @@
 // Runs a script of player commands against the engine, one line at a time.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
-#include "HeadlessShell.h"
+#include "core/BestScoresFile.h"
 #include "engine/Engine.h"
+#include "engine/StandInShell.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameLibrary.h"
 
@@ -13,7 +15,8 @@ namespace tolvar::sim {
 
 class ScriptRunner {
 public:
-    ScriptRunner(GameLibrary& library, ActionsMenu& menu);
+    // The game's random sequence starts from seed.
+    ScriptRunner(GameLibrary& library, ActionsMenu& menu, std::uint32_t seed);
 
     // Runs every line of in. Returns 0 at the end of the script, or 2 after the first line that
     // cannot be run (with "tolvar-sim: line L: REASON" on standard error).
@@ -35,8 +38,11 @@ private:
 
     GameLibrary& library_;
     ActionsMenu& menu_;
-    HeadlessHost host_;
-    HeadlessView view_;
+    // The desktop stood in for: alerts and score screens are lines on standard output, best
+    // scores go to the player's data folder.
+    BestScoresFile scores_;
+    StandInHost host_;
+    StandInView view_;
     Engine engine_;
 };
 

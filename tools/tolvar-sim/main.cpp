@@ -42,7 +42,7 @@ constexpr const char* kOptions =
     "  --game NAME    the title of the game the bot plays\n"
     "  --player P     random (any move the game takes, the default) or greedy (the move that scores\n"
     "                 best at once, in the game's own direction)\n"
-    "  --jobs J       J processes play the games (1 by default); the figures do not depend on J\n"
+    "  --jobs J       J threads play the games (1 by default); the figures do not depend on J\n"
     "  --csv FILE     also writes one line per game: game, seed, score, moves, ended, cleared\n"
     "  --help         this text\n"
     "  --version      the version\n\n"
@@ -132,12 +132,11 @@ int main(int argc, char** argv) {
     CommandLine line;
     if (const std::string why = parseCommandLine(argc, argv, line); !why.empty()) return usage(why);
 
-    if (line.seeded) {
-        tolvar::gameRandom().seed(static_cast<std::uint32_t>(line.seed));
-    } else {
+    std::uint32_t seed = static_cast<std::uint32_t>(line.seed);
+    if (!line.seeded) {
         timeval now{};
         gettimeofday(&now, nullptr);
-        tolvar::gameRandom().seed(static_cast<std::uint32_t>(now.tv_usec));
+        seed = static_cast<std::uint32_t>(now.tv_usec);
     }
 
     // The bench's table stands alone on standard output: the lines of setting up the data folder
@@ -197,7 +196,7 @@ int main(int argc, char** argv) {
     tolvar::ActionsMenu menu;
     int status = 0;
     {
-        tolvar::sim::ScriptRunner runner(library, menu);
+        tolvar::sim::ScriptRunner runner(library, menu, seed);
         status = runner.run(in);
     }
     if (in != stdin) std::fclose(in);

@@ -14,7 +14,8 @@
 
 #include "engine/Completion.h"
 #include "engine/EngineContext.h"
-#include "engine/QuietShell.h"
+#include "engine/StandInShell.h"
+#include "core/BestScoresFile.h"
 #include "core/PlistFile.h"
 
 namespace {
@@ -22,8 +23,9 @@ namespace {
 using namespace tolvar;
 
 // The score screen must get a list whenever it highlights a row.
-class CheckingView : public QuietView {
+class CheckingView : public StandInView {
 public:
+    using StandInView::StandInView;
     void displayScores(const Value& scores, int highlight) override {
         if (highlight >= 0 && !scores.asArray()) std::abort();
     }
@@ -57,16 +59,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     }
     // The first bytes choose the game's name, score and order, so every path is reached.
-    gameInfo = std::make_unique<GameInfo>();
-    gameInfo->gameName = size > 0 && (data[0] & 1) ? "Glimmet" : "Vexamor";
-    gameInfo->score = size > 1 ? static_cast<std::uint64_t>(data[1]) * 7 : 30;
-    CheckingView view;
-    QuietHost host(folder());
+    BestScoresFile scores(folder());
+    StandInHost host(scores);
+    CheckingView view(host);
     EngineContext ctx(view, host);
+    ctx.gameInfo = std::make_unique<GameInfo>();
+    ctx.gameInfo->gameName = size > 0 && (data[0] & 1) ? "Glimmet" : "Vexamor";
+    ctx.gameInfo->score = size > 1 ? static_cast<std::uint64_t>(data[1]) * 7 : 30;
     GameAction action;
     action.lowerIsBetter = size > 2 ? (data[2] & 1) : 1;
     BestScores(ctx).performActionCheckBestScores(action);
-    gameInfo.reset();
 
     const bool keptAside = std::filesystem::exists(aside);
     if (keptAside && slurp(aside) != bytes) std::abort();  // the player's bytes are kept

@@ -6,7 +6,7 @@
 #include <variant>
 
 #include "engine/Engine.h"
-#include "engine/QuietShell.h"
+#include "engine/StandInShell.h"
 #include "core/PlistFile.h"
 #include "rules/BuiltinGames.h"
 
@@ -28,13 +28,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     auto read = parsePropertyList(std::string(reinterpret_cast<const char*>(data), size));
     if (std::holds_alternative<PlistError>(read)) return 0;
     const Value& saved = std::get<Value>(read);
-    QuietView view;
-    QuietHost host;
+    StandInHost host;
+    StandInView view(host);
     Engine engine(view, host);
     ActionsMenu menu;
     const Value* rules = rulesFor(Engine::savedGameTitle(saved));
     if (!engine.continueGame(saved, rules, menu).empty()) {
-        if (gameInfo) std::abort();  // a refused game starts nothing
+        if (engine.game()) std::abort();  // a refused game starts nothing
         return 0;
     }
     for (int i = 0; i < 3; ++i) engine.processEvents();
@@ -53,6 +53,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const Value text = std::get<Value>(parsePropertyList(toXmlPropertyList(*again)));
         if (!other.continueGame(text, rules, menu).empty()) std::abort();
     }
-    gameInfo.reset();
     return 0;
 }

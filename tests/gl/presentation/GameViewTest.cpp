@@ -12,7 +12,6 @@
 #include "FileIO.h"
 #include "GlTestWindow.h"
 #include "engine/BoardLayout.h"
-#include "presentation/DrawingGlobals.h"
 
 namespace tolvar::test {
 namespace {
@@ -34,8 +33,6 @@ protected:
         ASSERT_TRUE(openTestWindow(why)) << why;
         makeGame(4, 4, 0);
     }
-    void TearDown() override { gameInfo.reset(); }
-
     // A w x h board of pieces of one shape in four colours; neighbours never share a colour.
     void makeGame(int w, int h, std::uint8_t shape, bool square = true, bool launcher = false) {
         gameInfo = std::make_unique<GameInfo>();
@@ -61,9 +58,16 @@ protected:
     }
     Rgb probe(int x, int y) const { return pixelAt(cellRect(x, y).cx, cellRect(x, y).cy); }
 
-    RecordingHost host;
+    // The window's callbacks, with the fixture's game as the running one.
+    GameView::Window withGame(GameView::Window callbacks) {
+        callbacks.game = [this] { return gameInfo.get(); };
+        return callbacks;
+    }
+
+    std::unique_ptr<GameInfo> gameInfo;
+    StandInHost host;
     CountingWindow window;
-    GameView view{host, window.callbacks()};
+    GameView view{host, withGame(window.callbacks())};
 };
 
 TEST_F(GameViewTest, FrameAndPiecesStandAtTheirComputedPlaces) {
@@ -286,11 +290,11 @@ TEST_F(GameViewTest, SingleCellRedrawsAndFallingPiecesPatchTheBackground) {
 
 TEST_F(GameViewTest, SpikyPiecesTurnAndTheirModelIsReleasedOnce) {
     makeGame(4, 4, 1);
-    const std::int64_t rot = rotValue;
+    const std::int64_t rot = view.rotValue;
     testing::internal::CaptureStdout();
     for (int i = 0; i < 11; ++i) view.drawBoard(*gameInfo);
     testing::internal::GetCapturedStdout();
-    EXPECT_EQ(rotValue, rot + 33) << "3 degrees a frame";
+    EXPECT_EQ(view.rotValue, rot + 33) << "3 degrees a frame";
     // Redraw first?, forget (only mark the slots empty), what is said.
     const std::tuple<bool, int, const char*> steps[] = {
         {false, 0, "Deleting sprite 1\n"}, {false, 0, ""}, {true, 1, ""}, {false, 0, ""}};
@@ -344,13 +348,13 @@ TEST_F(ScoreScreenTest, TimerFramesKeepTheHighlightAndFlyTheModelsOut) {
     const Value scores = scoreList(5);
     view.displayScores(scores, 3);
     for (int i = 0; i < 30; ++i) view.scoresTimerFired(scores);
-    EXPECT_TRUE(host.timerStarts == 1 && window.flushes == 31 && window.displays == 31);
+    EXPECT_TRUE(host.scoresTimerStarts == 1 && window.flushes == 31 && window.displays == 31);
     EXPECT_TRUE(view.currentHighlight() == 3 && rowPixels(3, isHighlight) > 40 && rowPixels(2, isText) > 40);
     EXPECT_EQ(view.scoreModelCount(), 20);
     EXPECT_GT(countPixels(0, 0, 1023, 560, [](const Rgb& p) { return p.r + p.g + p.b > 40; }), 200) << "spread out";
     host.stopScoresTimer();  // the space bar
     view.displayScores(scores, -1);
-    EXPECT_EQ(host.timerStarts, 2);
+    EXPECT_EQ(host.scoresTimerStarts, 2);
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ struct TestWindow {
             }
             SDL_Delay(10);
         }
-        RecordingHost host;
+        StandInHost host;
         GameView(host, GameView::Window{}).initWindowState();
     }
     // SDL stays up: shutting it down would unload the OpenGL library and leave the library's

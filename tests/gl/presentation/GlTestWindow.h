@@ -5,8 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "engine/Host.h"
-#include "core/BestScoresFile.h"
+#include "engine/StandInShell.h"
 #include "presentation/GameView.h"
 
 namespace tolvar::test {
@@ -20,24 +19,6 @@ Rgb pixelAt(int x, int y);  // origin lower left
 int countPixels(int x0, int y0, int x1, int y1, const std::function<bool(const Rgb&)>& test);
 bool near(const Rgb& p, int r, int g, int b, int tolerance);
 bool saveWindowPicture(const std::string& path);  // PNG, top row first
-
-class RecordingHost : public Host {
-public:
-    void runAlert(const std::string&, const std::string&, const std::string&) override {}
-    bool scoresTimerRunning() const override { return timerRunning; }
-    void startScoresTimer(const Value&) override { timerRunning = true, ++timerStarts; }
-    void stopScoresTimer() override { timerRunning = false; }
-    void resetProjection() override {}
-    void scheduleEngineTimers() override {}
-    void showGameWindow() override {}
-    void hideGameWindow() override {}
-    void showMainWindow() override {}
-    void hideMainWindow() override {}
-    ScoreStore& scoreStore() override { return scores; }
-    BestScoresFile scores{"."};
-    bool timerRunning = false;
-    int timerStarts = 0;
-};
 
 struct CountingWindow {
     int flushes = 0, displays = 0;

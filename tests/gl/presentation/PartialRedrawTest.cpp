@@ -11,8 +11,8 @@
 #include "GlTestWindow.h"
 #include "engine/BoardLayout.h"
 #include "engine/Engine.h"
-#include "engine/QuietShell.h"
-#include "presentation/DrawingGlobals.h"
+#include "core/BestScoresFile.h"
+#include "engine/StandInShell.h"
 #include "rules/ActionsMenu.h"
 #include "rules/BuiltinGames.h"
 
@@ -45,18 +45,15 @@ protected:
         ASSERT_NE(view_.bgTexture(), 0u) << "the patches are checked over the real background";
         srandom(11);
     }
-    void TearDown() override {
-        gameInfo.reset();
-        std::filesystem::remove_all(folder_);
-    }
+    void TearDown() override { std::filesystem::remove_all(folder_); }
 
     // The window against a full redraw of the board as it stands (while a board shows).
     void expectWholeFrame(const std::string& step) {
-        if (!gameInfo || !gameInfo->hasBoard() || engine_.gamePaused() != 0) return;
+        if (!engine_.game() || !engine_.game()->hasBoard() || engine_.gamePaused() != 0) return;
         const std::vector<unsigned char> shown = windowPixels();
-        rotValue -= 3;  // the turn of the frame on the screen
+        view_.rotValue -= 3;  // the turn of the frame on the screen
         view_.setNeedsDisplay();
-        view_.drawBoard(*gameInfo);
+        view_.drawBoard(*engine_.game());
         const std::vector<unsigned char> whole = windowPixels();
         std::size_t differ = 0, first = shown.size();
         for (std::size_t i = 0; i < shown.size(); ++i)
@@ -81,7 +78,7 @@ protected:
     }
     // The middle of cell (x, y) in window points.
     std::pair<float, float> centre(int x, int y) const {
-        const BoardLayout L = computeBoardLayout(*gameInfo);
+        const BoardLayout L = computeBoardLayout(*engine_.game());
         return {x * L.w + L.left + L.pw / 2, y * L.h + L.m + L.ph / 2};
     }
     void start(const Play& play) {
@@ -93,7 +90,7 @@ protected:
             d.set("NumColors", Value::integer(play.numColors));
         }
         engine_.startGame(&rules, menu_);
-        ASSERT_TRUE(gameInfo && gameInfo->hasBoard());
+        ASSERT_TRUE(engine_.game() && engine_.game()->hasBoard());
         expectWholeFrame("start");
         tick("the game has started");
     }
@@ -104,9 +101,17 @@ protected:
         return mkdtemp(folder) ? folder : "";
     }
     const std::string folder_ = scratchFolder();
-    QuietHost host_{folder_};
+    // The window's callbacks, with the engine's game and random sequence.
+    GameView::Window engineWindow() {
+        GameView::Window callbacks = window_.callbacks();
+        callbacks.game = [this] { return engine_.game(); };
+        callbacks.random = [this] { return engine_.random().next(); };
+        return callbacks;
+    }
+    BestScoresFile scores_{folder_};
+    StandInHost host_{scores_};
     CountingWindow window_;
-    GameView view_{host_, window_.callbacks()};
+    GameView view_{host_, engineWindow()};
     Engine engine_{view_, host_};
     ActionsMenu menu_;
     int compared_ = 0;
@@ -117,8 +122,8 @@ TEST_P(PartialRedrawTest, EveryTickShowsWhatAFullRedrawShows) {
     start(play);
     for (int move = 0; move < 24 && !HasFailure(); ++move) {
         const std::string step = std::string(play.name) + " move " + std::to_string(move);
-        const int x = static_cast<int>(random() % gameInfo->boardWidth);
-        const int y = static_cast<int>(random() % gameInfo->boardHeight);
+        const int x = static_cast<int>(random() % engine_.game()->boardWidth);
+        const int y = static_cast<int>(random() % engine_.game()->boardHeight);
         const auto [fx, fy] = centre(x, y);
         if (play.gesture == Gesture::ClickAndSpace) {
             input(kEventTypeMouseDown, fx, fy);
@@ -127,7 +132,7 @@ TEST_P(PartialRedrawTest, EveryTickShowsWhatAFullRedrawShows) {
             tick(step + " turning");
             if (move % 3 != 2) key(" ");  // every third selection is dropped by the next click
         } else {
-            const bool across = x + 1 < gameInfo->boardWidth && (random() & 1);
+            const bool across = x + 1 < engine_.game()->boardWidth && (random() & 1);
             const auto [tx, ty] = across ? centre(x + 1, y) : centre(x, y > 0 ? y - 1 : y + 1);
             input(kEventTypeMouseDown, fx, fy);
             input(kEventTypeMouseUp, tx, ty);

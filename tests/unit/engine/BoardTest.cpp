@@ -17,7 +17,7 @@ using namespace testing;
 
 TEST(BoardWindowPointTest, PointsMapToCellsAndLessThanACellOutsideTruncatesToTheEdge) {
     auto game = makeGame(8, 8);  // cells 93.5 wide from (138, 10)
-    Board board(*game);
+    Board board(*game, GameOutput());
     const auto& b = game->board;
     struct Case { float x, y; int cell; };  // cell: x * 8 + y, or -1: none
     const Case cases[] = {{138, 10, 0},    {885.9f, 757.9f, 63}, {88, -40, 0},
@@ -30,7 +30,7 @@ TEST(BoardWindowPointTest, PointsMapToCellsAndLessThanACellOutsideTruncatesToThe
 
 TEST(BoardRegionTest, RegionsFollowColourAndStopAtHolesDiagonalsAndFlaggedPieces) {
     auto game = makeGame(3, 3, {1, 2, 1, 2, 1, 0, 1, 1, 1});  // 121 | 21. | 111
-    Board board(*game);
+    Board board(*game, GameOutput());
     Flags flags = board.makeFlags();
     EXPECT_EQ(board.getRegionColorCountForPiece(game->board[0], flags), 1u);
     flags.clear();
@@ -42,7 +42,7 @@ TEST(BoardRegionTest, RegionsFollowColourAndStopAtHolesDiagonalsAndFlaggedPieces
 
 TEST(BoardRegionTest, OneColourBoardOfMaximumSizeNeedsNoDeepStack) {
     auto game = makeGame(255, 255, std::vector<int>(255 * 255, 3));
-    Board board(*game);
+    Board board(*game, GameOutput());
     Flags flags = board.makeFlags();
     EXPECT_EQ(board.getRegionColorCountForPiece(board.getBoardPieceAtX(0, 0), flags), 65025u);
     flags.clear();
@@ -56,7 +56,7 @@ TEST(BoardRegionTest, OneColourBoardOfMaximumSizeNeedsNoDeepStack) {
 TEST(BoardRunTest, OnlyRunsLongerThanTheLimitAreFlaggedAndAHoleEndsOne) {
     auto game = makeGame(3, 3, std::vector<int>(9, 2));
     game->setupMaxLinearColors = 2;
-    Board board(*game);
+    Board board(*game, GameOutput());
     Flags flags = board.makeFlags();
     EXPECT_EQ(board.getRegionLinearColorCountForPiece(game->board[4], flags), 3u);
     EXPECT_EQ(flags.setNumbers(), (std::vector<std::uint32_t>{2, 4, 5, 6, 8}));  // row and column
@@ -68,7 +68,7 @@ TEST(BoardRunTest, OnlyRunsLongerThanTheLimitAreFlaggedAndAHoleEndsOne) {
     auto row = makeGame(4, 1, {1, 1, 0, 1});  // 1 1 . 1, the hole keeping colour 1
     row->board[2].colorIndex = 1;
     row->setupMaxLinearColors = 2;
-    Board rowBoard(*row);
+    Board rowBoard(*row, GameOutput());
     EXPECT_EQ(rowBoard.getRegionLinearColorCountForPiece(row->board[0], flags), 2u);
     EXPECT_TRUE(flags.setNumbers().empty());
     EXPECT_EQ(rowBoard.getRegionLinearColorCountForPiece(row->board[2], flags), 4u);  // starts one
@@ -89,13 +89,15 @@ std::unique_ptr<GameInfo> freshGame(int w, int h, int colours, int maxLinear = 0
 TEST(BoardSetupTest, NumbersRunDownTheColumnsAndEachCellDrawsColourThenShape) {
     auto game = freshGame(3, 2, 5);
     game->numShapes = 3;
-    RecordingView view;
-    gameRandom().seed(42);
+    StandInHost host;
+    StandInView view{host};
+    RandomSequence random;
+    random.seed(42);
     std::vector<long> want;  // number, place, colour, shape: a braced list draws in order
     for (long n = 0; n < 6; ++n)
-        want.insert(want.end(), {n + 1, n / 2, n % 2, gameRandom().next() % 5 + 1, gameRandom().next() % 3 + 1});
-    gameRandom().seed(42);
-    setupGame(*game, view);
+        want.insert(want.end(), {n + 1, n / 2, n % 2, random.next() % 5 + 1, random.next() % 3 + 1});
+    random.seed(42);
+    setupGame(*game, view, random, GameOutput());
     EXPECT_EQ(view.spriteClears, 1);
     std::vector<long> got;
     for (const BoardPiece& p : game->board)
@@ -106,12 +108,14 @@ TEST(BoardSetupTest, NumbersRunDownTheColumnsAndEachCellDrawsColourThenShape) {
 TEST(BoardSetupTest, RepairLeavesNoLineOfThreeKeepsShapesMatchedAndNeverLoops) {
     auto game = freshGame(8, 8, 8, 2);
     game->colorsMatchShapes = 1;
-    RecordingView view;
+    StandInHost host;
+    StandInView view{host};
+    RandomSequence random;
     for (unsigned seed = 1; seed <= 20; ++seed) {
-        gameRandom().seed(seed);
-        EXPECT_NE(stdoutOf([&] { setupGame(*game, view); }).find("Color count for piece 1 at 0,0"),
+        random.seed(seed);
+        EXPECT_NE(stdoutOf([&] { setupGame(*game, view, random, GameOutput()); }).find("Color count for piece 1 at 0,0"),
                   std::string::npos);
-        Board board(*game);
+        Board board(*game, GameOutput());
         auto colour = [&](int x, int y) { return board.getBoardPieceAtX(x, y).colorIndex; };
         for (int x = 0; x < 8; ++x)
             for (int y = 0; y < 8; ++y) {
@@ -123,25 +127,27 @@ TEST(BoardSetupTest, RepairLeavesNoLineOfThreeKeepsShapesMatchedAndNeverLoops) {
     }
     // With a limit of 1 a piece whose left and lower neighbours differ has no colour that fits.
     auto stuck = freshGame(6, 6, 3, 1);
-    gameRandom().seed(11);
-    EXPECT_NE(stderrOf([&] { setupGame(*stuck, view); }).find("no colour keeps the runs"),
+    random.seed(11);
+    EXPECT_NE(stderrOf([&] { setupGame(*stuck, view, random, GameOutput()); }).find("no colour keeps the runs"),
               std::string::npos);
     EXPECT_EQ(stuck->board.size(), 36u);
 }
 
 TEST(BoardSetupTest, NoLimitCountsNothingAndNoFillGivesEmptyCells) {
     auto game = freshGame(3, 4, 2);
-    RecordingView view;
-    EXPECT_EQ(stdoutOf([&] { setupGame(*game, view); }), "");
+    StandInHost host;
+    StandInView view{host};
+    RandomSequence random;
+    EXPECT_EQ(stdoutOf([&] { setupGame(*game, view, random, GameOutput()); }), "");
     game->setupRandomFill = 0;
     game->board.clear();
-    const long before = (gameRandom().seed(5), gameRandom().next());
-    gameRandom().seed(5);
-    setupGame(*game, view);
-    EXPECT_EQ(gameRandom().next(), before);  // nothing was drawn
+    const long before = (random.seed(5), random.next());
+    random.seed(5);
+    setupGame(*game, view, random, GameOutput());
+    EXPECT_EQ(random.next(), before);  // nothing was drawn
     EXPECT_EQ(boardPicture(*game), "....|....|....");
     EXPECT_EQ(std::pair(game->board[7].x, game->board[7].y), std::pair(1u, 3u));
-    EXPECT_EQ(stdoutOf([&] { printBoardColors(*makeGame(2, 3, {1, 2, 3, 4, 0, 1})); }),
+    EXPECT_EQ(stdoutOf([&] { printBoardColors(*makeGame(2, 3, {1, 2, 3, 4, 0, 1}), GameOutput()); }),
               "123\n401\n\n");
 }
 
@@ -180,6 +186,7 @@ TEST_F(BoardActionsTest, CollapseExamples) {
         SCOPED_TRACE(c.after);
         GameInfo& game = installGame(c.w, c.h, c.colours);
         view.moves.clear();
+        view.recordMoves = true;
         (actions.*c.collapse)(c.direction);
         EXPECT_EQ(boardPicture(game), c.after);
         for (std::size_t n = 0; n < game.board.size(); ++n) {
@@ -236,7 +243,7 @@ TEST_F(BoardActionsTest, RefillHandsOutSmallestFreeNumbersInScanOrder) {
     game.numColors = 8;
     game.board[0].pieceID = game.board[5].pieceID = game.board[23].pieceID = 0;
     game.board[23].selected = 1;
-    gameRandom().seed(9);
+    ctx.random.seed(9);
     actions.performActionFillSpacesRandomly();
     for (std::uint32_t n = 0; n < 24; ++n) EXPECT_EQ(game.board[n].pieceID, n + 1);
     EXPECT_EQ(game.board[23].selected, 0);

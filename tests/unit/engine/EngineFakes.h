@@ -1,4 +1,4 @@
-// A view and a host that record what the engine asks, a fixture, and hand-built games.
+// A fixture for the parts of the engine, best scores in a scratch file, and hand-built games.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,66 +10,36 @@
 #include <functional>
 
 #include "engine/EngineContext.h"
-#include "engine/Host.h"
-#include "engine/View.h"
+#include "engine/StandInShell.h"
 #include "core/BestScoresFile.h"
 
 namespace tolvar::testing {
 
-struct RecordingView : View {
-    void drawBoard(const GameInfo&) override {
-        ++draws;
-        if (onDraw) onDraw();
-    }
-    void animatePiece(const GameInfo&, const BoardPiece& p, std::uint32_t x, std::uint32_t y, std::uint32_t toX,
-                      std::uint32_t toY) override {  // "piece: from -> to"
-        auto text = [](auto... n) { return ((std::to_string(n) + " ") + ...); };
-        moves.push_back(text(p.pieceID) + "from " + text(x, y) + "to " + text(toX, toY));
-    }
-    void displayScores(const Value&, int) override {}
-    void clearPieceSprites(int) override { ++spriteClears; }
-    void pauseForFlash() override { flashFrames += motionShown; }
-    void showMotion(bool shown) override { motionShown = shown; }
-    int draws = 0, flashFrames = 0, spriteClears = 0;
-    bool motionShown = true;
-    std::function<void()> onDraw;  // called at every frame
-    std::vector<std::string> moves;
-};
-
-struct RecordingHost : Host {
+// Best scores in a file of a fresh folder, removed afterwards, for tests of the file itself.
+struct ScratchScores {
     static std::filesystem::path freshFolder() {
         static std::atomic<int> counter{0};
         return std::filesystem::temp_directory_path() /
                ("tolvar-engine-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
     }
-    RecordingHost() { std::filesystem::create_directories(folder); }
-    ~RecordingHost() override { std::error_code ec; std::filesystem::remove_all(folder, ec); }
-    void runAlert(const std::string& t, const std::string& m, const std::string& b) override {
-        alerts.push_back(t + "|" + m + "|" + b);
-    }
-    bool scoresTimerRunning() const override { return scoresTimer; }
-    void startScoresTimer(const Value&) override { scoresTimer = true; }
-    void stopScoresTimer() override { scoresTimer = false; }
-    void resetProjection() override { ++projectionResets; }
-    void showGameWindow() override { gameWindowShown = true; }
-    void hideGameWindow() override { gameWindowShown = false; }
-    void showMainWindow() override { mainWindowShown = true; }
-    void hideMainWindow() override { mainWindowShown = false; }
-    void scheduleEngineTimers() override { ++timerSchedules; }
-    ScoreStore& scoreStore() override { return scores; }
+    ScratchScores() { std::filesystem::create_directories(folder); }
+    ~ScratchScores() { std::error_code ec; std::filesystem::remove_all(folder, ec); }
+    ScratchScores(const ScratchScores&) = delete;
+    ScratchScores& operator=(const ScratchScores&) = delete;
+    std::string path() const { return (folder / "BestScores.dict").string(); }
 
-    std::vector<std::string> alerts;  // title|message|button
-    bool scoresTimer = false, gameWindowShown = false, mainWindowShown = true;
-    int projectionResets = 0, timerSchedules = 0;
-    std::filesystem::path folder = freshFolder();  // removed afterwards
-    BestScoresFile scores{folder.string()};
+    std::filesystem::path folder = freshFolder();
+    BestScoresFile file{folder.string()};
 };
 
+// The parts of the engine on a hand-built game (installGame); best scores in a scratch file.
 struct EngineFixture : ::testing::Test {
-    void TearDown() override { gameInfo.reset(); }  // no game left behind
-    RecordingView view;
-    RecordingHost host;
+    GameInfo& installGame(int w, int h, const std::vector<int>& colours = {});
+    ScratchScores scores;
+    StandInHost host{scores.file};
+    StandInView view{host};
     EngineContext ctx{view, host};
+    std::unique_ptr<GameInfo>& gameInfo = ctx.gameInfo;
 };
 
 inline std::string stdoutOf(const std::function<void()>& f) {
@@ -103,7 +73,7 @@ inline std::unique_ptr<GameInfo> makeGame(int w, int h, const std::vector<int>& 
     return game;
 }
 
-inline GameInfo& installGame(int w, int h, const std::vector<int>& colours = {}) {
+inline GameInfo& EngineFixture::installGame(int w, int h, const std::vector<int>& colours) {
     return *(gameInfo = makeGame(w, h, colours));
 }
 

@@ -218,29 +218,29 @@ TEST_F(UserInputTest, DragSwapsNeighboursOfDifferentColoursOnly) {
 }
 
 struct EngineTest : ::testing::Test {
-    void TearDown() override { gameInfo.reset(); }
     void start(const Value& rules) { stdoutOf([&] { engine.startGame(&rules, menu); }); }
-    RecordingView view;
-    RecordingHost host;
+    const GameInfo* game() const { return engine.game(); }
+    StandInHost host;
+    StandInView view{host};
     Engine engine{view, host};
     ActionsMenu menu;
 };
 
 TEST_F(EngineTest, StartBuildsTheBoardTheFirstTickStartsAndNoGameOnlyDiscards) {
     start(createTestGameOne());
-    ASSERT_TRUE(gameInfo && gameInfo->board.size() == 64u);
+    ASSERT_TRUE(game() && game()->board.size() == 64u);
     EXPECT_EQ(engine.gamePaused(), 0);
     EXPECT_TRUE(host.gameWindowShown && !host.mainWindowShown);
     EXPECT_EQ(stdoutOf([&] { engine.processEvents(); }),
               "processing event 1\naction 2\naction 1\n");
     host.scoresTimer = true;
     start(createTestGameTwo());
-    EXPECT_EQ(gameInfo->board.size(), 144u);
+    EXPECT_EQ(game()->board.size(), 144u);
     EXPECT_EQ(engine.gameStarted(), 1);
     EXPECT_FALSE(host.scoresTimer);
     EXPECT_EQ(host.timerSchedules, 1);  // scheduled once per run
     engine.startGame(nullptr, menu);
-    EXPECT_TRUE(!gameInfo && !engine.downPiece());  // no game: the old one is only discarded
+    EXPECT_TRUE(!game() && !engine.downPiece());  // no game: the old one is only discarded
     EXPECT_EQ(stdoutOf([&] { engine.processEvents(), engine.checkUserEvents(); }), "");
 }
 
@@ -262,14 +262,14 @@ TEST_F(EngineTest, UnplayableRulesAreRefusedWithTheirKeyAndValue) {
         start(createTestGameOne());
         host.alerts.clear();
         start(with(createTestGameThree(), key, value));
-        EXPECT_EQ(gameInfo, nullptr);
+        EXPECT_EQ(game(), nullptr);
         const std::string alert = " |The game \"Glimmet\" cannot be played: " + std::string(says);
         EXPECT_EQ(host.alerts, std::vector<std::string>{alert + ".|OK"});
         EXPECT_EQ(stdoutOf([&] { engine.processEvents(); }), "");
     }
     host.alerts.clear();
     start(with(createTestGameTwo(), "NumColors", 1));  // playable without a run limit
-    EXPECT_TRUE(host.alerts.empty() && gameInfo);
+    EXPECT_TRUE(host.alerts.empty() && game());
 }
 
 TEST(BestScoreIndexTest, InsertionCases) {
@@ -297,7 +297,7 @@ TEST(BestScoreIndexTest, InsertionCases) {
             table.push_back(Value::dictionary(std::move(d)));
         }
         int place = -2;
-        auto find = [&, s = score, l = lower] { place = bestScoreInsertionIndex(table, s, l); };
+        auto find = [&, s = score, l = lower] { place = bestScoreInsertionIndex(table, s, l, GameOutput()); };
         EXPECT_EQ(stdoutOf(find), says);
         EXPECT_EQ(place, at) << score << (lower ? " lower" : " higher");
     }
@@ -306,7 +306,7 @@ TEST(BestScoreIndexTest, InsertionCases) {
 TEST_F(EngineFixture, ABestScoreThatCannotBeSavedIsShownAndTheAlertAndStandardErrorSayWhy) {
     installGame(2, 2).gameName = "Vexamor";
     gameInfo->score = 30;
-    const std::string path = (host.folder / "BestScores.dict").string();
+    const std::string path = scores.path();
     std::string err;
     {
         ScopedWriteFailure full(100, ENOSPC);
@@ -325,7 +325,7 @@ TEST_F(EngineFixture, ABestScoreThatCannotBeSavedIsShownAndTheAlertAndStandardEr
 
 // A table put out of order by hand is sorted before the new score is placed, in either order.
 TEST_F(EngineFixture, ATamperedTableIsSortedBeforeTheScoreIsPlaced) {
-    const std::string path = (host.folder / "BestScores.dict").string();
+    const std::string path = scores.path();
     for (const bool lower : {true, false}) {
         Array table;
         for (const std::int64_t score : {50, 10, 90, 30}) {
@@ -355,12 +355,14 @@ TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
     Dictionary wrongKind;
     wrongKind.set("Vexamor", Value::string("not a list"));
     for (int pipe = 0; pipe < 2; ++pipe) {  // a pipe would block whoever opens it
-        RecordingView view;
-        RecordingHost host;
+        ScratchScores scratch;
+        StandInHost host{scratch.file};
+        StandInView view{host};
         EngineContext ctx{view, host};
-        installGame(2, 2).gameName = "Vexamor";
-        gameInfo->score = 30;
-        const std::string path = (host.folder / "BestScores.dict").string();
+        ctx.gameInfo = makeGame(2, 2);
+        ctx.gameInfo->gameName = "Vexamor";
+        ctx.gameInfo->score = 30;
+        const std::string path = scratch.path();
         ASSERT_TRUE(pipe ? mkfifo(path.c_str(), 0600) == 0
                          : !writePropertyListFile(path, Value::dictionary(wrongKind)));
         GameAction action;
@@ -374,7 +376,6 @@ TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
         const Value* scores = std::get<Value>(read).asDictionary()->find("Vexamor");
         ASSERT_TRUE(scores && scores->asArray() && scores->asArray()->size() == 1);
         EXPECT_EQ(*scores->asArray()->front().asDictionary()->find("Score")->asInteger(), 30);
-        gameInfo.reset();
     }
 }
 

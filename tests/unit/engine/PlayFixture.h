@@ -6,7 +6,6 @@
 #include "engine/BoardLayout.h"
 #include "engine/BoardSetup.h"
 #include "engine/Engine.h"
-#include "engine/RandomSequence.h"
 #include "rules/BuiltinGames.h"
 
 namespace tolvar::testing {
@@ -19,18 +18,17 @@ inline Value with(const Value& rules, std::initializer_list<std::pair<const char
 
 // A game started, its first tick run, and its colours set column by column, bottom to top.
 struct PlayerAidsTest : ::testing::Test {
-    void TearDown() override { gameInfo.reset(); }
     void start(const Value& game, const std::vector<int>& colours) {
         rules = game;
-        gameRandom().seed(5);
+        engine.random().seed(5);
         stdoutOf([&] { engine.startGame(&rules, menu), engine.processEvents(); });
         for (std::size_t n = 0; n < colours.size(); ++n) {
-            gameInfo->board[n].colorIndex = static_cast<std::uint8_t>(colours[n]);
-            setPieceColor(*gameInfo, gameInfo->board[n]);
+            running().board[n].colorIndex = static_cast<std::uint8_t>(colours[n]);
+            setPieceColor(running(), running().board[n]);
         }
     }
     CurrentEvent at(std::int64_t type, BoardCell cell) const {
-        const BoardLayout l = computeBoardLayout(*gameInfo);
+        const BoardLayout l = computeBoardLayout(running());
         CurrentEvent e;
         e.type = type;
         e.x = l.left + (static_cast<float>(cell.column) + 0.5f) * l.w;
@@ -55,10 +53,17 @@ struct PlayerAidsTest : ::testing::Test {
         return out;
     }
     std::string tick() { return stdoutOf([&] { engine.processEvents(); }); }
-    std::string picture() const { return boardPicture(*gameInfo) + " sel " + std::to_string(selectedCount(*gameInfo)); }
+    // The running game of the fixture's engine (a game was started).
+    GameInfo& running() { return *engine.game(); }
+    const GameInfo& running() const { return *engine.game(); }
+    // The board of from's game, and how many of its pieces are selected.
+    static std::string picture(const Engine& from) {
+        return boardPicture(*from.game()) + " sel " + std::to_string(selectedCount(*from.game()));
+    }
+    std::string picture() const { return picture(engine); }
 
-    RecordingView view;
-    RecordingHost host;
+    StandInHost host;
+    StandInView view{host};
     Engine engine{view, host};
     ActionsMenu menu;
     Value rules;

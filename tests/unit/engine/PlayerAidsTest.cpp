@@ -38,7 +38,7 @@ TEST_F(PlayerAidsTest, AClickIsOneMoveAndOnlyChangesCount) {
         EXPECT_EQ(picture(), want);
     }
     EXPECT_FALSE(engine.undo());
-    EXPECT_EQ(gameInfo->score, 0u);
+    EXPECT_EQ(running().score, 0u);
 
     // Redo plays the moves again: the removal's event is pending again and prints the same.
     EXPECT_TRUE(engine.redo());
@@ -68,7 +68,7 @@ TEST_F(PlayerAidsTest, NewBoardsAndTheEndOfAGameForgetTheMoves) {
         ASSERT_TRUE(engine.canUndo());
         forget(*this);
         EXPECT_FALSE(engine.canUndo());
-        EXPECT_EQ(selectedCount(*gameInfo), 0);
+        EXPECT_EQ(selectedCount(running()), 0);
     }
     // One region of two: removing it ends the game; no undo past the best-score check.
     start(with(createTestGameOne(), {{"BoardWidth", 2}, {"BoardHeight", 1}}), {2, 2});
@@ -97,7 +97,7 @@ TEST_F(PlayerAidsTest, AGameLeftForTheMainWindowIsShownAgainAsItWas) {
 
 TEST_F(PlayerAidsTest, OnAHugeBoardTheOldestMovesGoFirst) {
     start(with(createTestGameOne(), {{"BoardWidth", 255}, {"BoardHeight", 255}}), {});
-    const std::size_t kept = MoveHistory::kCellsKept / gameInfo->board.size();
+    const std::size_t kept = MoveHistory::kCellsKept / running().board.size();
     const BoardCell cell = engine.hint().front();
     for (std::size_t i = 0; i < kept + 3; ++i) click(cell, cell);  // selects and deselects
     std::size_t undone = 0;
@@ -145,7 +145,7 @@ TEST_F(PlayerAidsTest, HintsComeFromTheEndTestsSearchAndChangeNothing) {
         game->setupMaxLinearColors = static_cast<std::uint8_t>(c.lineLimit);
         addUserEvent(*game, 1, c.userEventType).minimumPieces = 2;
         const std::vector<BoardPiece> before = game->board;
-        EXPECT_EQ(findHint(*game), c.hint);
+        EXPECT_EQ(findHint(*game, GameOutput()), c.hint);
         EXPECT_EQ(game->board, before);
     }
     start(smallVexamor(), kSmall);
@@ -167,7 +167,7 @@ TEST_F(PlayerAidsTest, TheCursorMovesOnTheBoardAndEnterClicksItsCell) {
         key(arrow);
         EXPECT_EQ(engine.cursor(), cell) << static_cast<int>(arrow);
     }
-    EXPECT_EQ(selectedCount(*gameInfo), 0) << "keys that are not the rules' change nothing";
+    EXPECT_EQ(selectedCount(running()), 0) << "keys that are not the rules' change nothing";
     key(kCharacterReturn);
     EXPECT_EQ(picture(), "12|12|33 sel 2") << "Enter selects like a click";
     EXPECT_TRUE(engine.undo());
