@@ -19,13 +19,11 @@ Flags Board::makeFlags() const {
     return Flags(static_cast<std::size_t>(game_.boardWidth) * game_.boardHeight + 1);
 }
 
-BoardPiece& Board::getBoardPieceAtX(int x, int y) const {
-    BoardPiece& piece = game_.board[static_cast<std::size_t>(x) * game_.boardHeight + y];
+void Board::reportMismatch(int x, int y, const BoardPiece& piece) const {
     if (piece.x != static_cast<std::uint32_t>(x))
         out_.print("Mismatch on X.  %d != %d\n", x, static_cast<int>(piece.x));
     if (piece.y != static_cast<std::uint32_t>(y))
         out_.print("Mismatch on Y.  %d != %d\n", y, static_cast<int>(piece.y));
-    return piece;
 }
 
 BoardPiece* Board::getPieceByID(std::uint32_t pieceID) const {
@@ -90,20 +88,31 @@ void Board::walkRegion(BoardPiece& start, Flags& flags, bool mark, std::uint8_t 
         int count;
         int at;
     };
-    std::vector<Frame> stack;
+    // The stack: its first frames in place (most regions are small, so most walks allocate
+    // nothing), any deeper ones in `deeper`.
+    constexpr std::size_t kFramesInPlace = 64;
+    std::array<Frame, kFramesInPlace> inPlace;
+    std::size_t depthInPlace = 0;
+    std::vector<Frame> deeper;
     auto enter = [&](BoardPiece& piece) {
         flags.set(piece.pieceID);
         if (mark) piece.selected = selectedValue;
         if (count) ++*count;
         Frame frame{&piece, {}, 0, 0};
         frame.count = neighbours(game_, piece, frame.next);
-        stack.push_back(frame);
+        if (depthInPlace < kFramesInPlace)
+            inPlace[depthInPlace++] = frame;
+        else
+            deeper.push_back(frame);
     };
     enter(start);
-    while (!stack.empty()) {
-        Frame& top = stack.back();
+    while (depthInPlace > 0) {
+        Frame& top = deeper.empty() ? inPlace[depthInPlace - 1] : deeper.back();
         if (top.at == top.count) {
-            stack.pop_back();
+            if (deeper.empty())
+                --depthInPlace;
+            else
+                deeper.pop_back();
             continue;
         }
         BoardPiece& neighbour = game_.board[top.next[top.at++]];

@@ -30,7 +30,12 @@ public:
 
     // The cell at column x, row y (0 <= x < boardWidth, 0 <= y < boardHeight). Reports a record
     // whose position disagrees with its cell.
-    BoardPiece& getBoardPieceAtX(int x, int y) const;
+    BoardPiece& getBoardPieceAtX(int x, int y) const {
+        BoardPiece& piece = game_.board[static_cast<std::size_t>(x) * game_.boardHeight + y];
+        if (piece.x != static_cast<std::uint32_t>(x) || piece.y != static_cast<std::uint32_t>(y)) [[unlikely]]
+            reportMismatch(x, y, piece);
+        return piece;
+    }
     // The first cell holding that piece number (0 finds the first empty cell), or nullptr.
     BoardPiece* getPieceByID(std::uint32_t pieceID) const;
     // The cell under a window point (origin lower left), or nullptr outside the board.
@@ -61,6 +66,8 @@ public:
     GameInfo& game() const { return game_; }
 
 private:
+    // "Mismatch on X." / "on Y." for a record whose position disagrees with its cell.
+    void reportMismatch(int x, int y, const BoardPiece& piece) const;
     void walkRegion(BoardPiece& start, Flags& flags, bool mark, std::uint8_t selectedValue,
                     std::uint32_t* count) const;
 

@@ -22,6 +22,19 @@ bool GameSnapshot::sameGameAs(const GameSnapshot& other) const {
            pending == other.pending;
 }
 
+bool GameSnapshot::sameGameAs(const EngineContext& ctx) const {
+    const GameInfo& game = ctx.game();
+    if (game.board != board || game.score != score || game.scoreMultiplier != scoreMultiplier) return false;
+    auto value = variables.begin();
+    for (const GameVariable* v = game.variables.get(); v; v = v->next.get(), ++value)
+        if (value == variables.end() || *value != v->variableValue) return false;
+    if (value != variables.end()) return false;
+    auto entry = pending.begin();
+    for (const SupportedEvent* e = game.eventQueue.get(); e; e = e->next.get(), ++entry)
+        if (entry == pending.end() || *entry != PendingEvent{e->eventID, e->eventType, e->actions}) return false;
+    return entry == pending.end();
+}
+
 GameSnapshot takeSnapshot(const EngineContext& ctx) {
     const GameInfo& game = ctx.game();
     GameSnapshot s;

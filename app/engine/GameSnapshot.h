@@ -38,6 +38,8 @@ struct GameSnapshot {
     // Whether the player would see the same game: board, selection, score, multiplier,
     // variables and pending events agree.
     bool sameGameAs(const GameSnapshot& other) const;
+    // The same for the game running in ctx as it stands, without copying it.
+    bool sameGameAs(const EngineContext& ctx) const;
 };
 
 // The running game's snapshot (ctx must have a game).

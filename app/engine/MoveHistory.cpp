@@ -12,7 +12,7 @@ void MoveHistory::afterInput(const EngineContext& ctx, const PlayerInput& input,
     if (!input.fromMenu && input.event.type == kEventTypeMouseDown) return;
     Move move = std::move(*open_);
     open_.reset();
-    if (takeSnapshot(ctx).sameGameAs(move.before)) return;
+    if (move.before.sameGameAs(ctx)) return;
     if (!redoing) {
         for (const Move& m : undone_) cellsKept_ -= m.before.board.size();
         undone_.clear();
