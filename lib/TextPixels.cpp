@@ -8,6 +8,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <mutex>
 
 namespace tolvar::text {
 namespace {
@@ -52,8 +53,11 @@ std::string matchFamily(const char* family) {
 }  // namespace
 
 std::string fontFileFor(const std::string& family) {
-    // Resolving a family walks fontconfig's configuration; remember what each name gave.
+    // Resolving a family walks fontconfig's configuration; the system's answer for each name is
+    // remembered for the whole process, by whichever thread asks.
+    static std::mutex guard;
     static std::map<std::string, std::string> resolved;
+    const std::lock_guard<std::mutex> lock(guard);
     const auto found = resolved.find(family);
     if (found != resolved.end()) return found->second;
     std::string file = matchFamily(family.c_str());

@@ -66,24 +66,6 @@ std::string openPanelWithZenity() {
     return chosen;
 }
 
-TextureAlertHook& alertHook() {
-    static TextureAlertHook hook;
-    return hook;
-}
-TextureOpenPanelHook& openPanelHook() {
-    static TextureOpenPanelHook hook;
-    return hook;
-}
-
-void alert(const std::string& message) {
-    if (alertHook())
-        alertHook()("Alert", message, "OK");
-    else
-        std::fprintf(stderr, "%s\n", message.c_str());
-}
-
-std::string runOpenPanel() { return openPanelHook() ? openPanelHook()() : openPanelWithZenity(); }
-
 // "Please locate resource = " and the name, cut so that the whole fits the message buffer
 // without splitting a UTF-8 character.
 std::string locateMessage(const char* name) {
@@ -116,14 +98,13 @@ std::string findNamedImage(const char* name) {
     return {};
 }
 
-// Whether a TextureFromResource call is under way.
-int locked = 0;
-
-struct LockGuard {
-    LockGuard() { locked = 1; }
-    ~LockGuard() { locked = 0; }
-    LockGuard(const LockGuard&) = delete;
-    LockGuard& operator=(const LockGuard&) = delete;
+// Raises a flag for as long as it lives.
+struct FlagGuard {
+    explicit FlagGuard(bool& flag) : flag_(flag) { flag_ = true; }
+    ~FlagGuard() { flag_ = false; }
+    FlagGuard(const FlagGuard&) = delete;
+    FlagGuard& operator=(const FlagGuard&) = delete;
+    bool& flag_;
 };
 
 std::uint8_t channelByte(float value) {
@@ -139,8 +120,16 @@ bool loadImageFile(const char* path, Image& image) {
     return false;
 }
 
-void setTextureAlertHook(TextureAlertHook hook) { alertHook() = std::move(hook); }
-void setTextureOpenPanelHook(TextureOpenPanelHook hook) { openPanelHook() = std::move(hook); }
+void ResourceTextures::alert(const std::string& message) const {
+    if (panels_.alert)
+        panels_.alert("Alert", message, "OK");
+    else
+        std::fprintf(stderr, "%s\n", message.c_str());
+}
+
+std::string ResourceTextures::runOpenPanel() const {
+    return panels_.openPanel ? panels_.openPanel() : openPanelWithZenity();
+}
 
 std::uint32_t truncPowerOf2(std::uint32_t n) {
     std::uint32_t shifts = 0;
@@ -192,11 +181,11 @@ void TextureFromNSImage(const Image& image, std::uint32_t* textureName, int* tex
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
 }
 
-void TextureFromResource(const char* name, std::uint32_t* textureName, int* textureWidth,
-                         int* textureHeight) {
+void ResourceTextures::TextureFromResource(const char* name, std::uint32_t* textureName, int* textureWidth,
+                                          int* textureHeight) {
     // Drawing that runs while the panels below are up must not start a second search.
-    if (locked == 1) return;
-    LockGuard guard;
+    if (searching_) return;
+    FlagGuard guard(searching_);
     if (textureName == nullptr) return;
     if (name == nullptr) name = "";
 

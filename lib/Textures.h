@@ -21,24 +21,39 @@ struct Image {
 // keep their own depth (8 bits per pixel, 16 for 16-bit grey, fewer for small palettes).
 bool loadImageFile(const char* path, Image& image);
 
-// The panels TextureFromResource shows the player. The alert is modal with one button; the open
-// panel returns the chosen file, or an empty string when the player cancels. By default the alert
-// goes to standard error and the open panel is zenity's file selection (no zenity: cancelled).
-// Setting an empty function restores the default.
+// The panels a search for a named image shows the player. The alert is modal with one button;
+// the open panel returns the chosen file, or an empty string when the player cancels. An empty
+// function stands for the default: the alert goes to standard error, and the open panel is
+// zenity's file selection (no zenity: cancelled).
 using TextureAlertHook =
     std::function<void(const std::string& title, const std::string& message, const std::string& button)>;
 using TextureOpenPanelHook = std::function<std::string()>;
-void setTextureAlertHook(TextureAlertHook hook);
-void setTextureOpenPanelHook(TextureOpenPanelHook hook);
+struct ResourcePanels {
+    TextureAlertHook alert;
+    TextureOpenPanelHook openPanel;
+};
 
 // The image route: the largest power-of-two block at the image's lower-left corner, rows turned
 // bottom-up. 24-bit RGB and 32-bit RGBA only; other depths change nothing.
 void TextureFromNSImage(const Image& image, std::uint32_t* textureName, int* textureWidth,
                         int* textureHeight);
 std::uint32_t truncPowerOf2(std::uint32_t n);
-// A named image with recovery: asks the player to locate a missing one, else a substitute.
-void TextureFromResource(const char* name, std::uint32_t* textureName, int* textureWidth,
-                         int* textureHeight);
+// Named images with recovery, showing the panels given.
+class ResourceTextures {
+public:
+    explicit ResourceTextures(ResourcePanels panels = {}) : panels_(std::move(panels)) {}
+    // A named image: asks the player to locate a missing one, else a substitute. A call made
+    // while one is under way (from drawing that runs while its panels are up) does nothing.
+    void TextureFromResource(const char* name, std::uint32_t* textureName, int* textureWidth,
+                             int* textureHeight);
+
+private:
+    void alert(const std::string& message) const;
+    std::string runOpenPanel() const;
+
+    ResourcePanels panels_;
+    bool searching_ = false;
+};
 void StringToTexture(const char* text, const char* fontName, std::int32_t fontSize,
                      std::uint32_t* textureName, std::uint32_t width, std::uint32_t height,
                      float red, float green, float blue);

@@ -37,7 +37,6 @@ std::string interfaceFontFile() {
 TolvarAppDelegate::TolvarAppDelegate() : timers_(monotonicSeconds) {}
 
 TolvarAppDelegate::~TolvarAppDelegate() {
-    setTextureAlertHook({});
     // The engine draws through the view; the view's textures and sprites belong to the game
     // window's context, which must be current while they go.
     engine_.reset();
@@ -82,10 +81,6 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     engine_ = std::make_unique<Engine>(*recorder_, *this);
     engine_->random().seed(seed);
 
-    // A texture that asks the player something asks in the main window.
-    setTextureAlertHook([this](const std::string& title, const std::string& message, const std::string& button) {
-        runAlert(title, message, button);
-    });
     // 3. The piece sprites: every slot empty.
     view_->clearPieceSprites(1);
     // 4. The game menu, from a file that is looked at again each second.

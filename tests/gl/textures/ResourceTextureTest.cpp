@@ -7,19 +7,8 @@ using namespace texturetest;
 // Records the panels instead of showing them; the open panel answers with `chosen`.
 class NamedImage : public testing::Test {
 protected:
-    void SetUp() override {
-        setTextureAlertHook([this](const std::string& title, const std::string& message, const std::string& button) {
-            alerts.push_back(title + "|" + message + "|" + button);
-            if (duringAlert) duringAlert();
-        });
-        setTextureOpenPanelHook([this] { return ++panels, chosen; });
-    }
-    void TearDown() override {
-        setTextureAlertHook({});
-        setTextureOpenPanelHook({});
-        glDeleteTextures(1, &texture);
-    }
-    void load(const std::string& name) { TextureFromResource(name.c_str(), &texture, &width, &height); }
+    void TearDown() override { glDeleteTextures(1, &texture); }
+    void load(const std::string& name) { textures.TextureFromResource(name.c_str(), &texture, &width, &height); }
 
     std::vector<std::string> alerts;
     std::function<void()> duringAlert;
@@ -28,6 +17,12 @@ protected:
     std::uint32_t texture = 0;
     const std::string kLocate = "Alert|Please locate resource = NoSuchPicture|OK";
     const std::string kSubstitute = "Alert|Warning: Substituting a different texture.  This may affect results.|OK";
+    ResourceTextures textures{ResourcePanels{
+        [this](const std::string& title, const std::string& message, const std::string& button) {
+            alerts.push_back(title + "|" + message + "|" + button);
+            if (duringAlert) duringAlert();
+        },
+        [this] { return ++panels, chosen; }}};
 };
 
 TEST_F(NamedImage, FoundAmongTheResourcesWithoutAsking) {
@@ -78,7 +73,7 @@ TEST_F(NamedImage, LocatedByThePlayerElseTheSubstituteKeepingTheSizes) {
 TEST_F(NamedImage, CallDuringTheFirstReturnsAtOnce) {
     std::uint32_t inner = 99;
     int innerWidth = 7, innerHeight = 8, calls = 0;
-    duringAlert = [&] { calls++ ? void() : TextureFromResource("Other", &inner, &innerWidth, &innerHeight); };
+    duringAlert = [&] { calls++ ? void() : textures.TextureFromResource("Other", &inner, &innerWidth, &innerHeight); };
     load("NoSuchPicture");
     // Only the first call's two alerts and one panel; the inner call changed nothing.
     EXPECT_EQ(alerts, (std::vector<std::string>{kLocate, kSubstitute}));
