@@ -90,7 +90,8 @@ protected:
             d.set("NumColors", Value::integer(play.numColors));
         }
         engine_.startGame(&rules, menu_);
-        ASSERT_TRUE(engine_.game() && engine_.game()->hasBoard());
+        ASSERT_NE(engine_.game(), nullptr);
+        ASSERT_TRUE(engine_.game()->hasBoard());
         expectWholeFrame("start");
         tick("the game has started");
     }

@@ -50,9 +50,15 @@ TEST(GameTexts, ScoreEntriesReadScoreAndDateOrFallBack) {
     EXPECT_EQ(scoreEntryCount(list), 3u);
     EXPECT_EQ(scoreEntryCount(Value::string("no list")), 0u);
     const ScoreEntry e[] = {scoreEntryAt(list, 0), scoreEntryAt(list, 1), scoreEntryAt(list, 2), scoreEntryAt(list, 3)};
-    EXPECT_TRUE(e[0].score == 9 && e[0].date && e[0].date->unixTime() == 0.0);  // the low 32 bits
-    EXPECT_TRUE(e[1].score == 0 && !e[1].date && e[3].score == 0 && !e[3].date);  // not a dictionary, past the end
-    EXPECT_TRUE(e[2].score == 17 && !e[2].date);                                   // a text score, a text date
+    EXPECT_EQ(e[0].score, 9);  // the low 32 bits
+    ASSERT_TRUE(e[0].date);
+    EXPECT_EQ(e[0].date->unixTime(), 0.0);
+    EXPECT_EQ(e[1].score, 0);  // not a dictionary
+    EXPECT_FALSE(e[1].date);
+    EXPECT_EQ(e[3].score, 0);  // past the end
+    EXPECT_FALSE(e[3].date);
+    EXPECT_EQ(e[2].score, 17);  // a text score, a text date
+    EXPECT_FALSE(e[2].date);
 }
 
 }  // namespace

@@ -247,7 +247,10 @@ TEST_F(BoardActionsTest, RefillHandsOutSmallestFreeNumbersInScanOrder) {
     actions.performActionFillSpacesRandomly();
     for (std::uint32_t n = 0; n < 24; ++n) EXPECT_EQ(game.board[n].pieceID, n + 1);
     EXPECT_EQ(game.board[23].selected, 0);
-    for (const BoardPiece& p : game.board) EXPECT_TRUE(p.colorIndex >= 1 && p.colorIndex <= 8);
+    for (const BoardPiece& p : game.board) {
+        EXPECT_GE(p.colorIndex, 1);
+        EXPECT_LE(p.colorIndex, 8);
+    }
     game.board[0].pieceID = game.board[9].pieceID = 0;  // numbers free at the time: 1 is taken
     game.board[1].pieceID = 1;
     actions.performActionFillSpacesRandomly();

@@ -76,14 +76,18 @@ TEST_F(DispatcherTest, OnlyAnUnbrokenChainOfEventsPastTheBoundStopsTheGame) {
     hiddenDraws = 0;
     chainOf(RunawayGuard::kShownChainedEvents);
     EXPECT_EQ(hiddenDraws, 0);
-    EXPECT_TRUE(host.alerts.empty() && ctx.gamePaused == 0 && !gameInfo->eventQueue);
+    EXPECT_TRUE(host.alerts.empty());
+    EXPECT_EQ(ctx.gamePaused, 0);
+    EXPECT_EQ(gameInfo->eventQueue, nullptr);
     const std::string out = chainOf(kBound + 5);
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), static_cast<long>(2 * kBound + 1));
     EXPECT_TRUE(out.ends_with("stopped: event 2 (type 12) keeps queueing events, " + std::to_string(kBound) +
                               " in a row\n")) << out.substr(out.size() - 200);
     EXPECT_EQ(host.alerts, std::vector<std::string>{" |The game \"Loops\" was stopped: its event 2 (type 12) keeps "
                                                     "queueing events without end. Press the 'esc' key to play again.|OK"});
-    EXPECT_TRUE(ctx.gamePaused == 1 && !gameInfo->eventQueue && view.motionShown);
+    EXPECT_EQ(ctx.gamePaused, 1);
+    EXPECT_EQ(gameInfo->eventQueue, nullptr);
+    EXPECT_TRUE(view.motionShown);
 }
 
 TEST_F(DispatcherTest, CompletionRunsOnlyForTheLastPendingRemoval) {
@@ -190,7 +194,8 @@ TEST_F(UserInputTest, KeysWaitForThePauseButMouseAndEscapeDoNot) {
     host.scoresTimer = true;
     key(kEventTypeKeyDown, kKeyCodeEscape, "\x1b");
     EXPECT_EQ(std::pair(g.score, g.scoreMultiplier), std::pair(0ul, 1ul));
-    EXPECT_TRUE(!host.scoresTimer && host.projectionResets == 1);
+    EXPECT_FALSE(host.scoresTimer);
+    EXPECT_EQ(host.projectionResets, 1);
     EXPECT_EQ(std::pair(ctx.gameStarted, ctx.gamePaused), std::pair(1, 0));
     EXPECT_EQ(ctx.upPiece, nullptr);  // the old board is gone
     EXPECT_EQ(g.board.size(), 64u);
@@ -228,9 +233,11 @@ struct EngineTest : ::testing::Test {
 
 TEST_F(EngineTest, StartBuildsTheBoardTheFirstTickStartsAndNoGameOnlyDiscards) {
     start(createTestGameOne());
-    ASSERT_TRUE(game() && game()->board.size() == 64u);
+    ASSERT_NE(game(), nullptr);
+    EXPECT_EQ(game()->board.size(), 64u);
     EXPECT_EQ(engine.gamePaused(), 0);
-    EXPECT_TRUE(host.gameWindowShown && !host.mainWindowShown);
+    EXPECT_TRUE(host.gameWindowShown);
+    EXPECT_FALSE(host.mainWindowShown);
     EXPECT_EQ(stdoutOf([&] { engine.processEvents(); }),
               "processing event 1\naction 2\naction 1\n");
     host.scoresTimer = true;
@@ -240,7 +247,8 @@ TEST_F(EngineTest, StartBuildsTheBoardTheFirstTickStartsAndNoGameOnlyDiscards) {
     EXPECT_FALSE(host.scoresTimer);
     EXPECT_EQ(host.timerSchedules, 1);  // scheduled once per run
     engine.startGame(nullptr, menu);
-    EXPECT_TRUE(!game() && !engine.downPiece());  // no game: the old one is only discarded
+    EXPECT_EQ(game(), nullptr);  // no game: the old one is only discarded
+    EXPECT_EQ(engine.downPiece(), nullptr);
     EXPECT_EQ(stdoutOf([&] { engine.processEvents(), engine.checkUserEvents(); }), "");
 }
 
@@ -269,7 +277,8 @@ TEST_F(EngineTest, UnplayableRulesAreRefusedWithTheirKeyAndValue) {
     }
     host.alerts.clear();
     start(with(createTestGameTwo(), "NumColors", 1));  // playable without a run limit
-    EXPECT_TRUE(host.alerts.empty() && game());
+    EXPECT_TRUE(host.alerts.empty());
+    EXPECT_NE(game(), nullptr);
 }
 
 TEST(BestScoreIndexTest, InsertionCases) {
@@ -374,7 +383,9 @@ TEST(BestScoresFileTest, ABrokenTableIsKeptAsideUnopenedAndANewOneWritten) {
                   pipe ? std::filesystem::file_type::fifo : std::filesystem::file_type::regular);
         auto read = readPropertyListFile(path);
         const Value* scores = std::get<Value>(read).asDictionary()->find("Vexamor");
-        ASSERT_TRUE(scores && scores->asArray() && scores->asArray()->size() == 1);
+        ASSERT_NE(scores, nullptr);
+        ASSERT_NE(scores->asArray(), nullptr);
+        ASSERT_EQ(scores->asArray()->size(), 1u);
         EXPECT_EQ(*scores->asArray()->front().asDictionary()->find("Score")->asInteger(), 30);
     }
 }

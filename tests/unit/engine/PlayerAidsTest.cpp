@@ -74,11 +74,15 @@ TEST_F(PlayerAidsTest, NewBoardsAndTheEndOfAGameForgetTheMoves) {
     start(with(createTestGameOne(), {{"BoardWidth", 2}, {"BoardHeight", 1}}), {2, 2});
     click({0, 0}, {0, 0});
     key(U' ');
-    ASSERT_TRUE(engine.canUndo() && engine.hasUnfinishedGame());
+    ASSERT_TRUE(engine.canUndo());
+    ASSERT_TRUE(engine.hasUnfinishedGame());
     tick();
     EXPECT_EQ(engine.gamePaused(), 1);
-    EXPECT_FALSE(engine.canUndo() || engine.undo() || engine.hasUnfinishedGame() || engine.savedGame() ||
-                 engine.resumeGame());
+    EXPECT_FALSE(engine.canUndo());
+    EXPECT_FALSE(engine.undo());
+    EXPECT_FALSE(engine.hasUnfinishedGame());
+    EXPECT_FALSE(engine.savedGame());
+    EXPECT_FALSE(engine.resumeGame());
 }
 
 TEST_F(PlayerAidsTest, AGameLeftForTheMainWindowIsShownAgainAsItWas) {
@@ -86,11 +90,13 @@ TEST_F(PlayerAidsTest, AGameLeftForTheMainWindowIsShownAgainAsItWas) {
     click({2, 0}, {2, 0});
     key(kKeyUpArrow);
     engine.returnToMain();
-    EXPECT_TRUE(host.mainWindowShown && !host.gameWindowShown);
+    EXPECT_TRUE(host.mainWindowShown);
+    EXPECT_FALSE(host.gameWindowShown);
     EXPECT_FALSE(engine.cursor());
     ASSERT_TRUE(engine.hasUnfinishedGame());
     EXPECT_TRUE(engine.resumeGame());
-    EXPECT_TRUE(!host.mainWindowShown && host.gameWindowShown);
+    EXPECT_FALSE(host.mainWindowShown);
+    EXPECT_TRUE(host.gameWindowShown);
     EXPECT_EQ(picture(), "12|12|33 sel 2");
     EXPECT_TRUE(engine.undo()) << "its moves are kept too";
 }
