@@ -186,7 +186,7 @@ void Engine::checkUserEvents() {
 }
 
 void Engine::takeInput(const CurrentEvent& event) {
-    if (event.type == kEventTypeKeyDown) cursorKey(event);
+    if (event.type == kEventTypeKeyDown && cursorKey(event)) return;
     impl_->input.setCurrentEvent(event);
     checkUserEvents();
 }

@@ -51,8 +51,9 @@ public:
     // checkUserEvents: one poll of the game window's current event (after every tick).
     void checkUserEvents();
     // takeInput: the one door for the player's input. A key-down goes to the keyboard cursor
-    // first (see cursorKey); then the event becomes the current event and the poll runs, which
-    // acts on it unless it repeats the event seen last (a held key is one key-down).
+    // first (see cursorKey), which keeps a cursor key; any other event becomes the current event
+    // and the poll runs, which acts on it unless it repeats the event seen last (a held key is
+    // one key-down).
     void takeInput(const CurrentEvent& event);
 
     // performKeyEquivalent: of the game window: true when a running game binds the key-down

@@ -65,10 +65,7 @@ private:
             if (u->userEventType == kUserEventSwapAdjacent) return true;
         return false;
     }
-    void send(const CurrentEvent& event) {
-        host_.event = event;
-        engine_.checkUserEvents();
-    }
+    void send(const CurrentEvent& event) { engine_.takeInput(event); }
     void pointer(std::int64_t type, BoardCell cell) {
         const BoardLayout layout = computeBoardLayout(*engine_.game());
         CurrentEvent event;
