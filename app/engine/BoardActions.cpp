@@ -190,20 +190,26 @@ void BoardActions::flashAndRemove() {
     removeSelectedPieces();
 }
 
-void BoardActions::removeSelectedPieces() {
-    Board b = board();
+bool BoardActions::emptySelectedPieces(EngineContext& ctx, bool printed) {
+    Board b(ctx.game(), ctx.out);
     bool any = false;
     for (int x = 0; x < b.width(); ++x) {
         for (int y = 0; y < b.height(); ++y) {
             BoardPiece& piece = b.getBoardPieceAtX(x, y);
-            if (piece.selected != 1) continue;
-            ctx_.out.print("Removing piece %d at %d,%d\n", static_cast<int>(piece.pieceID),
-                        static_cast<int>(piece.x), static_cast<int>(piece.y));
+            if (piece.selected != 1 || piece.pieceID == 0) continue;
+            if (printed)
+                ctx.out.print("Removing piece %d at %d,%d\n", static_cast<int>(piece.pieceID),
+                              static_cast<int>(piece.x), static_cast<int>(piece.y));
             piece.pieceID = 0;
+            piece.selected = 0;
             any = true;
         }
     }
-    if (any) EventQueue(ctx_.game()).queueCopyOfEvent(kEventPiecesRemoved);
+    return any;
+}
+
+void BoardActions::removeSelectedPieces() {
+    if (emptySelectedPieces(ctx_, true)) EventQueue(ctx_.game()).queueCopyOfEvent(kEventPiecesRemoved);
 }
 
 void BoardActions::performActionGetRemainingPieceCount(GameVariable* variable) {

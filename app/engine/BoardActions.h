@@ -24,7 +24,11 @@ public:
     void performActionResolveMatches();
     GameVariable* getVariable(std::uint32_t variableID) const;
 
-    // Empties every selected cell, with a line for each, and queues the pieces-removed event.
+    // Removal: empties every selected cell that holds a piece and clears its selection, so a
+    // cell emptied once is never removed (nor counted) again. Prints a "Removing piece" line for
+    // each when printed is set; returns whether it emptied any piece.
+    static bool emptySelectedPieces(EngineContext& ctx, bool printed);
+    // emptySelectedPieces with its lines, and the pieces-removed event queued when a piece went.
     void removeSelectedPieces();
     // Six frames of random outline colour, then removeSelectedPieces.
     void flashAndRemove();

@@ -135,16 +135,7 @@ void UserInput::processUserEvent(const SupportedUserEvent& u) {
             break;
         }
         case kUserEventRemoveSelection: {
-            bool any = false;
-            for (int x = 0; x < board.width(); ++x) {
-                for (int y = 0; y < board.height(); ++y) {
-                    BoardPiece& piece = board.getBoardPieceAtX(x, y);
-                    if (piece.selected != 1) continue;
-                    piece.pieceID = 0;
-                    any = true;
-                }
-            }
-            if (any) {
+            if (BoardActions::emptySelectedPieces(ctx_, false)) {
                 done = true;
                 EventQueue(game).queueCopyOfEvent(kEventPiecesRemoved);
             }

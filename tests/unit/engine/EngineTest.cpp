@@ -5,6 +5,7 @@
 #include <variant>
 
 #include "EngineFakes.h"
+#include "engine/BoardActions.h"
 #include "engine/Completion.h"
 #include "engine/Dispatcher.h"
 #include "engine/Engine.h"
@@ -149,16 +150,52 @@ TEST_F(UserInputTest, ClicksSelectAndDeselectARegionAndAHeldKeyDoesNotRepeat) {
     click(0, 0);
     key(kEventTypeKeyDown, 49, " ");
     EXPECT_EQ(boardPicture(g).substr(0, 10), "..121212|.");
-    EXPECT_EQ(g.board[0].selected, 1);  // removal leaves the mark
     EXPECT_EQ(queued(g), 1);
+    g.board[20].selected = 1;
     key(kEventTypeKeyDown, 49, " ");  // the same key again with nothing between: a repeat
     EXPECT_EQ(queued(g), 1);
-    key(kEventTypeKeyUp, 49, " ");  // released and pressed again: the marks queue once more
-    key(kEventTypeKeyDown, 49, " ");
-    EXPECT_EQ(queued(g), 2);
     addUserEvent(g, 3, kUserEventRemoveSelection).userEventCharacter = 'x';
     key(kEventTypeKeyDown, 7, "x");  // another key while the first is held is new
-    EXPECT_EQ(queued(g), 3);
+    EXPECT_EQ(queued(g), 2);
+}
+
+// Removal takes only the selected cells that hold a piece and unselects them, by the remove
+// key's user event and by the removal of a select-colour action alike: a selection of cells
+// already emptied removes, prints and queues nothing, so a second press brings no points.
+TEST_F(UserInputTest, RemovalTakesSelectedPiecesOnlyAndOnce) {
+    enum Path { kKey, kAction };
+    struct Case {
+        Path path;
+        std::vector<std::size_t> selected;  // cells of the 3 x 2 board "11|.2|11"
+        const char* printed;
+        const char* after;
+        int queued;  // pieces-removed, and the key's trigger
+    };
+    const Case cases[] = {
+        {kKey, {0, 3}, "", ".1|..|11", 2},
+        {kKey, {}, "", "11|.2|11", 0},
+        {kAction, {0, 3}, "Removing piece 1 at 0,0\nRemoving piece 4 at 1,1\n", ".1|..|11", 1},
+        {kAction, {}, "", "11|.2|11", 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.selected) + (c.path == kKey ? " key" : " action"));
+        GameInfo& g = installGame(3, 2, {1, 1, 0, 2, 1, 1});
+        SupportedUserEvent& remove = addUserEvent(g, 1, kUserEventRemoveSelection);
+        remove.triggerAction = std::make_shared<GameAction>();
+        addEvent(g, 2, kEventPiecesRemoved);
+        g.board[2].selected = 1;  // an empty cell marked, as removals of old left them
+        for (std::size_t cell : c.selected) g.board[cell].selected = 1;
+        BoardActions actions{ctx};
+        const auto removal = [&] {
+            return stdoutOf([&] { c.path == kKey ? input.processUserEvent(remove) : actions.removeSelectedPieces(); });
+        };
+        EXPECT_EQ(removal(), c.printed);
+        EXPECT_EQ(boardPicture(g), c.after);
+        EXPECT_EQ(queued(g), c.queued);
+        EXPECT_EQ(selectedCount(g), 1);  // only the empty cell's mark, which no removal touches
+        EXPECT_EQ(removal(), "");  // again: nothing left to remove
+        EXPECT_EQ(queued(g), c.queued);
+    }
 }
 
 TEST_F(UserInputTest, APointOutsideAHoleTheSameMouseEventTwiceOrAKeyWithoutAPieceDoNothing) {

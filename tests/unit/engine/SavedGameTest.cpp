@@ -22,7 +22,7 @@ TEST_F(PlayerAidsTest, ReturnAndContinueGiveBackTheBoardLeftOverManyCycles) {
     key(U' ');              // the 1s removed, their event pending
     click({2, 0}, {2, 0});  // the 3s selected
     const std::string before = everything(engine), board = picture();
-    ASSERT_EQ(board, ".2|.2|33 sel 4");  // removed pieces keep their mark until they fall
+    ASSERT_EQ(board, ".2|.2|33 sel 2");  // the 3s only: a removed piece loses its mark
     ASSERT_NE(before.find("<key>PendingEvents</key>\n\t<array>\n\t\t<dict>"), std::string::npos);
     const Value sameRules = rules;
     // The click on Continue lands where the selected region is on the board; the desktop hands
@@ -55,7 +55,7 @@ TEST_F(PlayerAidsTest, ReturnAndContinueGiveBackTheBoardLeftOverManyCycles) {
     Engine& shown = later ? *later : engine;
     stdoutOf([&] { shown.takeInput(at(kEventTypeMouseDown, {2, 1})); });
     stdoutOf([&] { shown.takeInput(at(kEventTypeMouseUp, {2, 1})); });
-    EXPECT_EQ(picture(shown), ".2|.2|33 sel 2");
+    EXPECT_EQ(picture(shown), ".2|.2|33 sel 0");  // the 3s unselected
 }
 
 TEST_F(PlayerAidsTest, ASavedGameGoesOnExactlyAndDamagedOrChangedOnesAreRefused) {
