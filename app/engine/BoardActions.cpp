@@ -192,6 +192,8 @@ void BoardActions::flashAndRemove() {
 
 bool BoardActions::emptySelectedPieces(EngineContext& ctx, bool printed) {
     Board b(ctx.game(), ctx.out);
+    RemovalTally* tally = ctx.tally ? &*ctx.tally : nullptr;
+    const bool first = tally && tally->pieces == 0;
     bool any = false;
     for (int x = 0; x < b.width(); ++x) {
         for (int y = 0; y < b.height(); ++y) {
@@ -203,6 +205,9 @@ bool BoardActions::emptySelectedPieces(EngineContext& ctx, bool printed) {
             piece.pieceID = 0;
             piece.selected = 0;
             any = true;
+            if (!tally) continue;
+            ++tally->pieces;
+            if (first) tally->firstRemoval.push_back({static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y)});
         }
     }
     return any;

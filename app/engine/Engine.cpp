@@ -34,6 +34,8 @@ struct Engine::Impl {
     bool shown = false;
 
     bool playing() const { return ctx.hasGame() && ctx.game().hasBoard() && ctx.gamePaused == 0; }
+    // The board takes the player's moves: shown, played, and its start has run.
+    bool previewable() const { return shown && playing() && ctx.gameStarted == 0; }
 
     // Acts on one input and records what it changed as a move.
     void play(const PlayerInput& in, bool redoing) {
@@ -221,6 +223,25 @@ bool Engine::redo() {
 std::vector<BoardCell> Engine::hint() const {
     if (!impl_->playing()) return {};
     return findHint(impl_->ctx.game(), impl_->ctx.out);
+}
+
+std::optional<MovePreview> Engine::previewClick(float x, float y) const {
+    if (!impl_->previewable()) return std::nullopt;
+    return previewMove(impl_->ctx, {x, y, x, y, removeSelectionKey(impl_->ctx.game())});
+}
+
+std::optional<MovePreview> Engine::previewDrag(float x1, float y1, float x2, float y2) const {
+    if (!impl_->previewable()) return std::nullopt;
+    return previewMove(impl_->ctx, {x1, y1, x2, y2, 0});
+}
+
+std::optional<BoardCell> Engine::cellAt(float x, float y) const {
+    if (!impl_->ctx.hasGame()) return std::nullopt;
+    const GameInfo& game = impl_->ctx.game();
+    const BoardPiece* piece = Board(impl_->ctx.game(), GameOutput::discarded()).getBoardPieceAtWindowX(x, y);
+    if (!piece) return std::nullopt;
+    const auto index = static_cast<std::uint32_t>(piece - game.board.data());
+    return BoardCell{index / game.boardHeight, index % game.boardHeight};
 }
 
 bool Engine::cursorKey(const CurrentEvent& keyDown) {

@@ -14,6 +14,7 @@
 #include "engine/Board.h"
 #include "engine/GameSnapshot.h"
 #include "engine/Host.h"
+#include "engine/MovePreview.h"
 #include "engine/RandomSequence.h"
 #include "engine/View.h"
 #include "core/PropertyList.h"
@@ -80,6 +81,16 @@ public:
     // hint: a move the game's own end test finds: the cells of a colour region, or the two
     // neighbours to swap. Empty when there is none (or no game is being played). Changes nothing.
     std::vector<BoardCell> hint() const;
+
+    // What a move would bring, found by playing it and every event it causes on a copy of the
+    // game (see MovePreview): previewClick, a click at window point (x, y) followed by the game's
+    // remove key when it has one; previewDrag, a press at (x1, y1) and a release at (x2, y2).
+    // Nothing when the game takes no move there, or while no board is being played. The game,
+    // the view, the host and the diagnostic output are not touched. cellAt: the cell under a
+    // window point, or nothing; a preview changes only when it does.
+    std::optional<MovePreview> previewClick(float x, float y) const;
+    std::optional<MovePreview> previewDrag(float x1, float y1, float x2, float y2) const;
+    std::optional<BoardCell> cellAt(float x, float y) const;
 
     // The keyboard cursor. takeInput gives it every key-down before the poll reads it;
     // cursorKey returns true when it was a cursor key: an arrow shows the cursor (first

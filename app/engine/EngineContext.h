@@ -3,8 +3,12 @@
 // gesture. Everything about a game lives here, so games in separate engines never meet.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <vector>
 
+#include "engine/Board.h"
 #include "engine/Host.h"
 #include "engine/RandomSequence.h"
 #include "engine/View.h"
@@ -12,6 +16,12 @@
 #include "rules/GameOutput.h"
 
 namespace tolvar {
+
+// What the removals of a move emptied, kept while the move is tried on a copy of the game.
+struct RemovalTally {
+    std::uint64_t pieces = 0;             // emptied by all of them
+    std::vector<BoardCell> firstRemoval;  // the cells the first one emptied
+};
 
 struct EngineContext {
     EngineContext(View& v, Host& h, GameOutput o = GameOutput()) : view(v), host(h), out(o) {}
@@ -34,6 +44,8 @@ struct EngineContext {
     // Raised for every board dealt (a start, Escape, a new game), so what belongs to one board
     // knows when it has gone.
     unsigned boardsDealt = 0;
+    // Kept only on a copy that tries a move: the played game counts nothing.
+    std::optional<RemovalTally> tally;
 
     bool hasGame() const { return gameInfo != nullptr; }
     GameInfo& game() const { return *gameInfo; }

@@ -35,6 +35,7 @@ struct GameSnapshot {
     int gameStarted = 0;
     int gamePaused = 0;
 
+    bool operator==(const GameSnapshot&) const = default;
     // Whether the player would see the same game: board, selection, score, multiplier,
     // variables and pending events agree.
     bool sameGameAs(const GameSnapshot& other) const;

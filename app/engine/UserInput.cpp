@@ -5,6 +5,16 @@
 
 namespace tolvar {
 
+std::int8_t removeSelectionKey(const GameInfo& game) {
+    for (const SupportedUserEvent* u = game.userEvents.get(); u; u = u->next.get()) {
+        if (u->userEventType != kUserEventRemoveSelection || u->userEventCharacter == 0) continue;
+        const SupportedUserEvent* first = game.userEvents.get();
+        while (first->userEventCharacter != u->userEventCharacter) first = first->next.get();
+        return first == u ? u->userEventCharacter : 0;
+    }
+    return 0;
+}
+
 const SupportedUserEvent* UserInput::mouseUpIsUserAction() const {
     for (const SupportedUserEvent* u = ctx_.game().userEvents.get(); u; u = u->next.get())
         if (u->userEventType == kUserEventSelectColorRegion ||

@@ -10,6 +10,10 @@
 
 namespace tolvar {
 
+// The key that removes the selection: that of the first remove-selection user event with a key,
+// when no user event listed before it takes the same key; 0 when the game has none.
+std::int8_t removeSelectionKey(const GameInfo& game);
+
 class UserInput {
 public:
     explicit UserInput(EngineContext& ctx) : ctx_(ctx) {}

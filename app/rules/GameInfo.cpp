@@ -9,7 +9,67 @@ void unlinkChain(std::unique_ptr<Record>& next) {
     std::unique_ptr<Record> rest = std::move(next);
     while (rest) rest = std::move(rest->next);
 }
+
+// A copy of the chain from first, record by record in its order (without recursion).
+template <typename Record, typename CopyRecord>
+std::unique_ptr<Record> copyChain(const Record* first, CopyRecord copyRecord) {
+    std::unique_ptr<Record> head;
+    std::unique_ptr<Record>* tail = &head;
+    for (const Record* r = first; r; r = r->next.get()) {
+        *tail = std::make_unique<Record>();
+        copyRecord(**tail, *r);
+        tail = &(*tail)->next;
+    }
+    return head;
+}
 }  // namespace
+
+std::unique_ptr<GameInfo> copyOfGame(const GameInfo& game) {
+    auto copy = std::make_unique<GameInfo>();
+    copy->boardHeight = game.boardHeight;
+    copy->boardWidth = game.boardWidth;
+    copy->hasLauncher = game.hasLauncher;
+    copy->board = game.board;
+    copy->cellOfPiece = game.cellOfPiece;
+    copy->numColors = game.numColors;
+    copy->numShapes = game.numShapes;
+    copy->colorsMatchShapes = game.colorsMatchShapes;
+    copy->squareShapes = game.squareShapes;
+    copy->setupRandomFill = game.setupRandomFill;
+    copy->holesAllowed = game.holesAllowed;
+    copy->setupMaxLinearColors = game.setupMaxLinearColors;
+    copy->setupMaxLinearShapes = game.setupMaxLinearShapes;
+    copy->score = game.score;
+    copy->scoreMultiplier = game.scoreMultiplier;
+    copy->gameName = game.gameName;
+    copy->descriptionText = game.descriptionText;
+    const auto event = [](SupportedEvent& to, const SupportedEvent& from) {
+        to.eventID = from.eventID;
+        to.eventType = from.eventType;
+        to.actions = from.actions;
+    };
+    copy->eventQueue = copyChain(game.eventQueue.get(), event);
+    copy->events = copyChain(game.events.get(), event);
+    copy->userEvents = copyChain(game.userEvents.get(), [](SupportedUserEvent& to, const SupportedUserEvent& from) {
+        to.userEventID = from.userEventID;
+        to.userEventType = from.userEventType;
+        to.userEventCharacter = from.userEventCharacter;
+        to.minimumPieces = from.minimumPieces;
+        to.triggerAction = from.triggerAction;
+    });
+    copy->completionCriteria =
+        copyChain(game.completionCriteria.get(), [](CompletionCriterion& to, const CompletionCriterion& from) {
+            to.completionID = from.completionID;
+            to.completionType = from.completionType;
+            to.completionValue = from.completionValue;
+        });
+    copy->variables = copyChain(game.variables.get(), [](GameVariable& to, const GameVariable& from) {
+        to.variableID = from.variableID;
+        to.variableValue = from.variableValue;
+    });
+    copy->selectColor = game.selectColor;
+    return copy;
+}
 
 GameAction::~GameAction() { unlinkChain(next); }
 SupportedEvent::~SupportedEvent() { unlinkChain(next); }

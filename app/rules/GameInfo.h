@@ -204,4 +204,8 @@ struct GameInfo {
     bool hasBoard() const { return !board.empty(); }
 };
 
+// A game of its own with the same rules and state: its chains are copied in their order, and
+// the action lists are shared, as a pending entry shares its rules event's list.
+std::unique_ptr<GameInfo> copyOfGame(const GameInfo& game);
+
 }  // namespace tolvar

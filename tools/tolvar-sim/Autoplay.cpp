@@ -13,6 +13,7 @@
 #include "engine/Engine.h"
 #include "engine/EventQueue.h"
 #include "engine/StandInShell.h"
+#include "engine/UserInput.h"
 #include "core/MemoryScoreStore.h"
 
 namespace tolvar::sim {
@@ -40,13 +41,7 @@ public:
         for (const SupportedUserEvent* u = game_.userEvents.get(); u; u = u->next.get())
             if (!mouse_ && (u->userEventType == kUserEventSwapAdjacent || u->userEventType == kUserEventSelectColorRegion))
                 mouse_ = u;
-        for (const SupportedUserEvent* u = game_.userEvents.get(); u; u = u->next.get()) {
-            if (u->userEventType != kUserEventRemoveSelection || u->userEventCharacter == 0) continue;
-            const SupportedUserEvent* first = game_.userEvents.get();
-            while (first->userEventCharacter != u->userEventCharacter) first = first->next.get();
-            if (first == u) removeKey_ = u->userEventCharacter;
-            break;
-        }
+        removeKey_ = removeSelectionKey(game_);
     }
 
     // Makes one move; false when the game takes none.

@@ -107,6 +107,10 @@ const char* ScriptRunner::commandHelp() {
            "  undo, redo         take back the last move, or play the undone move again\n"
            "  new                a new board of the running game, as Escape deals it\n"
            "  hint               the cells of a move the game's end test finds\n"
+           "  preview X Y, preview X1 Y1 X2 Y2\n"
+           "                     the score once a click at X Y (then the game's remove key, when it has\n"
+           "                     one), or a drag, and every event it causes have run: \"preview score=S\",\n"
+           "                     or \"preview none\" when the game takes no move there; changes nothing\n"
            "  cursor             where the keyboard cursor is\n"
            "  save FILE, continue FILE\n"
            "                     write the unfinished game to FILE, or continue the game saved there\n"
@@ -222,6 +226,19 @@ std::string ScriptRunner::runLine(const std::string& line) {
         pointerEvent(kEventTypeMouseDown, w[1], w[2]);
         return click ? pointerEvent(kEventTypeMouseUp, w[1], w[2])
                      : pointerEvent(kEventTypeMouseUp, w[3], w[4]);
+    }
+    if (command == "preview") {
+        if (!arity(2) && !arity(4)) return wrongCount;
+        float at[4] = {};
+        for (std::size_t i = 1; i < w.size(); ++i)
+            if (!parseNumber(w[i], at[i - 1])) return "bad number \"" + w[i] + "\"";
+        const std::optional<MovePreview> preview =
+            arity(2) ? engine_.previewClick(at[0], at[1]) : engine_.previewDrag(at[0], at[1], at[2], at[3]);
+        if (preview)
+            std::printf("preview score=%" PRIu64 "\n", preview->score);
+        else
+            std::printf("preview none\n");
+        return {};
     }
     if (command == "keydown" || command == "keyup" || command == "key") {
         if (!arity(1)) return wrongCount;

@@ -46,6 +46,45 @@ class Runner(unittest.TestCase):
         self.assertIn("[", sim(self.home.name, ["--seed", "7", "--rules", rules],
                                "select Vexamor\nstart\ntick\nclick 300 300\nshow\n").stdout)
 
+    def test_preview_gives_the_score_of_each_move_and_changes_nothing(self):
+        # The scenario scripts with a state after every move, then with a preview before it too.
+        for key in ("vexamor", "trindle", "glimmet"):
+            size = "-5x5" if key == "glimmet" else "-4x4"
+            with open(os.path.join(DIR, key + ".seed")) as seed, open(os.path.join(DIR, key + ".script")) as f:
+                args = ["--seed", seed.read().strip(), "--rules", os.path.join(DIR, key + size + ".dict")]
+                moves = f.read().splitlines()
+            plain, previewed = [], []
+            for line in moves:
+                words = line.split()
+                if words and words[0] in ("click", "drag"):
+                    previewed.append("preview " + " ".join(words[1:]))
+                for script in (plain, previewed):
+                    script.append(line)
+                    if line == "tick" and len(script) > 4:  # after a move's tick
+                        script.append("state")
+            runs = []
+            for script in (plain, previewed):  # each in a data folder of its own, made afresh
+                with tempfile.TemporaryDirectory() as home:
+                    runs.append(sim(home, args, "\n".join(script) + "\n"))
+            for run in runs:
+                self.assertEqual(run.returncode, 0, run.stderr)
+            lines = runs[1].stdout.splitlines()
+            previews = [n for n, text in enumerate(lines) if text.startswith("preview")]
+            self.assertEqual([text for text in lines if not text.startswith("preview")],
+                             runs[0].stdout.splitlines(), key)
+            self.assertEqual(len(previews), sum(w.startswith(("click", "drag")) for w in plain), key)
+            scored = 0
+            for n in previews:
+                after = next(t for t in lines[n:] if t.startswith("state "))
+                before = [t for t in lines[:n] if t.startswith("state ")]
+                score = re.match(r"state score=(\d+) ", after).group(1)
+                if lines[n] == "preview none":
+                    self.assertTrue(before and before[-1] == after, (key, n))
+                else:
+                    self.assertEqual(lines[n], "preview score=" + score, (key, n))
+                    scored += 1
+            self.assertGreater(scored, 2, key)
+
     def test_show_without_a_game(self):
         self.assertTrue(sim(self.home.name, [], "show\n").stdout.endswith("show: no board\n"))
 
@@ -53,7 +92,8 @@ class Runner(unittest.TestCase):
         out = sim(self.home.name, ["--help"])
         self.assertEqual(out.returncode, 0)
         for word in ("--seed", "--rules", "--autoplay", "--game", "--player", "--jobs", "--csv",
-                     "select TITLE", "tick [N]", "show", "board", "dump", "state", "menu N"):
+                     "select TITLE", "tick [N]", "show", "board", "dump", "state", "menu N",
+                     "preview X Y, preview X1 Y1 X2 Y2"):
             self.assertIn(word, out.stdout)
         self.assertEqual(sim(self.home.name, ["--bogus"]).returncode, 2)
 
