@@ -21,6 +21,7 @@
 #include "engine/Engine.h"
 #include "engine/EngineContext.h"
 #include "engine/GameSnapshot.h"
+#include "engine/MovePreview.h"
 #include "engine/RandomSequence.h"
 #include "engine/StandInShell.h"
 #include "rules/BuiltinGames.h"
@@ -204,6 +205,37 @@ void BM_MoveSnapshot(benchmark::State& state) {
 }
 BENCHMARK(BM_MoveSnapshot)->Arg(8)->Arg(64)->Arg(255)->Unit(benchmark::kMicrosecond);
 
+// What the hover preview costs: one move played with all its events on a copy of a freshly dealt
+// built-in game (0 Vexamor 8 x 8, a click and the space bar; 1 Trindle 12 x 12 and 2 Glimmet 8 x 8,
+// a drag to the right-hand neighbour), cycling over every cell of the board.
+void BM_PreviewMove(benchmark::State& state) {
+    const int which = static_cast<int>(state.range(0));
+    const Value rules = which == 0 ? createTestGameOne() : which == 1 ? createTestGameTwo() : createTestGameThree();
+    StandInHost host;
+    StandInView view(host);
+    Engine engine(view, host, GameOutput::discarded());
+    ActionsMenu menu;
+    engine.random().seed(1);
+    engine.startGame(&rules, menu);
+    engine.processEvents();
+    const GameInfo& game = *engine.game();
+    const BoardLayout layout = computeBoardLayout(game);
+    const auto x = [&](std::uint32_t column) { return layout.left + (static_cast<float>(column) + 0.5f) * layout.w; };
+    const auto y = [&](std::uint32_t row) { return layout.m + (static_cast<float>(row) + 0.5f) * layout.h; };
+    const std::uint32_t cells = static_cast<std::uint32_t>(game.board.size());
+    std::uint32_t cell = 0, moves = 0;
+    for (auto _ : state) {
+        const std::uint32_t column = cell / game.boardHeight, row = cell % game.boardHeight;
+        const auto preview = which == 0 ? engine.previewClick(x(column), y(row))
+                                        : engine.previewDrag(x(column), y(row), x(column + 1), y(row));
+        moves += preview.has_value();
+        benchmark::DoNotOptimize(preview);
+        cell = (cell + 1) % cells;
+    }
+    state.counters["moves"] = benchmark::Counter(moves, benchmark::Counter::kAvgIterations);
+}
+BENCHMARK(BM_PreviewMove)->DenseRange(0, 2)->Unit(benchmark::kMicrosecond);
+
 // A whole game of the small line-swap scenario, from its script, through the engine facade.
 void BM_WholeGameFromScript(benchmark::State& state) {
     Silence quiet;
@@ -265,6 +297,6 @@ int main(int argc, char** argv) {
     setenv("XDG_DATA_HOME", home.c_str(), 1);
     return tolvar::bench::runBenchmarks(argc, argv, "bench_engine",
                                         "Times the rule engine: the completion test, line resolution, falling pieces,\n"
-                                        "the region count, a whole game played from a script, and loading and saving\n"
-                                        "big files.");
+                                        "the region count, the preview of a move, a whole game played from a script, and\n"
+                                        "loading and saving big files.");
 }
