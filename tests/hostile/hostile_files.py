@@ -63,12 +63,6 @@ CASES = {
     "long-description": (lambda: xml_with("<key>GameDescription</key><string>%s</string>" % ("word " * 20000)),
                          r"warning: G: GameDescription: the text is 100000 characters long; the window shows 4000",
                          0, None),
-    "long-name": (lambda: plistlib.dumps({"G": dict(GAME, GameName="N" * 61)}),
-                  r"warning: G: GameName: the text is 61 characters long; the window shows 60", 0, None),
-    "long-alert": (lambda: plistlib.dumps({"G": dict(GAME, SupportedEvents=[
-                       {"EventType": 8, "ActionList": [{"ActionType": 21, "Message": "m" * 1001}]},
-                       GAME["SupportedEvents"][1]])}),
-                   r"warning: G: Message: the text is 1001 characters long; the window shows 1000", 0, None),
     "xml-array-1000000": (lambda: xml_with("<key>Extra</key><array>%s</array>" % ("<integer>7</integer>" * 1000000)),
                           r"warning: G: Extra: not a key of a game", 0, None),
     "binary-array-1000000": (lambda: binary_array(1000000), r":G/Extra: warning: G: Extra: not a key of a game", 0,

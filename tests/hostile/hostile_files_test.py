@@ -1,6 +1,7 @@
 """The hostile-file suite: each generated file through tolvar-check (text and --json) and through the
-game's reading of the rules (tolvar-sim --rules), for the right message and exit status. Every run
-has a time limit so that a program blocked on a pipe fails the test instead of hanging it."""
+game's reading of the rules (tolvar-sim --rules), for the right message and exit status; and
+tolvar-check's exit status for clean files, several files and a wrong command line. Every run has a
+time limit so that a program blocked on a pipe fails the test instead of hanging it."""
 import json
 import os
 import re
@@ -55,6 +56,19 @@ class HostileFiles(unittest.TestCase):
                 finally:
                     if keep is not None:
                         keep.close()
+
+    def test_exit_status_of_clean_files_several_files_and_a_wrong_command_line(self):
+        clean = os.path.join(self.dir.name, "clean.dict")
+        with open(clean, "wb") as f:
+            f.write(hostile_files.xml_with(""))
+        broken, _ = hostile_files.make("huge-integers", self.dir.name)
+        self.assertEqual((run(CHECK, clean).returncode, run(CHECK, clean).stdout), (0, b""))
+        both = run(CHECK, clean, broken)
+        self.assertEqual(both.returncode, 1)
+        self.assertNotIn(clean.encode(), both.stdout)
+        for wrong in ([], ["--bogus", clean]):  # --help and --version: the programs' own test
+            self.assertEqual(run(CHECK, *wrong).returncode, 2, wrong)
+        self.assertEqual(run(CHECK, os.path.join(self.dir.name, "none.dict")).returncode, 1)
 
     def test_a_device_is_refused_by_the_checker_and_the_game(self):
         self.assertRegex(run(CHECK, "/dev/zero").stdout.decode(), r"^/dev/zero: error: is not a regular file \(a character device\)\n$")

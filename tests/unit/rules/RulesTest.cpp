@@ -74,6 +74,11 @@ std::unique_ptr<GameInfo> build(const Value& rules, std::string* out = nullptr, 
     return info;
 }
 
+std::string contentsOf(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
 using Ints = std::vector<std::int64_t>;
 
 // One field of every record of a list, in the list's order.
@@ -177,15 +182,6 @@ TEST(PlistRead, BrokenOrHostileBytesAreRefused) {
         SCOPED_TRACE("case " + std::to_string(i));
         refused(parsePropertyList(cases[i].first), cases[i].second);
     }
-}
-
-TEST_F(DataHome, PropertyListFilesReadBackAsWrittenAndOtherPathsFail) {
-    ASSERT_EQ(writePropertyListFile(home_ + "/Sample.dict", sampleTree()), std::nullopt);
-    EXPECT_EQ(ok(readPropertyListFile(home_ + "/Sample.dict")), sampleTree());
-    EXPECT_EQ(refused(readPropertyListFile(home_ + "/absent.dict")), "no such file");
-    const auto error = writePropertyListFile(home_ + "/no/such/folder/x.dict", sampleTree());
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->message(), home_ + "/no/such/folder/x.dict: No such file or directory");
 }
 
 TEST(RulesDict, AnEmptyDictionaryGivesEveryDefault) {
@@ -355,23 +351,34 @@ TEST_F(DataHome, GamesAreOfferedInFileOrderAndChoosingOneShowsItsDescription) {
     EXPECT_EQ(library.currentRules(), nullptr);
 }
 
-// A file that cannot be used leaves the menu and the file as they were, and one line says why.
-TEST_F(DataHome, AFirstWriteCutByAFullDiskLeavesNoRulesFileAndSaysWhy) {
+// A first write cut by a full disk leaves no rules file and says why; the next launch writes the whole
+// file, as XML another program reads with the same kinds of values, and the launch after reads it as it is.
+TEST_F(DataHome, TheBuiltInGamesAreWrittenOnceWholeAsPlainXml) {
     GameLibrary first;
     std::string err;
     {
         ScopedWriteFailure full(4096, ENOSPC);
         testing::internal::CaptureStderr();
-        setup(first);
+        EXPECT_EQ(setup(first), "code: 0\n");  // the folder was made
         err = testing::internal::GetCapturedStderr();
     }
     EXPECT_EQ(err, rulesPath() + ": cannot be written (No space left on device); the built-in games are "
                                  "played without it\n");
     EXPECT_TRUE(std::filesystem::is_empty(home_ + "/share/Tolvar"));  // neither a cut file nor a temporary one
     EXPECT_EQ(first.gameMenu(), kBuiltinMenu);                         // played from memory
-    GameLibrary next;  // the next launch writes the whole file
-    setup(next);
-    EXPECT_EQ(ok(readPropertyListFile(rulesPath())), *next.allGameRules());
+    GameLibrary next;
+    EXPECT_EQ(setup(next), "");
+    const std::string written = contentsOf(rulesPath());
+    EXPECT_EQ(ok(parsePropertyList(written)), *next.allGameRules());
+    EXPECT_EQ(written.rfind("<?xml", 0), 0u);
+    EXPECT_NE(written.find("<!DOCTYPE plist"), std::string::npos);
+    // Another program reads <true/> as a boolean, not the number 1: numbers are integer elements.
+    for (const char* kind : {"<true", "<false", "<real", "<date", "<data"})
+        EXPECT_EQ(written.find(kind), std::string::npos) << kind;
+    GameLibrary third;
+    setup(third);
+    EXPECT_EQ(third.gameMenu(), kBuiltinMenu);
+    EXPECT_EQ(contentsOf(rulesPath()), written);
 }
 
 TEST_F(DataHome, UnreadableFilesKeepTheMenuAndTheFileAndSayWhy) {
@@ -396,8 +403,7 @@ TEST_F(DataHome, UnreadableFilesKeepTheMenuAndTheFileAndSayWhy) {
         EXPECT_EQ(library.gameMenu(), kBuiltinMenu);
         EXPECT_NE(err.find(rulesPath()), std::string::npos) << err;
         EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1) << err;
-        std::ifstream kept(rulesPath(), std::ios::binary);
-        if (bytes) EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), *bytes);
+        if (bytes) EXPECT_EQ(contentsOf(rulesPath()), *bytes);
         else EXPECT_TRUE(std::filesystem::is_directory(rulesPath()));
     }
     // A rules path given elsewhere is not created when missing.
