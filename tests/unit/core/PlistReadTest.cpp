@@ -1,18 +1,8 @@
 // Reading property lists: what the reading library would wrap, clamp or drop in silence is
-// refused with the keys and the value, a byte-order mark is skipped, and a pipe, a socket or a
-// device in place of any of the game's files is refused by kind without waiting on it.
+// refused with the keys and the value, and a byte-order mark is skipped. (A pipe, a socket or a
+// device in place of a file: the hostile-file suite.)
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstring>
-
-#include "FileTestHelpers.h"
 #include "RegularFile.h"
 #include "core/PlistFile.h"
 #include "core/Utf8.h"
@@ -105,53 +95,6 @@ TEST(PlistRead, AByteOrderMarkBeforeTheTextIsSkipped) {
     ASSERT_TRUE(std::holds_alternative<Value>(marked)) << refusal("\xEF\xBB\xBF" + text);
     EXPECT_EQ(std::get<Value>(marked), std::get<Value>(plain));
     EXPECT_EQ(refusal("\xEF\xBB\xBF"), "the file is empty");
-}
-
-struct NonRegularFiles : testing::ScratchFolder {};
-
-// What readPropertyListFile says of path, read in a child process that is killed when it does
-// not answer: a reader blocked on a pipe fails the test instead of hanging it.
-std::string refusalWithoutHanging(const std::string& path) {
-    int out[2];
-    if (pipe(out) != 0) return "no pipe";
-    const pid_t child = fork();
-    if (child == 0) {
-        close(out[0]);
-        auto read = readPropertyListFile(path);
-        const PlistError* error = std::get_if<PlistError>(&read);
-        const std::string why = error ? error->reason : "read";
-        (void)!write(out[1], why.data(), why.size());
-        _exit(0);
-    }
-    close(out[1]);
-    pollfd wait{out[0], POLLIN, 0};
-    constexpr int kHangGuardMs = 30000;  // a guard against a blocked reader, not a measure of speed
-    std::string why;
-    if (poll(&wait, 1, kHangGuardMs) <= 0) {
-        kill(child, SIGKILL);
-        why = "blocked";
-    } else {
-        char buffer[256];
-        for (ssize_t n; (n = read(out[0], buffer, sizeof buffer)) > 0;) why.append(buffer, static_cast<std::size_t>(n));
-    }
-    close(out[0]);
-    waitpid(child, nullptr, 0);
-    return why;
-}
-
-TEST_F(NonRegularFiles, PipesSocketsAndDevicesInPlaceOfTheGamesFilesAreRefusedByKind) {
-    ASSERT_EQ(mkfifo(path("RulesDict.dict").c_str(), 0600), 0);
-    EXPECT_EQ(refusalWithoutHanging(path("RulesDict.dict")), "is not a regular file (a named pipe)");
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string socketPath = path("socket.dict");
-    ASSERT_LT(socketPath.size(), sizeof address.sun_path);
-    std::strcpy(address.sun_path, socketPath.c_str());
-    FileDescriptor listening(socket(AF_UNIX, SOCK_STREAM, 0));
-    ASSERT_EQ(bind(listening.fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(refusalWithoutHanging(socketPath), "is not a regular file (a socket)");
-    EXPECT_EQ(refusalWithoutHanging("/dev/zero"), "is not a regular file (a character device)");
-    EXPECT_EQ(refusalWithoutHanging(folder.string()), "is a folder, not a file");
 }
 
 TEST(Messages, JsonTextsStayUtf8AndPathsStayOnOneLine) {

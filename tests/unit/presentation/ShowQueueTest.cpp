@@ -113,42 +113,28 @@ TEST(ShowQueue, WhatComesAfterAQuietSpellPlaysAtOnce) {
     EXPECT_EQ(names(q.takeDue(60.0)), "b3");
 }
 
-TEST(BoardPicture, CarriesWhatTheFrameDraws) {
-    GameInfo game;
-    game.boardWidth = 2, game.boardHeight = 1;
-    game.board.resize(2);
-    game.board[1].pieceID = 7, game.board[1].selected = 1;
-    game.score = 42, game.gameName = "Tiny", game.selectColor = {0.2f, 0.3f, 0.4f};
-    const BoardPicture picture = BoardPicture::of(game);
-    game.board[1].pieceID = 0, game.score = 0;  // the game goes on after the frame was taken
-    GameInfo drawn;
-    picture.into(drawn);
-    EXPECT_EQ(drawn.board[1].pieceID, 7u);
-    EXPECT_EQ(drawn.score, 42u);
-    EXPECT_EQ(drawn.gameName, "Tiny");
-    EXPECT_EQ(drawn.boardWidth, 2);
-    EXPECT_FLOAT_EQ(drawn.selectColor.blue, 0.4f);
-}
-
-TEST(BoardPicture, LaysTheBoardOutAsTheGameDoes) {
+// A frame's picture is taken when the engine draws and drawn later: it carries what the frame draws
+// and lays the board out as the game does, whatever the board's shape.
+TEST(BoardPicture, CarriesWhatTheFrameDrawsAndItsLayout) {
     struct Case {
-        const char* what;
         std::uint8_t width, height, launcher, square;
     };
-    const Case cases[] = {
-        {"8 x 8, square cells", 8, 8, 0, 1},
-        {"2 x 1, square cells", 2, 1, 0, 1},
-        {"2 x 1 under a launcher, square cells", 2, 1, 1, 1},
-        {"5 x 3 under a launcher, stretched cells", 5, 3, 1, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const Case& c : {Case{8, 8, 0, 1}, Case{2, 1, 0, 1}, Case{2, 1, 1, 1}, Case{5, 3, 1, 0}}) {
+        SCOPED_TRACE(testing::Message() << int(c.width) << " x " << int(c.height) << " launcher " << int(c.launcher));
         GameInfo game;
-        game.boardWidth = c.width, game.boardHeight = c.height;
-        game.hasLauncher = c.launcher, game.squareShapes = c.square;
+        game.boardWidth = c.width, game.boardHeight = c.height, game.hasLauncher = c.launcher, game.squareShapes = c.square;
+        game.board.resize(std::size_t(c.width) * c.height);
+        game.board[1].pieceID = 7, game.score = 42, game.gameName = "Tiny", game.selectColor = {0.2f, 0.3f, 0.4f};
+        const BoardPicture picture = BoardPicture::of(game);
+        const BoardLayout want = computeBoardLayout(game);
+        game.board[1].pieceID = 0, game.score = 0;  // the game goes on after the frame was taken
         GameInfo drawn;
-        BoardPicture::of(game).into(drawn);
-        const BoardLayout want = computeBoardLayout(game), got = computeBoardLayout(drawn);
+        picture.into(drawn);
+        EXPECT_EQ(drawn.board[1].pieceID, 7u);
+        EXPECT_EQ(drawn.score, 42u);
+        EXPECT_EQ(drawn.gameName, "Tiny");
+        EXPECT_FLOAT_EQ(drawn.selectColor.blue, 0.4f);
+        const BoardLayout got = computeBoardLayout(drawn);
         EXPECT_FLOAT_EQ(got.left, want.left);
         EXPECT_FLOAT_EQ(got.m, want.m);
         EXPECT_FLOAT_EQ(got.w, want.w);

@@ -3,7 +3,6 @@
 
 #include <tuple>
 
-#include "rules/BuiltinGames.h"
 #include "rules/GameHelp.h"
 
 namespace tolvar {
@@ -34,22 +33,6 @@ TEST(GameHelp, InputLines) {
     };
     for (const auto& [type, key, minimum, line] : cases)
         EXPECT_EQ(inputHelpLine(type, key, minimum), line) << type << " " << int(key) << " " << minimum;
-}
-
-TEST(GameHelp, BuiltInGames) {
-    const Value games[] = {createTestGameOne(), createTestGameTwo(), createTestGameThree()};
-    const std::tuple<const char*, std::vector<std::string>> expected[] = {
-        {"Vexamor", {"Space: Remove Selection", "Click a region of 2 or more"}},
-        {"Trindle", {"Drag a piece onto a neighbour"}},
-        {"Glimmet", {"Drag a piece onto a neighbour"}},
-    };
-    for (int i = 0; i < 3; ++i) {
-        const GameHelp help = gameHelp(&games[i]);
-        EXPECT_EQ(help.title, std::get<0>(expected[i]));
-        EXPECT_EQ(help.inputs, std::get<1>(expected[i])) << help.title;
-        EXPECT_EQ(help.description, *games[i].asDictionary()->find("GameDescription")->asString());
-        EXPECT_FALSE(help.description.empty());
-    }
 }
 
 TEST(GameHelp, OddRules) {
