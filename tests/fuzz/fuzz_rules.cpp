@@ -1,5 +1,6 @@
-// Arbitrary bytes as a rules file: parse them, then build a game from the root and from every
-// top-level value, binding keys to one menu for the whole run as the game does.
+// Arbitrary bytes as a rules file: parse them, build a game from the root and from every top-level
+// value (binding keys to one menu for the whole run, as the game does), and run the rules checker
+// over them with the line and JSON forms of each finding.
 #include <cstddef>
 #include <cstdint>
 #include <fcntl.h>
@@ -7,6 +8,7 @@
 #include <unistd.h>
 #include <variant>
 
+#include "checker/RulesChecker.h"
 #include "core/PlistFile.h"
 #include "rules/RulesDict.h"
 
@@ -22,7 +24,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static tolvar::ActionsMenu menu;
-    auto result = tolvar::parsePropertyList(std::string(reinterpret_cast<const char*>(data), size));
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    const tolvar::checker::CheckReport report = tolvar::checker::checkRulesText(bytes);
+    for (const auto& problem : report.problems) (void)tolvar::checker::formatProblem("f", problem);
+    (void)tolvar::checker::problemsAsJson("f", report.problems);
+    auto result = tolvar::parsePropertyList(bytes);
     const tolvar::Value* root = std::get_if<tolvar::Value>(&result);
     if (!root) return 0;
     auto game = tolvar::createStructsFromRulesDict(root, menu);

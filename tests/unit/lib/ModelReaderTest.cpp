@@ -72,12 +72,9 @@ TEST(ReaderModels, FacesNormalsAndTheMessage) {
     EXPECT_EQ(l.normal(0), (V{0, 0, 1}));
 }
 
-TEST(ReaderModels, BadValuesEndTheFaceWithTheirMessage) {
-    const Read r = read(model(face(std::string(kTriangle).replace(8, 3, "0")) + face(kTriangle)));
-    EXPECT_EQ(r.out, "Expected float value at 30.  Got \n0 instead.\nNew sprite m has 8 vertices.\n");
-    EXPECT_EQ(r.sprite->vertices[3], 0.0f);  // corner 1 never read
-    EXPECT_EQ(r.normal(0), (V{0, 0, 0}));
-    EXPECT_EQ(r.normal(1), (V{0, 0, 1}));  // the next face is read normally
+// A bad value ends its face with its message, and the next face is read (dxf-info's own test); a
+// carriage return before each line break is such a value.
+TEST(ReaderModels, CarriageReturnsAreBadValues) {
     std::string crlf;
     for (char c : model(face(kTriangle))) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
     EXPECT_EQ(read(crlf).out, "Expected float value at 10.  Got \r instead.\nNew sprite m has 4 vertices.\n");

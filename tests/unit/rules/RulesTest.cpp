@@ -193,12 +193,8 @@ TEST(RulesDict, AnEmptyDictionaryGivesEveryDefault) {
         ASSERT_TRUE(info);
         EXPECT_EQ(boardNumbers(*info), (std::vector<int>{5, 5, 0, 1, 4, 0, 0, 0, 0, 0, 0}));
         EXPECT_EQ(info->scoreMultiplier, 1u);
-        EXPECT_EQ(info->score, 0);
-        EXPECT_FALSE(info->hasBoard());
         EXPECT_EQ(info->gameName, "Unknown");
-        EXPECT_EQ(info->descriptionText, "Unknown");
         EXPECT_EQ(info->events, nullptr);
-        EXPECT_EQ(info->eventQueue, nullptr);
         EXPECT_EQ(info->userEvents, nullptr);
         EXPECT_EQ(info->completionCriteria, nullptr);
         EXPECT_EQ(info->variables, nullptr);
