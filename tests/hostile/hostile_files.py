@@ -80,7 +80,7 @@ CASES = {
                             r":G/ScoreMultiplier: error: G: ScoreMultiplier: the integer 1267650600228229401496703205376",
                             1, r"G/ScoreMultiplier: the integer 1267650600228229401496703205376 does not fit"),
     "byte-order-mark": (lambda: b"\xef\xbb\xbf" + plistlib.dumps({"G": dict(GAME, BoardWidht=3)}),
-                        r"^[^\n]*:\d+:\d+: warning: G: BoardWidht: .*did you mean BoardWidth\?\n$", 0, None),
+                        r"^[^\n]*:7:3: warning: G: BoardWidht: .*did you mean BoardWidth\?\n$", 0, None),
     "duplicate-keys": (lambda: xml_with("<key>BoardWidth</key><integer>5</integer>" * 100000),
                        r":\d+:\d+: error: G: BoardWidth: the key \"BoardWidth\" appears more than once"
                        r"(.|\n)*: error: 99899 more like the errors above", 1,

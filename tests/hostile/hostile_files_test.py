@@ -63,6 +63,7 @@ class HostileFiles(unittest.TestCase):
             f.write(hostile_files.xml_with(""))
         broken, _ = hostile_files.make("huge-integers", self.dir.name)
         self.assertEqual((run(CHECK, clean).returncode, run(CHECK, clean).stdout), (0, b""))
+        self.assertEqual(json.loads(run(CHECK, "--json", clean).stdout.decode())["problems"], [])
         both = run(CHECK, clean, broken)
         self.assertEqual(both.returncode, 1)
         self.assertNotIn(clean.encode(), both.stdout)

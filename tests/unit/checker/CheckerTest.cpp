@@ -267,33 +267,4 @@ TEST(CheckerSuggestions, TheLocaleDoesNotChangeTheNearestKey) {
         << describe(report.problems);
 }
 
-TEST(CheckerSuggestions, AHugeUnknownKeyIsSuggestedNothingAndABomKeepsTheLines) {
-    std::vector<std::string> lines = cleanFile();
-    const std::string huge(10'000'000, 'K');
-    lines[18] = "<key>" + huge + "</key><integer>7</integer>";
-    const CheckReport report = checkRulesText("\xEF\xBB\xBF" + join(lines));
-    ASSERT_EQ(report.problems.size(), 1u) << describe(report.problems).substr(0, 300);
-    const Problem& p = report.problems.front();
-    EXPECT_EQ(p.message, "not a key of a game, so it is ignored");
-    EXPECT_EQ(p.at.line, 19);
-    EXPECT_EQ(p.at.column, 1);
-}
-
-TEST(CheckerOutput, LinesAndJsonCarryEveryPart) {
-    Problem p;
-    p.severity = Severity::Warning;
-    p.at = {7, 26};
-    p.path = "G/BoardWidth";
-    p.game = "G";
-    p.key = "BoardWidth";
-    p.message = "say \"hi\"";
-    EXPECT_EQ(formatProblem("r.dict", p), "r.dict:7:26: warning: G: BoardWidth: say \"hi\"");
-    p.at = {};
-    EXPECT_EQ(formatProblem("r.dict", p), "r.dict:G/BoardWidth: warning: G: BoardWidth: say \"hi\"");
-    EXPECT_EQ(problemsAsJson("r.dict", {p}),
-              "{\"file\": \"r.dict\", \"problems\": [\n  {\"severity\": \"warning\", \"line\": 0, \"column\": 0, "
-              "\"path\": \"G/BoardWidth\", \"game\": \"G\", \"key\": \"BoardWidth\", \"message\": \"say \\\"hi\\\"\"}\n]}");
-    EXPECT_EQ(problemsAsJson("r.dict", {}), "{\"file\": \"r.dict\", \"problems\": []}");
-}
-
 }  // namespace
