@@ -1,4 +1,5 @@
-// The board and the score screen as the player sees them, probed in a real window.
+// The board and the score screen as the player sees them, probed in a real window. (One-cell
+// patches and falling pieces: the redraw test, against a full redraw of each frame.)
 #include <GL/gl.h>
 #include <SDL_image.h>
 #include <gtest/gtest.h>
@@ -19,7 +20,6 @@ namespace {
 bool isBlack(const Rgb& p) { return p.r < 8 && p.g < 8 && p.b < 8; }
 bool isRed(const Rgb& p) { return p.r > 40 && p.r > 2 * p.g && p.r > 2 * p.b; }
 bool isText(const Rgb& p) { return near(p, 127, 0, 127, 3); }
-bool same(const Rgb& a, const Rgb& b, int tolerance) { return near(a, b.r, b.g, b.b, tolerance); }
 // A lit piece: its own colour channels stand out, the others stay dark.
 bool looksLike(const Rgb& p, const BoardPiece& c) {
     auto ok = [](int v, float want) { return want > 0.5f ? v > 90 : v < 40; };
@@ -228,40 +228,6 @@ TEST_F(GameViewTest, NebulaIsStretchedOverTheWindowUnflipped) {
     EXPECT_EQ(view.bgTexture(), 0u);
     EXPECT_EQ(errors, "/nonexistent/Nebula.png: cannot read the background image (no such file); the background "
                       "stays black\n");
-}
-
-TEST_F(GameViewTest, SingleCellRedrawsAndFallingPiecesPatchTheBackground) {
-    makeGame(5, 5, 2);
-    view.loadBGTexture();
-    const std::uint32_t id = std::exchange(cell(1, 1).pieceID, 0);
-    view.drawBoard(*gameInfo);
-    const Rgb under = probe(1, 1);
-    cell(1, 1).pieceID = id;
-    view.drawBoard(*gameInfo);
-    const Rgb piece = probe(1, 1);
-    ASSERT_FALSE(same(piece, under, 30));
-    BoardPiece eraser = cell(1, 1);
-    eraser.red = eraser.green = eraser.blue = 0.0f;
-    view.drawIndividualPiece(*gameInfo, &eraser);
-    EXPECT_EQ(window.flushes, 3);
-    EXPECT_TRUE(same(probe(1, 1), under, 12));
-    EXPECT_TRUE(looksLike(probe(2, 1), cell(2, 1))) << "the neighbour is untouched";
-    view.drawIndividualPiece(*gameInfo, &cell(1, 1));
-    EXPECT_TRUE(same(probe(1, 1), piece, 12));
-
-    BoardPiece moving = cell(2, 4);
-    moving.red = 1.0f, moving.green = 0.0f, moving.blue = 1.0f;  // magenta: no board piece has it
-    view.animatePiece(*gameInfo, moving, 2, 4, 2, 1);
-    EXPECT_EQ(window.flushes, 10) << "three steps, each an erase and a draw";
-    EXPECT_TRUE(looksLike(probe(2, 1), moving));
-    for (int y : {4, 3, 2}) EXPECT_FALSE(looksLike(probe(2, y), moving)) << "row " << y;
-    // Start at the end still redraws once; a diagonal and an end off the line both arrive.
-    const std::uint32_t moves[][5] = {{0, 0, 0, 0, 2}, {0, 0, 3, 3, 6}, {4, 0, 0, 2, 8}};
-    for (const auto& m : moves) {
-        const int before = window.flushes;
-        view.animatePiece(*gameInfo, cell(0, 0), m[0], m[1], m[2], m[3]);
-        EXPECT_EQ(window.flushes - before, int(m[4])) << m[0] << "," << m[1] << " to " << m[2] << "," << m[3];
-    }
 }
 
 TEST_F(GameViewTest, SpikyPiecesTurnAndTheirModelIsReleasedOnce) {
