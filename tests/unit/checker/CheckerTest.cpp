@@ -1,5 +1,6 @@
 // The rules checker: one broken game per kind of problem, with the line, the column, the key and
-// the words of the finding; XML that is not well formed; the built-in games check clean.
+// the words of the finding; XML that is not well formed; the built-in games check clean. (The
+// printed lines and JSON: the hostile-file suite, through the program.)
 #include <gtest/gtest.h>
 
 #include <algorithm>
