@@ -1,30 +1,26 @@
 // Sprite drawing, camera moves and vertex collisions on a real legacy OpenGL context (under Xvfb):
-// a hidden 1024 x 768 window, one unit a pixel from the lower left, colour material, grey ground.
+// the shared 1024 x 768 window, one unit a pixel from the lower left, colour material, grey ground.
 #include <GL/gl.h>
 #include <SDL.h>
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <tuple>
 #include <vector>
 
 #include "3DSpriteLib.h"
+#include "GlWindow.h"
 
 namespace {
 
 class SpriteDrawing : public testing::Test {
 protected:
     void SetUp() override {
-        // The video subsystem stays up for the whole program: closing the display would unload
-        // the driver, and what it keeps would then show up as leaks without a library name.
-        ASSERT_TRUE(SDL_WasInit(SDL_INIT_VIDEO) != 0 || SDL_InitSubSystem(SDL_INIT_VIDEO) == 0) << SDL_GetError();
-        SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_COMPATIBILITY);
-        window_.reset(SDL_CreateWindow("tolvar test", 0, 0, 1024, 768, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN));
-        if (window_) context_.reset(SDL_GL_CreateContext(window_.get()));
-        ASSERT_TRUE(context_) << "no OpenGL context (run under xvfb-run): " << SDL_GetError();
+        ASSERT_EQ(tolvar::test::glWindowFailure(), "");
         glMatrixMode(GL_PROJECTION);
+        glLoadIdentity();
         glOrtho(0, 1024, 0, 768, 500.0, -500.0);
         glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
         glEnable(GL_COLOR_MATERIAL);
         glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
         glClear(GL_COLOR_BUFFER_BIT);
@@ -40,9 +36,6 @@ protected:
             if (pixel(x, y, c) < 126 || pixel(x, y, c) > 129) return false;
         return true;
     }
-
-    std::unique_ptr<SDL_Window, decltype(&SDL_DestroyWindow)> window_{nullptr, &SDL_DestroyWindow};
-    std::unique_ptr<void, decltype(&SDL_GL_DeleteContext)> context_{nullptr, &SDL_GL_DeleteContext};
 };
 
 // A flat red square centred on (cx, cy), its normals facing the default light (+z) or away.

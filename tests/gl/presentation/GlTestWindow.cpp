@@ -1,4 +1,5 @@
 #include "GlTestWindow.h"
+#include "GlWindow.h"
 
 #include <GL/freeglut.h>
 #include <GL/gl.h>
@@ -12,45 +13,26 @@
 namespace tolvar::test {
 namespace {
 
-struct TestWindow {
-    SDL_Window* window = nullptr;
-    SDL_GLContext context = nullptr;
-    std::string failure;
-
-    TestWindow() {
-        static char name[] = "presentation_gl_tests";
-        static char* argv[] = {name, nullptr};
-        int argc = 1;
-        if (SDL_Init(SDL_INIT_VIDEO) == 0) glutInit(&argc, argv);
-        // Double-buffered, unlike the game window: no other window can cover the back buffer.
-        for (auto [attribute, value] : {std::pair{SDL_GL_CONTEXT_PROFILE_MASK, int(SDL_GL_CONTEXT_PROFILE_COMPATIBILITY)},
-                                        {SDL_GL_DOUBLEBUFFER, 1}, {SDL_GL_DEPTH_SIZE, 16}, {SDL_GL_RED_SIZE, 8},
-                                        {SDL_GL_GREEN_SIZE, 8}, {SDL_GL_BLUE_SIZE, 8}, {SDL_GL_ALPHA_SIZE, 8}})
-            SDL_GL_SetAttribute(attribute, value);
-        window = SDL_CreateWindow("Tolvar drawing test", 0, 0, 1024, 768, SDL_WINDOW_OPENGL | SDL_WINDOW_SHOWN);
-        if (window) context = SDL_GL_CreateContext(window);
-        if (!context) {
-            failure = std::string("no OpenGL window: ") + SDL_GetError();
-            return;
+// The shared window, drawn into and read back from its back buffer (no other window can cover
+// it), in the game window's OpenGL state.
+std::string openedWindow() {
+    std::string failure = glWindowFailure();
+    if (!failure.empty()) return failure;
+    static char name[] = "presentation_gl_tests";
+    static char* argv[] = {name, nullptr};
+    int argc = 1;
+    glutInit(&argc, argv);
+    glDrawBuffer(GL_BACK);
+    glReadBuffer(GL_BACK);
+    for (int i = 0; i < 10; ++i) {  // let the window be mapped
+        for (SDL_Event event; SDL_PollEvent(&event);) {
         }
-        SDL_GL_MakeCurrent(window, context);
-        glDrawBuffer(GL_BACK);
-        glReadBuffer(GL_BACK);
-        for (int i = 0; i < 10; ++i) {  // let the window be mapped
-            for (SDL_Event event; SDL_PollEvent(&event);) {
-            }
-            SDL_Delay(10);
-        }
-        StandInHost host;
-        GameView(host, GameView::Window{}).initWindowState();
+        SDL_Delay(10);
     }
-    // SDL stays up: shutting it down would unload the OpenGL library and leave the library's
-    // own allocations reported as leaks from an unknown place.
-    ~TestWindow() {
-        if (context) SDL_GL_DeleteContext(context);
-        if (window) SDL_DestroyWindow(window);
-    }
-};
+    StandInHost host;
+    GameView(host, GameView::Window{}).initWindowState();
+    return failure;
+}
 
 void readPixels(int x, int y, int w, int h, void* into) {
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
@@ -60,8 +42,8 @@ void readPixels(int x, int y, int w, int h, void* into) {
 }  // namespace
 
 bool openTestWindow(std::string& why) {
-    static TestWindow instance;
-    why = instance.failure;
+    static const std::string failure = openedWindow();
+    why = failure;
     return why.empty();
 }
 

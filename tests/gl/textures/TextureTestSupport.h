@@ -11,35 +11,25 @@
 #include <fstream>
 #include <memory>
 
+#include "GlWindow.h"
 #include "Textures.h"
 
 namespace texturetest {
 
-inline constexpr int kWindowWidth = 1024, kWindowHeight = 768;
+inline constexpr int kWindowWidth = tolvar::test::kGlWindowWidth, kWindowHeight = tolvar::test::kGlWindowHeight;
 
 inline const std::filesystem::path& scratchFolder() {
     static const auto path = std::filesystem::temp_directory_path() / ("tolvar-textures-" + std::to_string(getpid()));
     return path;
 }
 
-// One window with SDL's default double-buffered 2.1 context, current for the whole run.
+// The shared window, current for the whole run, and the scratch folder.
 class GLEnvironment : public testing::Environment {
     void SetUp() override {
-        ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO), 0) << SDL_GetError();
-        window_.reset(SDL_CreateWindow("texture tests", 0, 0, kWindowWidth, kWindowHeight,
-                                       SDL_WINDOW_OPENGL | SDL_WINDOW_SHOWN));
-        context_.reset(SDL_GL_CreateContext(window_.get()));
-        ASSERT_TRUE(window_) << SDL_GetError();
-        ASSERT_TRUE(context_) << SDL_GetError();
+        ASSERT_EQ(tolvar::test::glWindowFailure(), "");
         std::filesystem::create_directories(scratchFolder());
     }
-    void TearDown() override {
-        std::filesystem::remove_all(scratchFolder());
-        context_.reset();
-        window_.reset();  // no SDL_Quit: the leak checker must still see the driver's own allocations
-    }
-    std::unique_ptr<SDL_Window, void (*)(SDL_Window*)> window_{nullptr, SDL_DestroyWindow};
-    std::unique_ptr<void, void (*)(SDL_GLContext)> context_{nullptr, SDL_GL_DeleteContext};
+    void TearDown() override { std::filesystem::remove_all(scratchFolder()); }
 };
 
 inline void writeBytes(const std::filesystem::path& path, const std::vector<std::uint8_t>& bytes) {
