@@ -63,10 +63,9 @@ TEST(FileRoute, SquareFilesKeepTheirSizeAndRowsOblongOnesAreRefused) {
 }
 
 TEST(ImageFiles, BadInputIsRefusedWithoutACrash) {
-    std::vector<std::uint8_t> hugePNG = kGrey16PNG, hugeBMP = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40,
-                                                               0, 0, 0, 0x60, 0xEA, 0, 0, 0x60, 0xEA, 0, 0, 1, 0, 24};
+    std::vector<std::uint8_t> hugeBMP = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40,
+                                         0, 0, 0, 0x60, 0xEA, 0, 0, 0x60, 0xEA, 0, 0, 1, 0, 24};
     hugeBMP.resize(54);  // 60000 x 60000 pixels claimed
-    for (int at : {17, 21}) std::copy_n("\x01\x86\xA0", 3, &hugePNG[at]);  // 100000 x 100000
     const auto bytes = [](std::vector<std::uint8_t> b) { return [b](const auto& path) { writeBytes(path, b); }; };
     const auto indexed = [](const auto& path) { saveImage(path, 16, 16, 8); };
     const auto expectRefused = [](const Image& image) {  // a given name, a zero name and the sizes all kept
@@ -77,11 +76,10 @@ TEST(ImageFiles, BadInputIsRefusedWithoutACrash) {
         EXPECT_EQ(std::vector<int>({int(name), int(fresh), width, height}), (std::vector<int>{4242, 0, -3, -5}));
     };
     struct Case { const char* file; std::function<void(const std::filesystem::path&)> make; int bits; };
-    // The loader refuses most; grey and indexed images it reads, but the image route refuses them.
+    // The loader refuses most (cut files and other bytes: the image fuzz corpus; a PNG's size: the
+    // next test); grey and indexed images it reads, but the image route refuses them.
     const Case cases[] = {
-        {"cut.png", [](const auto& path) { saveImage(path, 64, 64, 24), std::filesystem::resize_file(path, 100); }, 0},
-        {"empty.bmp", bytes({}), 0}, {"text.png", bytes({'h', 'i'}), 0}, {"huge.png", bytes(hugePNG), 0},
-        {"huge.bmp", bytes(hugeBMP), 0}, {"huge.jpg", bytes({0xFF, 0xD8, 0xFF, 0xC0, 0, 11, 8, 0xFD, 0xE8, 0xFD, 0xE8,
+        {"text.png", bytes({'h', 'i'}), 0}, {"huge.bmp", bytes(hugeBMP), 0}, {"huge.jpg", bytes({0xFF, 0xD8, 0xFF, 0xC0, 0, 11, 8, 0xFD, 0xE8, 0xFD, 0xE8,
                                                               1, 1, 0x11, 0, 0xFF, 0xD9}), 0},  // 65000 x 65000
         {"grey16.png", bytes(kGrey16PNG), 16}, {"indexed.bmp", indexed, 8}, {"indexed.png", indexed, 8}};
     for (const Case& c : cases) {
