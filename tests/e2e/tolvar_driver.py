@@ -17,22 +17,31 @@ MAIN_PAD_X, MAIN_PAD_Y, FONT_PX, ITEM_SPACING_Y = 16, 14, 17, 10
 FRAME_H = FONT_PX + 2 * 6   # a button or the pop-up: the font and its frame padding
 MENU_BAR_H = FRAME_H - 2    # the menu bar, less its own inset
 POPUP_W, POPUP_PAD, POPUP_ROW = 260, 6, 30  # the game window's menu: 8 actions, the 4 "Game" items, "Return..."
-POPUP_TEXT_INSET = 16  # a row's title starts this far from the menu's left edge, its keys end as far from the right
 POPUP_H = 2 * POPUP_PAD + 13 * POPUP_ROW + 2 * 9  # ... with a separator before the "Game" items and "Return..."
 HELP_W, HELP_H = 560, 620
 COLOURS = ("red", "green", "blue", "purple")
 SELECTED = (127, 25, 25)  # a selected piece's outline
+SUBSTRUCTURE_NOTIFY, MAP_NOTIFY, CLIENT_MESSAGE = 1 << 19, 19, 33
 P, INT, ULONG = ctypes.c_void_p, ctypes.c_int, ctypes.c_ulong
 XLIB = ctypes.CDLL("libX11.so.6")
 XLIB.XOpenDisplay.restype = XLIB.XGetImage.restype = P
+XLIB.XOpenDisplay.argtypes = [ctypes.c_char_p]
 XLIB.XGetImage.argtypes = [P, ULONG, INT, INT, ctypes.c_uint, ctypes.c_uint, ULONG, INT]
 XLIB.XDefaultRootWindow.restype, XLIB.XDefaultRootWindow.argtypes = ULONG, [P]
-XLIB.XCloseDisplay.argtypes = XLIB.XFree.argtypes = [P]
+XLIB.XInternAtom.restype, XLIB.XInternAtom.argtypes = ULONG, [P, ctypes.c_char_p, INT]
+XLIB.XSelectInput.argtypes, XLIB.XSendEvent.argtypes = [P, ULONG, ctypes.c_long], [P, ULONG, INT, ctypes.c_long, P]
+XLIB.XPending.argtypes = XLIB.XCloseDisplay.argtypes = XLIB.XFree.argtypes = XLIB.XFlush.argtypes = [P]
+XLIB.XNextEvent.argtypes = [P, P]
 
 
 class XImage(ctypes.Structure):
     _fields_ = [(n, INT) for n in "width height xoffset format".split()] + [("data", P)] + [(n, INT) for n in (
         "byte_order unit bit_order pad depth bytes_per_line bpp".split())] + [("red_mask", ULONG)]
+
+
+class XEvent(ctypes.Structure):  # what a MapNotify (event, window) and a ClientMessage (window, atom, ...) share
+    _fields_ = [("type", INT), ("serial", ULONG), ("send_event", INT), ("display", P), ("window", ULONG),
+                ("second", ULONG), ("format", INT), ("data", ctypes.c_long * 5), ("pad", ctypes.c_long * 12)]
 
 
 class Failure(Exception):
@@ -111,9 +120,6 @@ class Layout:
             return best if votes.count(best) >= len(votes) * 0.25 else None
         return [[vote(*self.centre(x, y)) for y in range(self.board_h)] for x in range(self.board_w)]
 
-    def pieces(self, screen):
-        return sum(1 for col in self.colours(screen) for c in col if c)
-
     def outline_pixels(self, shot, x, y):
         """Pixels of the selection colour on the outline round cell (x, y)."""
         X, Y, W, H = self.cell_rect(x, y)
@@ -130,19 +136,13 @@ def touches(shot, point, colour):  # a line 3 pixels wide: one of the pixels rou
     return any(near(shot.pixel(point[0] + dx, point[1] + dy), colour) for dx in (-1, 0, 1) for dy in (-1, 0, 1))
 
 
-def ink_rows(shot, x0, y0, x1, y1, dark=90):  # rows of dark text between y0 and y1: starts of ink after a blank row
-    ink = [0] + [shot.count(x0, y, x1, y + 1, lambda p: max(p) < dark) > 0 for y in range(int(y0), int(y1))]
-    return sum(1 for a, b in zip(ink, ink[1:]) if b and not a)
-
-
 def key(t, *keys):  # keys typed into the game window, one after the other
     t.xdo("windowfocus", "--sync", t.game, "key", "--delay", 60, *keys)
 
 
 def select_region(t, lay):
-    """Clicks a piece of a region of two or more on a board that may have holes, and checks the region is
-    outlined, and (at the picture's own size, where 3 pixels part the cells) only it. Returns the region's
-    size and the point clicked."""
+    """Clicks a piece of a region of two or more on a board that may have holes, and waits for the region to
+    be outlined. Returns the region's size and the point clicked."""
     colours, n, m = lay.colours(t.shot()), lay.board_w, lay.board_h
     region = [next(((x, y) for x in range(n) for y in range(m) for nx, ny in ((x + 1, y), (x, y + 1))
                     if nx < n and ny < m and colours[x][y] and colours[x][y] == colours[nx][ny]), None)]
@@ -151,17 +151,13 @@ def select_region(t, lay):
         region += [q for q in ((x + 1, y), (x - 1, y), (x, y + 1), (x, y - 1)) if q not in region and 0 <= q[0] < n
                    and 0 <= q[1] < m and colours[q[0]][q[1]] == colours[x][y]]
     t.click(*lay.centre(*region[0]))
-    shot = t.wait_shot(lambda s: all(lay.outline_pixels(s, *c) > 20 for c in region), "the outline of %s" % region)
-    lone = [(x, y) for x in range(n) for y in range(m) if all(abs(x - a) + abs(y - b) > 2 for a, b in region)]
-    stray = sum(lay.outline_pixels(shot, *c) for c in lone[:10]) if lay.scale == 1 else 0
-    check(stray < 10, "cells outside the region are outlined (%d pixels)" % stray)
+    t.wait_shot(lambda s: all(lay.outline_pixels(s, *c) > 20 for c in region), "the outline of %s" % region)
     return len(region), lay.centre(*region[0])
 
 
 def removes(t, lay, removed, act, before=None):
-    """act removes the selection of a board of `before` pieces (a full board when not given; a selected
-    piece spins, so it is not counted from the screen), whose emptied cells queue an event: the pieces
-    above fall. Returns the pieces left."""
+    """act removes the selection of a board of `before` pieces (a full board when not given), whose emptied
+    cells queue an event: the pieces above fall. Returns the pieces left."""
     before = lay.board_w * lay.board_h if before is None else before
     since = len(t.stdout())
     act()
@@ -178,8 +174,8 @@ def removes(t, lay, removed, act, before=None):
 
 
 def start_xvfb():
-    """An X server of its own: (process, display name, an open connection to it). Another server may race
-    for the same display number, or answer on it from outside a fresh root: then a new one is started."""
+    """An X server of its own: (process, display name, an open connection to it that hears of every window
+    mapped). Another server may race for the same display number: then a new one is started."""
     for _ in range(3):
         r, w = os.pipe()
         xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "%dx%dx24" % (SCREEN_W, SCREEN_H),
@@ -189,6 +185,7 @@ def start_xvfb():
             display = ":" + f.readline().strip().decode()
         dpy = XLIB.XOpenDisplay(display.encode())
         if dpy:
+            XLIB.XSelectInput(dpy, XLIB.XDefaultRootWindow(dpy), SUBSTRUCTURE_NOTIFY)
             return xvfb, display, dpy
         xvfb.terminate()
         xvfb.wait()
@@ -211,7 +208,8 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
             raise
 
     def launch(self):  # (again) on this display, with this data folder
-        self.runs, self.over = self.runs + 1, False
+        self.runs, self.over, self.mapped_ids = self.runs + 1, False, []
+        self.maps()
         self.out_path, self.err_path = (os.path.join(self.work, "%s-%d.txt" % (s, self.runs)) for s in ("out", "err"))
         t0 = time.monotonic()
         with open(self.out_path, "wb") as out, open(self.err_path, "wb") as err:
@@ -220,6 +218,20 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         self.startup_seconds = time.monotonic() - t0
         # The game window is made, hidden, once the main window is up; it takes its name when ready.
         self.game = self.wait_for(lambda: self.find_window(WIN_W, WIN_H, name="Tolvar"), 60, "the game window")
+
+    def maps(self):  # the ids of the windows mapped since the launch
+        event = XEvent()
+        while XLIB.XPending(self.dpy):
+            XLIB.XNextEvent(self.dpy, ctypes.byref(event))
+            self.mapped_ids += [event.second] if event.type == MAP_NOTIFY else []
+        return self.mapped_ids
+
+    def send_delete(self, wid):  # WM_DELETE_WINDOW, as a window manager's close button sends it
+        message = XEvent(type=CLIENT_MESSAGE, send_event=1, window=int(wid, 16), format=32,
+                         second=XLIB.XInternAtom(self.dpy, b"WM_PROTOCOLS", 0))
+        message.data[0] = XLIB.XInternAtom(self.dpy, b"WM_DELETE_WINDOW", 0)
+        XLIB.XSendEvent(self.dpy, int(wid, 16), 0, 0, ctypes.byref(message))
+        XLIB.XFlush(self.dpy)
 
     def finish(self):  # as the desktop ends it: SIGTERM, taken as Quit; unless a test ended it already
         if self.over:
@@ -263,6 +275,12 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         (c0, t0), _, (c1, t1) = used(), time.sleep(seconds), used()
         return 100.0 * (c1 - c0) / (t1 - t0)
 
+    def check_idle(self, what):  # a program at rest takes no processor time
+        time.sleep(0.5)
+        used = self.cpu_percent(3.0)
+        print("%s: %.1f %% of a core" % (what, used))
+        check(used < 2.0, "%s uses %.1f %% of a core" % (what, used))
+
     def wait_for(self, condition, timeout, what):
         deadline = time.monotonic() + timeout
         while not (value := condition()):
@@ -275,15 +293,12 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
     def wait_shot(self, predicate, what, timeout=10):  # returns the screenshot
         return self.wait_for(lambda: (lambda s: predicate(s) and s)(self.shot()), timeout, what)
 
-    def event_sizes(self):  # {event id: its number of actions} in the game chosen last, from the data folder
-        with open(os.path.join(self.folder, "RulesDict.dict"), "rb") as f:
-            game = list(plistlib.load(f).values())[self.playing]
-        return {e["EventID"]: len(e.get("ActionList", [])) for e in game.get("SupportedEvents", [])}
-
     def wait_tick(self, since, what, timeout=20):
         """Until the output after character `since` holds an event whose every action has begun: the
         game's events end in a score or a check, so the pieces that moved in it have landed."""
-        sizes = self.event_sizes()
+        with open(os.path.join(self.folder, "RulesDict.dict"), "rb") as f:
+            game = list(plistlib.load(f).values())[self.playing]
+        sizes = {e["EventID"]: len(e.get("ActionList", [])) for e in game.get("SupportedEvents", [])}
 
         def over():
             lines = self.stdout()[since:].splitlines()
@@ -306,16 +321,24 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
             raise
         return seen[0]
 
+    def save_rules(self, games):  # as an editor saves: a new file renamed over the old one
+        path = os.path.join(self.folder, "RulesDict.dict")
+        with open(path + ".new", "wb") as f:
+            f.write(games if isinstance(games, bytes) else plistlib.dumps(games, sort_keys=False))
+        os.replace(path + ".new", path)
+
+    def rules(self):
+        with open(os.path.join(self.folder, "RulesDict.dict"), "rb") as f:
+            return plistlib.load(f)
+
     def relaunch_with_rules(self, games):  # quits, writes these games as the rules file and starts again
         self.quit()
-        with open(os.path.join(self.folder, "RulesDict.dict"), "wb") as f:
-            plistlib.dump(games, f, sort_keys=False)
+        self.save_rules(games)
         self.launch()
 
     def relaunch_with_one_move_game(self):  # "Tiny": "Vexamor" on a 2 x 1 board of one colour, alone in the rules
-        with open(os.path.join(self.folder, "RulesDict.dict"), "rb") as f:
-            tiny = dict(plistlib.load(f)["Vexamor"], GameName="Tiny", BoardWidth=2, BoardHeight=1, NumColors=1)
-        self.relaunch_with_rules({"Tiny": tiny})
+        self.relaunch_with_rules({"Tiny": dict(self.rules()["Vexamor"], GameName="Tiny", BoardWidth=2, BoardHeight=1,
+                                               NumColors=1)})
 
     def shot(self):
         return Screen(self.dpy)
@@ -346,7 +369,7 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         return next((wid for wid, n, ww, hh in self.windows()
                      if (ww, hh) == (w, h) and name in (None, n) and mapped in (None, self.mapped(wid))), None)
 
-    def alerts(self):  # mapped windows that are none of the game's own, with their titles
+    def alerts(self):  # mapped windows that are none of the game's own
         return [(wid, name) for wid, name, w, h in self.windows()
                 if wid not in (self.game, self.main) and w not in (WIN_W, MAIN_W, POPUP_W, HELP_W) and w > 1 and h > 1
                 and self.mapped(wid)]
@@ -374,11 +397,6 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         mx, my = self.geometry(self.main)
         return mx + MAIN_W / 2 + 40, my + MENU_BAR_H + MAIN_PAD_Y + 2 + ITEM_SPACING_Y + FRAME_H / 2
 
-    def game_list_open(self):  # a test of a screenshot: the pop-up's list covers the grey under the control
-        cx, cy = self.combo_centre()
-        return lambda shot: not near(shot.pixel(cx + 200, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2),
-                                     (240, 240, 242), 4)
-
     def description_ink(self, dark):  # a count on a screenshot: the main window's description, in dark text
         mx, my = self.geometry(self.main)
         return lambda shot: shot.count(mx + MAIN_PAD_X + 4, my + 190, mx + MAIN_W - MAIN_PAD_X - 4, my + MAIN_H - 80,
@@ -389,27 +407,23 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         return lambda shot: shot.count(mx + 20, my + 150, mx + MAIN_W - 20, my + MAIN_H - 20,
                                        lambda p: near(p, (191, 0, 0), 40))
 
-    def open_game_list(self):  # returns the test of whether it is open
-        self.click(*self.combo_centre())
-        is_open = self.game_list_open()
-        self.wait_shot(is_open, "the game pop-up to open")
-        return is_open
-
     def choose_game(self, index):  # the index-th entry ("None" is 0) of the game pop-up, listed under it
         self.playing = index - 1
         cx, cy = self.combo_centre()
-        is_open = self.open_game_list()
+        self.click(cx, cy)
+
+        def is_open(shot):  # the pop-up's list covers the grey under the control
+            return not near(shot.pixel(cx + 200, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2), (240, 240, 242), 4)
+        self.wait_shot(is_open, "the game pop-up to open")
         self.click(cx, cy + FRAME_H / 2 + MAIN_PAD_Y + FONT_PX / 2 + index * (FONT_PX + ITEM_SPACING_Y))
         self.wait_shot(lambda s: not is_open(s), "the game pop-up to close")
 
     def open_menu(self, at):  # the game window's right-click menu, opened at `at`; returns its corner
         self.click(*at, button=3)
         px, py = self.geometry(self.wait_for(lambda: self.find_window(POPUP_W, POPUP_H, True), 10, "the menu"))
-
-        def drawn(shot):  # the first item's text on the menu's light ground
-            box = (px + 8, py + POPUP_PAD + 4, px + 200, py + POPUP_PAD + 26)
-            return shot.count(*box, lambda p: max(p) < 200) > 20 and shot.count(*box, lambda p: min(p) > 200) > 2000
-        self.wait_shot(drawn, "the menu's first item")
+        box = (px + 8, py + POPUP_PAD + 4, px + 200, py + POPUP_PAD + 26)  # the first item's text on a light ground
+        self.wait_shot(lambda s: s.count(*box, lambda p: max(p) < 200) > 20 and
+                       s.count(*box, lambda p: min(p) > 200) > 2000, "the menu's first item")
         return px, py
 
     def click_start(self):  # the main window's Start button, at its bottom right
@@ -420,13 +434,16 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         self.click_start()
         self.wait_for(lambda: self.mapped(self.game), 10, "the game window to show")
 
-    def press_continue(self):  # the button left of Return and Start
+    def continue_button(self):  # left of Return and Start
         mx, my = self.geometry(self.main)
-        self.click(mx + MAIN_W - MAIN_PAD_X - 2 * 130 - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2)
+        return mx + MAIN_W - MAIN_PAD_X - 2 * 130 - 60, my + MAIN_H - MAIN_PAD_Y - FRAME_H / 2
 
-    def help_window(self):
-        return self.wait_for(lambda: next((wid for wid, name, w, h in self.windows() if (w, h) == (HELP_W, HELP_H)
-                                           and self.mapped(wid)), None), 10, "the help window")
+    def press_continue(self):
+        self.click(*self.continue_button())
+        self.wait_for(lambda: self.mapped(self.game), 10, "the game window to show")
+
+    def help_window(self, title="Tolvar Help"):
+        return self.wait_for(lambda: self.find_window(HELP_W, HELP_H, True, title), 10, "the window " + title)
 
     def close_help(self, helpw):
         self.xdo("windowfocus", "--sync", helpw, "key", "Escape")
@@ -441,20 +458,18 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         self.press_start()
         self.wait_for(lambda: not self.mapped(self.main), 10, "the main window to hide")
         layout = Layout(board_w, board_h, self.geometry(self.game))
-        self.wait_shot(lambda s: all(c for col in layout.colours(s) for c in col), "a piece in every cell")
+        self.wait_shot(lambda s: full(layout.colours(s)), "a piece in every cell")
         return layout
 
 
-def run_test_script(tests, prefix="", before=None):
-    """--program P --test NAME: runs before(t), then tests[NAME](t), on a Tolvar of its own."""
+def run_test_script(tests):
+    """--program P --test NAME: runs tests[NAME](t) on a Tolvar of its own."""
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
     parser.add_argument("--test", required=True, choices=tuple(tests))
     args = parser.parse_args()
-    t = Tolvar(os.path.abspath(args.program), prefix + args.test)
+    t = Tolvar(os.path.abspath(args.program), args.test)
     try:
-        if before:
-            before(t)
         tests[args.test](t)
         t.finish()
     except Failure as e:
