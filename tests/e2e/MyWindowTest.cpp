@@ -1,5 +1,5 @@
-// The game window and its OpenGL context, made for real (run under Xvfb): a title bar, resizing with the
-// picture scaled between bars, the pixel format the drawing relies on, a flushed frame seen from the lower left and shown again as it was.
+// The game window and its OpenGL context, made for real (run under Xvfb): a title bar, the pixel format the
+// drawing relies on, a flushed frame seen from the lower left and shown again as it was, and the mouse.
 #include <gtest/gtest.h>
 
 #include <SDL.h>
@@ -76,51 +76,6 @@ TEST_F(GameWindow, IsTitledResizableAndSingleBufferedWithALegacyContext) {
     glGetIntegerv(GL_MATRIX_MODE, &mode);
     EXPECT_EQ(mode, GL_MODELVIEW);
     EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
-}
-
-// Waits for the X server to report the window's new size, as the program does before drawing.
-void waitForSize(int width, int height) {
-    for (int i = 0; i < 400; ++i) {
-        SDL_Event e;
-        while (SDL_PollEvent(&e))
-            if (e.type == SDL_WINDOWEVENT && e.window.event == SDL_WINDOWEVENT_SIZE_CHANGED &&
-                e.window.data1 == width && e.window.data2 == height)
-                return;
-        SDL_Delay(5);
-    }
-    FAIL() << "the window never became " << width << "x" << height;
-}
-
-TEST_F(GameWindow, DrawsThePictureScaledBetweenBars) {
-    // window size -> where the picture lies (from the lower left)
-    struct Case { int w, h, x, y, pw, ph; };
-    for (const Case c : {Case{1024, 768, 0, 0, 1024, 768}, Case{700, 700, 0, 87, 700, 525}, Case{1200, 600, 200, 0, 800, 600},
-                         Case{1000, 768, 0, 9, 1000, 750}}) {
-        SCOPED_TRACE(c.w);
-        if (c.w != 1024) {
-            SDL_SetWindowSize(window.sdlWindow(), c.w, c.h);
-            ASSERT_NO_FATAL_FAILURE(waitForSize(c.w, c.h));
-        }
-        window.takeNewSize();
-        // The whole picture in yellow: glClear and drawing stop at the picture's edges.
-        glClearColor(1.0f, 1.0f, 0.0f, 1.0f);
-        glClear(GL_COLOR_BUFFER_BIT);
-        window.flushBuffer();
-        EXPECT_GT(frontPixel(c.x, c.y)[0], 200) << "the picture's lower left";
-        EXPECT_GT(frontPixel(c.x + c.pw - 1, c.y + c.ph - 1)[1], 200) << "its upper right";
-        if (c.x > 0) {
-            EXPECT_LT(frontPixel(c.x - 1, c.h / 2)[0], 50) << "the left bar";
-        }
-        if (c.y > 0) {
-            EXPECT_LT(frontPixel(c.w / 2, c.y + c.ph)[0], 50) << "the top bar";
-        }
-        GLint viewport[4] = {};
-        glGetIntegerv(GL_VIEWPORT, viewport);
-        EXPECT_EQ((std::array<GLint, 4>{viewport[0], viewport[1], viewport[2], viewport[3]}),
-                  (std::array<GLint, 4>{c.x, c.y, c.pw, c.ph}));
-        const PictureFit fit = window.pictureFit();
-        EXPECT_EQ(fit.width, c.pw);
-    }
 }
 
 TEST_F(GameWindow, MouseLocationIsInScreenCoordinatesFromTheLowerLeft) {

@@ -1,10 +1,11 @@
 // The game window's current event as the rule engine reads it: types, key codes, characters
-// and the location with its origin at the lower left.
+// and the location with its origin at the lower left; and the keys the program keeps for itself.
 #include <gtest/gtest.h>
 
 #include <set>
 #include <tuple>
 
+#include "desktop/ProgramKeys.h"
 #include "desktop/SdlEvents.h"
 
 namespace tolvar {
@@ -127,6 +128,35 @@ TEST(CurrentEvent, MouseLocationHasItsOriginAtTheLowerLeft) {
     EXPECT_FALSE(currentEventFromSdl(other, 768)) << "the middle button";
     other.type = SDL_WINDOWEVENT;
     EXPECT_FALSE(currentEventFromSdl(other, 768));
+}
+
+TEST(ProgramKeys, CommandsOfTheKeysInEitherWindow) {
+    using C = ProgramCommand;
+    struct Case {
+        SDL_Keycode key;
+        Uint16 mod;
+        bool inGame, cursorShown;
+        C command;
+    };
+    const Case cases[] = {
+        {SDLK_q, KMOD_LCTRL, false, false, C::Quit}, {SDLK_q, KMOD_RGUI, true, false, C::Quit},
+        {SDLK_w, KMOD_CTRL, true, false, C::ReturnToMain}, {SDLK_n, KMOD_CTRL, true, false, C::NewGame},
+        {SDLK_z, KMOD_CTRL, true, false, C::Undo}, {SDLK_z, KMOD_CTRL | KMOD_SHIFT, true, false, C::Redo},
+        {SDLK_y, KMOD_CTRL, true, false, C::Redo}, {SDLK_z, KMOD_CTRL | KMOD_ALT, true, false, C::None},
+        {SDLK_x, KMOD_CTRL, true, false, C::None}, {SDLK_x, KMOD_LALT, true, false, C::None},
+        {SDLK_F1, KMOD_NONE, false, false, C::Help}, {SDLK_F1, KMOD_NONE, true, false, C::Help},
+        {SDLK_F2, KMOD_NONE, true, false, C::NewGame}, {SDLK_F1, KMOD_LALT, true, false, C::None},
+        {SDLK_F11, KMOD_NONE, true, false, C::Fullscreen}, {SDLK_F11, KMOD_NONE, false, false, C::None},
+        {SDLK_h, KMOD_NONE, true, false, C::Hint}, {SDLK_h, KMOD_SHIFT, true, false, C::None},
+        {SDLK_h, KMOD_NONE, false, false, C::None}, {SDLK_RETURN, KMOD_NONE, true, false, C::ReturnToMain},
+        {SDLK_KP_ENTER, KMOD_NONE, true, false, C::ReturnToMain}, {SDLK_RETURN, KMOD_NONE, true, true, C::None},
+        {SDLK_RETURN, KMOD_NONE, false, false, C::None}, {SDLK_LEFT, KMOD_NONE, true, false, C::None},
+        {SDLK_F3, KMOD_NONE, true, false, C::None}, {SDLK_ESCAPE, KMOD_NONE, true, false, C::None},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(programCommandForKey(c.key, c.mod, c.inGame, c.cursorShown), c.command)
+            << c.key << " mod " << c.mod << (c.inGame ? " in the game" : " in the main window")
+            << (c.cursorShown ? " with the cursor" : "");
 }
 
 }  // namespace
