@@ -3,6 +3,7 @@
 #include <imgui.h>
 
 #include "desktop/ProgramKeys.h"
+#include "rules/ShownText.h"
 
 #ifndef TOLVAR_VERSION
 #define TOLVAR_VERSION "unknown"
@@ -14,14 +15,16 @@ HelpWindow::HelpWindow(const std::string& fontFile, float fontPixels)
     : surface_("Tolvar Help", 700, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels) {}
 
 void HelpWindow::showPage(const char* title) {
-    surface_.show();
     SDL_SetWindowTitle(surface_.sdlWindow(), title);
+    surface_.show();
 }
 
 void HelpWindow::showGame(GameHelp help) {
     help_ = std::move(help);
     page_ = Page::Game;
-    showPage("Tolvar Help");
+    const std::string title = help_.title.empty() ? std::string("Tolvar Help")
+                                                  : shownLine(help_.title, kShownNameCharacters) + " - Tolvar Help";
+    showPage(title.c_str());
 }
 
 void HelpWindow::showAbout() {

@@ -7,6 +7,8 @@
 
 #include <cstdio>
 
+#include "desktop/WindowPlacement.h"
+
 namespace tolvar {
 
 ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, int height, Uint32 flags,
@@ -124,6 +126,10 @@ bool ImGuiSurface::processEvent(const SDL_Event& event) {
             return true;
         }
         case SDL_WINDOWEVENT:
+            if (placing_ && framed(window_.get())) {
+                placing_ = false;
+                keepInsideUsableArea(window_.get(), kMinimumWidth, kMinimumHeight);
+            }
             if (event.window.event == SDL_WINDOWEVENT_LEAVE) {
                 mouseX_ = mouseY_ = -1.0e30f;
             }
@@ -169,6 +175,10 @@ void ImGuiSurface::endFrame() {
 void ImGuiSurface::show() {
     if (!window_) return;
     SDL_ShowWindow(window_.get());
+    // Inside the usable area with its frame: on a small screen, smaller, its page scrolling. A
+    // window manager tells the frame once it has put the window up: placed again then.
+    keepInsideUsableArea(window_.get(), kMinimumWidth, kMinimumHeight);
+    placing_ = windowManagerRuns(window_.get());
     SDL_RaiseWindow(window_.get());
     SDL_SetWindowInputFocus(window_.get());
 }

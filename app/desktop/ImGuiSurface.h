@@ -38,8 +38,13 @@ public:
     void beginFrame();
     void endFrame();
 
+    // show: shown inside the usable area of its display (moved, or made smaller, to fit), raised
+    // and given the keyboard.
     void show();
     void hide();
+
+    static constexpr int kMinimumWidth = 320;
+    static constexpr int kMinimumHeight = 240;
 
 private:
     SdlWindowPtr window_;
@@ -47,6 +52,7 @@ private:
     ImGuiContext* imgui_ = nullptr;  // owned: destroyed with ImGui::DestroyContext
     bool interfaceFont_ = false;
     ImFont* boldFont_ = nullptr;
+    bool placing_ = false;  // shown, and the window manager has not yet told its frame
     // Mouse state from this window's events.
     float mouseX_ = -1.0e30f, mouseY_ = -1.0e30f;
     bool buttonDown_[3] = {false, false, false};

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "desktop/WindowPlacement.h"
 #include "engine/Engine.h"
 
 namespace tolvar {
@@ -89,18 +90,26 @@ void MyWindow::toggleFullscreen() {
     if (!window_) return;
     SDL_Window* w = window_.get();
     if (windowed_) {
-        SDL_SetWindowBordered(w, SDL_TRUE);
+        if (managerFullscreen_) SDL_SetWindowFullscreen(w, 0);
+        else SDL_SetWindowBordered(w, SDL_TRUE);
         SDL_SetWindowSize(w, windowed_->w, windowed_->h);
         SDL_SetWindowPosition(w, windowed_->x, windowed_->y);
         windowed_.reset();
         return;
     }
-    // The whole screen, without title bar or borders: the same with or without a window manager.
-    SDL_Rect screen{0, 0, 0, 0};
-    if (SDL_GetDisplayBounds(std::max(0, SDL_GetWindowDisplayIndex(w)), &screen) != 0) return;
     SDL_Rect before{0, 0, 0, 0};
     SDL_GetWindowPosition(w, &before.x, &before.y);
     SDL_GetWindowSize(w, &before.w, &before.h);
+    // A window manager fills the screen itself (over its panels, without the title bar) and
+    // knows the window for full screen; without one, the window covers the screen borderless.
+    managerFullscreen_ = windowManagerRuns(w);
+    if (managerFullscreen_) {
+        if (SDL_SetWindowFullscreen(w, SDL_WINDOW_FULLSCREEN_DESKTOP) != 0) return;
+        windowed_ = before;
+        return;
+    }
+    SDL_Rect screen{0, 0, 0, 0};
+    if (SDL_GetDisplayBounds(std::max(0, SDL_GetWindowDisplayIndex(w)), &screen) != 0) return;
     windowed_ = before;
     SDL_SetWindowBordered(w, SDL_FALSE);
     SDL_SetWindowPosition(w, screen.x, screen.y);
@@ -110,15 +119,37 @@ void MyWindow::toggleFullscreen() {
 
 void MyWindow::fitToUsableArea() {
     if (!window_) return;
-    const int display = std::max(0, SDL_GetWindowDisplayIndex(window_.get()));
     SDL_Rect usable{0, 0, 0, 0};
-    if (SDL_GetDisplayUsableBounds(display, &usable) != 0 || usable.w <= 0 || usable.h <= 0) return;
+    if (!usableAreaOf(window_.get(), usable)) return;
     // The title bar and borders, where the desktop tells them (it may only once the window shows).
-    int top = 0, left = 0, bottom = 0, right = 0;
-    if (SDL_GetWindowBordersSize(window_.get(), &top, &left, &bottom, &right) != 0) top = left = bottom = right = 0;
+    const WindowFrame frame = frameOf(window_.get());
     int w = 0, h = 0;
-    openingSize(pictureWidth_, pictureHeight_, usable.w, usable.h, left + right, top + bottom, w, h);
+    openingSize(pictureWidth_, pictureHeight_, usable.w, usable.h, frame.left + frame.right, frame.top + frame.bottom,
+                w, h);
     SDL_SetWindowSize(window_.get(), w, h);
+}
+
+void MyWindow::keepOnScreen() {
+    if (!window_ || isFullscreen()) return;
+    SDL_Window* w = window_.get();
+    SDL_Rect usable{0, 0, 0, 0};
+    if (!usableAreaOf(w, usable)) return;
+    const WindowFrame frame = frameOf(w);
+    int width = 0, height = 0;
+    SDL_GetWindowSize(w, &width, &height);
+    // Too large with its frame: the largest size that fits, in the picture's proportions.
+    if (width + frame.left + frame.right > usable.w || height + frame.top + frame.bottom > usable.h) {
+        openingSize(pictureWidth_, pictureHeight_, usable.w, usable.h, frame.left + frame.right,
+                    frame.top + frame.bottom, width, height);
+        SDL_SetWindowSize(w, width, height);
+    }
+    keepInsideUsableArea(w, static_cast<int>(pictureWidth_) / 4, static_cast<int>(pictureHeight_) / 4);
+}
+
+void MyWindow::windowEvent() {
+    if (!placing_ || !window_ || !framed(window_.get())) return;
+    placing_ = false;
+    keepOnScreen();
 }
 
 void MyWindow::flushBuffer() {
@@ -173,6 +204,9 @@ void MyWindow::mouseLocation(double& x, double& y) const {
 void MyWindow::orderFront() {
     if (!window_) return;
     SDL_ShowWindow(window_.get());
+    // Placed again once the window manager tells the frame it put round the window.
+    keepOnScreen();
+    placing_ = windowManagerRuns(window_.get());
     SDL_RaiseWindow(window_.get());
     // Without a window manager nothing hands the keyboard to a window that appears.
     SDL_SetWindowInputFocus(window_.get());
@@ -183,7 +217,11 @@ void MyWindow::orderOut() {
 }
 
 void MyWindow::center() {
-    if (window_) SDL_SetWindowPosition(window_.get(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+    SDL_Rect usable{0, 0, 0, 0};
+    if (!window_ || !usableAreaOf(window_.get(), usable)) return;
+    int w = 0, h = 0;
+    SDL_GetWindowSize(window_.get(), &w, &h);
+    SDL_SetWindowPosition(window_.get(), usable.x + (usable.w - w) / 2, usable.y + (usable.h - h) / 2);
 }
 
 bool MyWindow::isVisible() const {

@@ -38,12 +38,19 @@ public:
     // After the window changed size: the context's buffers follow it, and the whole window is
     // black, so the bars beside the picture are clean. The picture is to be drawn again.
     void takeNewSize();
-    // Full screen on and off (F11).
+    // Full screen on and off (F11): the window manager's full-screen state where one runs, else
+    // a borderless window over the whole screen; off, the window is back where it was.
     void toggleFullscreen();
     bool isFullscreen() const { return windowed_.has_value(); }
     // The size the window opens at: the picture's own, or smaller where the screen's usable area
     // (less panels) cannot hold it.
     void fitToUsableArea();
+    // A shown window that does not fit the usable area with its title bar and borders is made
+    // smaller, in the picture's proportions, and moved inside it.
+    void keepOnScreen();
+    // Any event of the window: once the window manager has told the frame of a window just
+    // shown, the window is kept on the screen with it.
+    void windowEvent();
     // Completes a frame of the single-buffered context.
     void flushBuffer();
     // The mouse in screen coordinates, origin at the lower left of the screen.
@@ -52,9 +59,9 @@ public:
     // single-buffered context still holds it, so it is copied onto itself and flushed.
     void redisplay();
 
-    void orderFront();   // shows it, raises it and gives it the keyboard
+    void orderFront();   // shows it inside the usable area, raises it and gives it the keyboard
     void orderOut();     // hides it
-    void center();
+    void center();       // in the middle of the usable area
     bool isVisible() const;
 
     // performKeyEquivalent: true when a running game binds the key-down event's first
@@ -67,6 +74,8 @@ private:
     float pictureWidth_ = 0.0f;
     float pictureHeight_ = 0.0f;
     std::optional<SDL_Rect> windowed_;  // where the window was before it filled the screen
+    bool managerFullscreen_ = false;    // ... in the window manager's full-screen state
+    bool placing_ = false;              // shown, and the window manager has not yet told its frame
 };
 
 }  // namespace tolvar

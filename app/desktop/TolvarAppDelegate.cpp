@@ -16,6 +16,7 @@
 #include "desktop/FontLookup.h"
 #include "engine/RandomSequence.h"
 #include "desktop/SdlEvents.h"
+#include "rules/ShownText.h"
 
 namespace tolvar {
 
@@ -132,7 +133,7 @@ bool TolvarAppDelegate::initWindow() {
     // The background.
     view_->loadBGTexture();
     // Named once it is ready to show a game.
-    SDL_SetWindowTitle(gameWindow->sdlWindow(), "Tolvar");
+    nameWindows();
     return true;
 }
 
@@ -189,7 +190,25 @@ void TolvarAppDelegate::runLoop() {
     }
 }
 
+namespace {
+// "Vexamor - Tolvar": a window's title names the game it shows, when there is one.
+std::string titleNaming(const std::string& game, const char* window) {
+    return game.empty() ? std::string(window) : shownLine(game, kShownNameCharacters) + " - " + window;
+}
+
+void retitle(SDL_Window* window, const std::string& title) {
+    if (window && title != SDL_GetWindowTitle(window)) SDL_SetWindowTitle(window, title.c_str());
+}
+}  // namespace
+
+void TolvarAppDelegate::nameWindows() {
+    const std::string chosen = library_.currentRules() ? library_.selectedTitle() : std::string();
+    if (window) retitle(window->surface().sdlWindow(), titleNaming(chosen, "Tolvar"));
+    if (gameWindow) retitle(gameWindow->sdlWindow(), titleNaming(runningGame() ? runningGame()->gameName : "", "Tolvar"));
+}
+
 void TolvarAppDelegate::drawWindows() {
+    nameWindows();
     const std::string signature = menuSignature();
     if (signature != lastMenuSignature_) {
         lastMenuSignature_ = signature;
@@ -208,7 +227,7 @@ void TolvarAppDelegate::drawWindows() {
     }
     if (helpWindow_ && helpFrames_ > 0) {
         --helpFrames_;
-        if (helpWindow_->isOpen() && !helpWindow_->draw()) helpWindow_->close();
+        if (helpWindow_->isOpen() && !helpWindow_->draw()) closeHelp();
         if (gameWindow) gameWindow->makeCurrentContext();
     }
     if (popupFrames_ > 0) {

@@ -111,8 +111,12 @@ private:
     void checkUserEvents();
     void eventTick();
     void closePopup();
+    // Puts the help away and gives the keyboard back to the game window, or the main window.
+    void closeHelp();
     void runCommands(const std::vector<ShellCommand>& commands);
     void drawWindows();
+    // Each window's title names the game it shows: the chosen one, the running one.
+    void nameWindows();
     // Playing what the engine showed: the steps due now; the steps handed over, painted in the
     // game window; the alert's panel over the last frame, and its answer. gameReady finishes a
     // flash or a fall at once before the game takes something new; false while an alert waits.

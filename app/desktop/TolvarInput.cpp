@@ -39,6 +39,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     if (windowID == 0 && (event.type == SDL_KEYDOWN || event.type == SDL_KEYUP || event.type == SDL_TEXTINPUT))
         windowID = gameWindow && gameWindow->isVisible() ? gameID : mainID;
 
+    if (event.type == SDL_WINDOWEVENT && windowID == gameID) gameWindow->windowEvent();
     if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_EXPOSED && windowID == gameID) {
         // Uncovered (a menu or an alert went away): the last frame goes up again at once, also
         // when no timer will draw a new one (a stopped score screen).
@@ -58,13 +59,13 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         if (windowID == gameID) returnToMain();
         else if (windowID == mainID) terminate();
         else if (windowID == popupID && popup_) closePopup();
-        else if (windowID == helpID && helpWindow_) helpWindow_->close();
+        else if (windowID == helpID && helpWindow_) closeHelp();
         return;
     }
     // The help window reads like a page: Escape or F1 closes it.
     if (windowID == helpID && helpWindow_) {
         if (event.type == SDL_KEYDOWN && (event.key.keysym.sym == SDLK_ESCAPE || event.key.keysym.sym == SDLK_F1)) {
-            helpWindow_->close();
+            closeHelp();
             return;
         }
         if (helpWindow_->surface().processEvent(event)) helpFrames_ = kMainWindowFramesPerChange;
@@ -150,6 +151,14 @@ void TolvarAppDelegate::closePopup() {
     popup_->close();
     // The keyboard goes back to the game window (no window manager hands it back by itself).
     if (gameWindow && gameWindow->isVisible()) SDL_SetWindowInputFocus(gameWindow->sdlWindow());
+}
+
+void TolvarAppDelegate::closeHelp() {
+    if (!helpWindow_ || !helpWindow_->isOpen()) return;
+    helpWindow_->close();
+    // The keyboard goes back to the window the help was over: the game's while it shows.
+    if (gameWindow && gameWindow->isVisible()) SDL_SetWindowInputFocus(gameWindow->sdlWindow());
+    else if (window && window->surface().isVisible()) SDL_SetWindowInputFocus(window->surface().sdlWindow());
 }
 
 void TolvarAppDelegate::checkUserEvents() {
