@@ -171,9 +171,10 @@ void Engine::processEvents() {
     else
         impl_->beforeLastTick.reset();
     impl_->dispatcher.processEvents();
-    // No undo past the best-score check of a finished game.
+    // No undo past the best-score check of a finished game, and no cursor on its score screen.
     if (impl_->ctx.gamePaused != 0 && impl_->ctx.hasGame()) {
         impl_->history.forget();
+        impl_->cursor.reset();
         impl_->finished = true;
     }
 }

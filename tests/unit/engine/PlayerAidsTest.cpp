@@ -70,14 +70,18 @@ TEST_F(PlayerAidsTest, NewBoardsAndTheEndOfAGameForgetTheMoves) {
         EXPECT_FALSE(engine.canUndo());
         EXPECT_EQ(selectedCount(running()), 0);
     }
-    // One region of two: removing it ends the game; no undo past the best-score check.
+    // One region of two: removing it ends the game; no undo past the best-score check, and the
+    // keyboard cursor of a game played with the keys goes with the board.
     start(with(createTestGameOne(), {{"BoardWidth", 2}, {"BoardHeight", 1}}), {2, 2});
     click({0, 0}, {0, 0});
+    key(kKeyUpArrow);
+    ASSERT_TRUE(engine.cursor());
     key(U' ');
     ASSERT_TRUE(engine.canUndo());
     ASSERT_TRUE(engine.hasUnfinishedGame());
     tick();
     EXPECT_EQ(engine.gamePaused(), 1);
+    EXPECT_FALSE(engine.cursor()) << "Return on the score screen is no click on the cursor's cell";
     EXPECT_FALSE(engine.canUndo());
     EXPECT_FALSE(engine.undo());
     EXPECT_FALSE(engine.hasUnfinishedGame());
