@@ -77,7 +77,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
             ImGui::EndMenu();
         }
         if (ImGui::BeginMenu(menu.title().c_str(), menu.enabled())) {
-            for (int i = 0; i < ActionsMenu::kItemCount; ++i) {
+            for (const int i : ActionsPopup::boundItems(menu)) {
                 const ActionsMenuItem& item = menu.item(i);
                 const std::string shortcut = keyEquivalentLabel(item.keyEquivalent);
                 const std::string label = item.title + "##action" + std::to_string(i);
@@ -206,16 +206,37 @@ void MainWindow::drawAlert() {
 }
 
 ActionsPopup::ActionsPopup(const std::string& fontFile, float fontPixels)
-    : surface_("Actions", 0, 0, kWidth, kHeight,
+    : surface_("Actions", 0, 0, kWidth, heightFor(ActionsMenu()),
                SDL_WINDOW_POPUP_MENU | SDL_WINDOW_BORDERLESS | SDL_WINDOW_SKIP_TASKBAR | SDL_WINDOW_ALWAYS_ON_TOP,
                fontFile, fontPixels) {}
 
-void ActionsPopup::openAt(int x, int y) {
+std::vector<int> ActionsPopup::boundItems(const ActionsMenu& menu) {
+    std::vector<int> bound;
+    if (!menu.enabled()) return bound;
+    for (int i = 0; i < ActionsMenu::kItemCount; ++i)
+        if (menu.item(i).enabled) bound.push_back(i);
+    return bound;
+}
+
+int ActionsPopup::heightFor(const ActionsMenu& menu) {
+    const int actions = static_cast<int>(boundItems(menu).size());
+    return 2 * kPadding + (actions + kGameItemCount + 1) * kRowHeight + (actions > 0 ? 2 : 1) * kSeparatorHeight;
+}
+
+bool ActionsPopup::contains(int x, int y) const {
+    int w = 0, h = 0;
+    SDL_GetWindowSize(surface_.sdlWindow(), &w, &h);
+    return x >= 0 && y >= 0 && x < w && y < h;
+}
+
+void ActionsPopup::openAt(int x, int y, const ActionsMenu& menu) {
+    const int height = heightFor(menu);
+    SDL_SetWindowSize(surface_.sdlWindow(), kWidth, height);
     // Kept whole on the screen: near the right or bottom edge it opens to the left or upward.
     SDL_Rect bounds{0, 0, 0, 0};
-    if (SDL_GetDisplayBounds(0, &bounds) == 0 && bounds.w > kWidth && bounds.h > kHeight) {
+    if (SDL_GetDisplayBounds(0, &bounds) == 0 && bounds.w > kWidth && bounds.h > height) {
         if (x + kWidth > bounds.x + bounds.w) x -= kWidth;
-        if (y + kHeight > bounds.y + bounds.h) y -= kHeight;
+        if (y + height > bounds.y + bounds.h) y -= height;
         if (x < bounds.x) x = bounds.x;
         if (y < bounds.y) y = bounds.y;
     }
@@ -264,17 +285,20 @@ ActionsPopup::Choice ActionsPopup::draw(const ActionsMenu& menu, const GameMenuS
                  ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings);
     const float width = io.DisplaySize.x;
     float y = static_cast<float>(kPadding);
-    for (int i = 0; i < ActionsMenu::kItemCount; ++i, y += kRowHeight) {
+    const std::vector<int> bound = boundItems(menu);
+    for (const int i : bound) {
         const ActionsMenuItem& item = menu.item(i);
         const std::string id = "##item" + std::to_string(i);
-        if (popupRow(id.c_str(), y, width, item.title, keyEquivalentLabel(item.keyEquivalent),
-                     menu.enabled() && item.enabled)) {
+        if (popupRow(id.c_str(), y, width, item.title, keyEquivalentLabel(item.keyEquivalent), true)) {
             choice.kind = Choice::Kind::Action;
             choice.actionIndex = i;
         }
+        y += kRowHeight;
     }
-    popupSeparator(y);
-    y += kSeparatorHeight;
+    if (!bound.empty()) {
+        popupSeparator(y);
+        y += kSeparatorHeight;
+    }
     for (const GameMenuItem& item : gameMenuItems()) {
         const std::string id = std::string("##game") + item.title;
         if (popupRow(id.c_str(), y, width, item.title, item.keys, game.enabled(item.command))) {

@@ -69,9 +69,12 @@ public:
     static constexpr int kRowHeight = 30;
     static constexpr int kSeparatorHeight = 9;
     static constexpr int kGameItemCount = 4;
-    // The "Actions" items, a separator, the "Game" items, a separator, then "Return to Main Window".
-    static constexpr int kHeight =
-        2 * kPadding + (ActionsMenu::kItemCount + kGameItemCount + 1) * kRowHeight + 2 * kSeparatorHeight;
+
+    // The "Actions" items a rule binds (their indexes): the only ones listed, in both menus.
+    static std::vector<int> boundItems(const ActionsMenu& menu);
+    // The bound "Actions" items and a separator (none when no item is bound), the "Game" items, a
+    // separator, then "Return to Main Window".
+    static int heightFor(const ActionsMenu& menu);
 
     struct Choice {
         enum class Kind { None, Action, Game, ReturnToMain };
@@ -84,8 +87,10 @@ public:
 
     bool valid() const { return surface_.valid(); }
     ImGuiSurface& surface() { return surface_; }
-    // Shows the menu with its top left corner at the screen point (x, y).
-    void openAt(int x, int y);
+    // Shows the menu of menu's bound items with its top left corner at the screen point (x, y).
+    void openAt(int x, int y, const ActionsMenu& menu);
+    // A point of the menu's window (its pixels from the top left) inside it.
+    bool contains(int x, int y) const;
     void close();
     bool isOpen() const { return surface_.isVisible(); }
 

@@ -80,9 +80,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
             return;
         }
         // A click outside the open menu dismisses it (the menu holds the mouse while open).
-        if (event.type == SDL_MOUSEBUTTONDOWN &&
-            (event.button.x < 0 || event.button.y < 0 || event.button.x >= ActionsPopup::kWidth ||
-             event.button.y >= ActionsPopup::kHeight)) {
+        if (event.type == SDL_MOUSEBUTTONDOWN && !popup_->contains(event.button.x, event.button.y)) {
             closePopup();
             return;
         }
@@ -133,7 +131,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         if (current->type == kEventTypeRightMouseDown && popup_) {
             int gx = 0, gy = 0;
             SDL_GetGlobalMouseState(&gx, &gy);
-            popup_->openAt(gx, gy);
+            popup_->openAt(gx, gy, menu_);
             popupFrames_ = kMainWindowFramesPerChange;
         }
     }

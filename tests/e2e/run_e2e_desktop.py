@@ -9,8 +9,8 @@ import signal
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from tolvar_driver import (HELP_H, HELP_W, MAIN_W, MENU_BAR_H, POPUP_H, POPUP_PAD, POPUP_ROW, POPUP_W,  # noqa: E402
-                           SCREEN_H, SCREEN_W, SELECTED, Layout, check, full, key, removes, run_test_script,
+from tolvar_driver import (HELP_H, HELP_W, MAIN_W, MENU_BAR_H, POPUP_ACTIONS, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
+                           POPUP_W, SCREEN_H, SCREEN_W, SELECTED, Layout, check, full, key, removes, run_test_script,
                            select_region, touches)
 
 HINT, CURSOR = (0, 229, 255), (255, 255, 255)  # the hint's outline round its cells, the cursor's inside its cell
@@ -56,9 +56,11 @@ def ask_hint(t, lay, size):
 
 
 def popup_item(t, at, row):
-    """Chooses row `row` of the game window's right-click menu (0-7 actions, then New Game, Undo, Redo, Hint)."""
+    """Chooses row `row` of the game window's right-click menu (the bound actions, then New Game, Undo, Redo,
+    Hint)."""
     px, py = t.open_menu(at)
-    t.click(px + 60, py + POPUP_PAD + row * POPUP_ROW + (9 if row >= 8 else 0) + POPUP_ROW / 2)
+    y = py + POPUP_PAD + row * POPUP_ROW + (9 if row >= POPUP_ACTIONS else 0) + POPUP_ROW / 2
+    t.click(px + 60, y)
     t.wait_for(lambda: not t.find_window(POPUP_W, POPUP_H, True), 10, "the menu to close")
 
 
@@ -80,8 +82,9 @@ def test_keyboard(t):
     def same_but_region(now):  # the selected pieces spin, so their colours are not compared
         return all(now[x][y] == selected[x][y] for x, y in lay.cells() if (x, y) not in region)
 
+    undo_row, redo_row = POPUP_ACTIONS + 1, POPUP_ACTIONS + 2  # after New Game
     for undo, redo in ((lambda: key(t, "ctrl+z"), lambda: key(t, "ctrl+shift+z")),
-                       (lambda: popup_item(t, centre, 9), lambda: popup_item(t, centre, 10))):
+                       (lambda: popup_item(t, centre, undo_row), lambda: popup_item(t, centre, redo_row))):
         undo()
         t.wait_for(lambda: same_but_region(lay.colours(t.shot())), 10, "the board before the removal")
         t.wait_shot(lambda s: len(hint_cells(s, lay, SELECTED)) == len(region), "the selection back")
