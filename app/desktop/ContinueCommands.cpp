@@ -95,7 +95,11 @@ void TolvarAppDelegate::continueGame() {
     if (engine_->hasUnfinishedGame()) storeRunningGame(engine_->savedGame());
     const Value saved = saved_.at(offer.title);
     continueNote_ = engine_->continueGame(saved, rulesOf(offer.title), menu_);
-    if (continueNote_.empty()) saved_.erase(offer.title);
+    if (continueNote_.empty()) {
+        saved_.erase(offer.title);
+        // The game played is the one chosen from now on: the main window and Start name it.
+        selectGame(offer.title);
+    }
     mainFrames_ = kMainWindowFramesPerChange;
 }
 

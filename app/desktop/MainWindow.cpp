@@ -137,20 +137,21 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::TextUnformatted(heading.c_str());  // one line, clipped at the window's edge
     if (surface_.boldFont()) ImGui::PopFont();
 
-    // The description: read-only, wrapped, scrolling.
-    const float buttonsHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f;
+    // The description: read-only, wrapped, scrolling; under it, which game Continue goes on with.
+    const float continueHeight = continueText.empty() ? 0.0f : ImGui::GetTextLineHeightWithSpacing();
+    const float buttonsHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f + continueHeight;
     ImGui::PushStyleColor(ImGuiCol_ChildBg, ImVec4(1, 1, 1, 1));
     ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, ImVec2(12, 10));
     ImGui::BeginChild("##description", ImVec2(0, -buttonsHeight), true, ImGuiWindowFlags_AlwaysUseWindowPadding);
     std::vector<Paragraph> page;
     if (!library.descriptionText().empty()) page.push_back({library.descriptionText()});
     addFindings(page, library, rules);
-    if (!continueText.empty()) page.push_back({continueText});
     if (!note.empty()) page.push_back({note, kErrorColour});
     description_.draw(std::move(page));
     ImGui::EndChild();
     ImGui::PopStyleVar();
     ImGui::PopStyleColor();
+    if (!continueText.empty()) ImGui::TextUnformatted(continueText.c_str());  // one line, clipped at the edge
 
     // Start and Return sit at the bottom right, as in a dialog.
     const float buttonWidth = 120.0f;

@@ -124,7 +124,10 @@ void TolvarAppDelegate::showHelp() {
     // window, the game is not lost.
     if (engine_ && engine_->hasUnfinishedGame()) saveGameOnQuit();
     openHelpWindow();
-    helpWindow_->showGame(gameHelp(library_.currentRules()));
+    // The help of the game being played (a continued game may be none the main window chose),
+    // else of the chosen one.
+    const bool shown = gameWindow && gameWindow->isVisible() && runningGame();
+    helpWindow_->showGame(gameHelp(shown ? rulesOf(runningGame()->gameName) : library_.currentRules()));
     helpFrames_ = kMainWindowFramesPerChange;
 }
 
