@@ -25,4 +25,4 @@ def test_help(t):
 
 
 if __name__ == "__main__":
-    run_test_script({"help": test_help}, "continued-")
+    run_test_script({"help": test_help})

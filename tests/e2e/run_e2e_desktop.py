@@ -156,7 +156,7 @@ def test_pages(t):
     lay = t.start(*VEXAMOR)
     saved = os.path.join(t.folder, "SavedGame.dict")
     key(t, "F1")
-    helpw = t.help_window()
+    helpw = t.help_window("Vexamor - Tolvar Help")  # named after the game it helps with
     check(os.path.exists(saved), "the unfinished game is not saved when help shows")
     hx, hy = t.geometry(helpw)
     t.wait_shot(lambda s: s.count(hx, hy, hx + HELP_W, hy + HELP_H, lambda p: max(p) < 90, 2) > 2000, "help's text")
