@@ -92,7 +92,9 @@ TEST(CurrentEvent, KeyDownAndUpButNoRepeats) {
     const auto down = currentEventFromSdl(key(SDL_KEYDOWN, SDLK_SPACE, SDL_SCANCODE_SPACE), 768);
     const auto up = currentEventFromSdl(key(SDL_KEYUP, SDLK_SPACE, SDL_SCANCODE_SPACE), 768);
     const auto esc = currentEventFromSdl(key(SDL_KEYDOWN, SDLK_ESCAPE, SDL_SCANCODE_ESCAPE), 768);
-    ASSERT_TRUE(down && up && esc);
+    ASSERT_TRUE(down);
+    ASSERT_TRUE(up);
+    ASSERT_TRUE(esc);
     EXPECT_EQ(down->type, kEventTypeKeyDown);
     EXPECT_EQ(down->characters, " ");
     EXPECT_EQ(up->type, kEventTypeKeyUp);
