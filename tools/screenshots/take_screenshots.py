@@ -43,6 +43,18 @@ def save(t, path, x, y, w, h, shot=None):
     print("wrote", path)
 
 
+def landed(t, pause=0.4):
+    """The screen once it has stopped changing: the falling pieces are down (a picture for the docs, not a
+    test, so it may look for a still screen)."""
+    last = t.shot().raw
+    while True:
+        time.sleep(pause)
+        now = t.shot().raw
+        if now == last:
+            return now
+        last = now
+
+
 def save_fall(t, path, gx, gy):
     """Removes the selected region and keeps a picture taken while the pieces above it fall: the
     screen as it was neither before the removal nor once the pieces have landed."""
@@ -51,8 +63,7 @@ def save_fall(t, path, gx, gy):
     shots, deadline = [], time.monotonic() + 2.0
     while time.monotonic() < deadline:
         shots.append(t.shot())
-    t.settle()
-    after = t.shot().raw
+    after = landed(t)
     between = [s for s in shots if s.raw not in (before, after)]
     if between:
         save(t, path, gx, gy, WIN_W, WIN_H, between[len(between) // 2])
