@@ -3,7 +3,6 @@
 of 1024 x 600, with openbox managing the windows or without a manager.
 run_e2e_screens.py --program build/bin/tolvar --test small|small_managed|fullscreen_managed"""
 
-import argparse
 import os
 import re
 import subprocess
@@ -12,8 +11,8 @@ import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import tolvar_driver  # noqa: E402
-from tolvar_driver import (FRAME_H, ITEM_SPACING_Y, MAIN_PAD_X, MAIN_PAD_Y, MENU_BAR_H, Failure, Tolvar,  # noqa: E402
-                           check)
+from tolvar_driver import (FRAME_H, ITEM_SPACING_Y, MAIN_PAD_X, MAIN_PAD_Y, MENU_BAR_H, Tolvar,  # noqa: E402
+                           check, run_test_script)
 
 SMALL_W, SMALL_H = 1024, 600
 
@@ -129,23 +128,15 @@ def test_fullscreen_managed(t):
     t.wait_for(lambda: t.rect(t.game) == before, 10, "the window back as it was, %s" % (before,))
 
 
+def small_screen(program, name):  # the driver's server and screenshots at 1024 x 600
+    SmallScreen.managed = name.endswith("_managed")
+    tolvar_driver.SCREEN_W, tolvar_driver.SCREEN_H = SMALL_W, SMALL_H
+    return SmallScreen(program, "screens-" + name)
+
+
 def main():
-    tests = {"small": test_small, "small_managed": test_small_managed, "fullscreen_managed": test_fullscreen_managed}
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--test", required=True, choices=tuple(tests))
-    args = parser.parse_args()
-    SmallScreen.managed = args.test.endswith("_managed")
-    tolvar_driver.SCREEN_W, tolvar_driver.SCREEN_H = SMALL_W, SMALL_H  # the driver's screenshots and server
-    t = SmallScreen(os.path.abspath(args.program), "screens-" + args.test)
-    try:
-        tests[args.test](t)
-        t.finish()
-    except Failure as e:
-        sys.exit("FAILED %s: %s" % (args.test, e))
-    finally:
-        t.close()
-    print("passed", args.test)
+    run_test_script({"small": test_small, "small_managed": test_small_managed,
+                     "fullscreen_managed": test_fullscreen_managed}, small_screen)
 
 
 if __name__ == "__main__":

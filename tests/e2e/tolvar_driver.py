@@ -463,13 +463,13 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         return layout
 
 
-def run_test_script(tests):
-    """--program P --test NAME: runs tests[NAME](t) on a Tolvar of its own."""
+def run_test_script(tests, make=None):
+    """--program P --test NAME: runs tests[NAME](t) on a Tolvar of its own, or on make(program, NAME)."""
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
     parser.add_argument("--test", required=True, choices=tuple(tests))
     args = parser.parse_args()
-    t = Tolvar(os.path.abspath(args.program), args.test)
+    t = (make or Tolvar)(os.path.abspath(args.program), args.test)
     try:
         tests[args.test](t)
         t.finish()
