@@ -14,21 +14,15 @@ void ShowRecorder::drawBoard(const GameInfo& game) {
 void ShowRecorder::animatePiece(const GameInfo&, const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
                                 std::uint32_t endX, std::uint32_t endY) {
     if (!motionShown_) return;  // the next frame of the board shows the piece where it lands
-    // Each coordinate steps toward its end and then stays, so the walk always ends, even for an
-    // end point off the straight line of the steps.
-    auto toward = [](std::uint32_t from, std::uint32_t to) { return from < to ? from + 1 : (from > to ? from - 1 : from); };
-    std::uint32_t x = startX, y = startY;
-    do {
+    walkFall(startX, startY, endX, endY, [&](std::uint32_t fromX, std::uint32_t fromY, std::uint32_t toX, std::uint32_t toY) {
         ShowStep step;
         step.kind = ShowStep::Kind::Fall;
         step.piece = piece;
-        step.fromX = x, step.fromY = y;
-        x = toward(x, endX);
-        y = toward(y, endY);
-        step.toX = x, step.toY = y;
+        step.fromX = fromX, step.fromY = fromY;
+        step.toX = toX, step.toY = toY;
         step.holdSeconds = kFallingStepSeconds;
         queue_.append(std::move(step));
-    } while (x != endX || y != endY);
+    });
 }
 
 void ShowRecorder::displayScores(const Value& scores, int highlight) {

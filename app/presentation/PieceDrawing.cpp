@@ -11,6 +11,7 @@
 #include "DXFtoSprite.h"
 #include "engine/BoardLayout.h"
 #include "presentation/DrawingHelpers.h"
+#include "presentation/ShowQueue.h"
 #include "presentation/ShownBoard.h"
 
 namespace tolvar {
@@ -246,20 +247,9 @@ void GameView::drawIndividualPiece(const GameInfo& game, const BoardPiece* piece
 void GameView::animatePiece(const GameInfo& game, const BoardPiece& piece, std::uint32_t startX, std::uint32_t startY,
                             std::uint32_t endX, std::uint32_t endY) {
     if (!motionShown_) return;  // the next frame of the board shows the piece where it lands
-    BoardPiece moving = piece;
-    moving.x = startX;
-    moving.y = startY;
-    // Each coordinate steps toward its end and then stays, so the walk always ends, even for an
-    // end point off the straight line of the steps.
-    auto toward = [](std::uint32_t from, std::uint32_t to) {
-        return from < to ? from + 1 : (from > to ? from - 1 : from);
-    };
-    do {
-        const std::uint32_t x = moving.x, y = moving.y;
-        moving.x = toward(x, endX);
-        moving.y = toward(y, endY);
-        drawFallStep(game, piece, x, y, moving.x, moving.y);
-    } while (moving.x != endX || moving.y != endY);
+    walkFall(startX, startY, endX, endY, [&](std::uint32_t fromX, std::uint32_t fromY, std::uint32_t toX, std::uint32_t toY) {
+        drawFallStep(game, piece, fromX, fromY, toX, toY);
+    });
 }
 
 void GameView::drawFallStep(const GameInfo& game, const BoardPiece& piece, std::uint32_t fromX, std::uint32_t fromY,

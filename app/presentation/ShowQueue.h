@@ -21,6 +21,20 @@ namespace tolvar {
 inline constexpr double kFlashFrameSeconds = 0.1;
 inline constexpr double kFallingStepSeconds = 0.001;
 
+// The walk of a falling piece from (x, y) to (endX, endY), one cell a step: step(fromX, fromY,
+// toX, toY) for each. Each coordinate steps toward its end and then stays, so the walk always
+// ends, even for an end point off the straight line of the steps.
+template <typename Step>
+void walkFall(std::uint32_t x, std::uint32_t y, std::uint32_t endX, std::uint32_t endY, Step step) {
+    const auto toward = [](std::uint32_t from, std::uint32_t to) { return from < to ? from + 1 : (from > to ? from - 1 : from); };
+    do {
+        const std::uint32_t fromX = x, fromY = y;
+        x = toward(x, endX);
+        y = toward(y, endY);
+        step(fromX, fromY, x, y);
+    } while (x != endX || y != endY);
+}
+
 // A frame of the board as drawBoard(game) would draw it, with what places the board in the
 // window (a launcher's margin, square cells), so a 2 x 1 board lies where the game's mouse looks.
 struct BoardPicture {
