@@ -10,14 +10,14 @@ void unlinkChain(std::unique_ptr<Record>& next) {
     while (rest) rest = std::move(rest->next);
 }
 
-// A copy of the chain from first, record by record in its order (without recursion).
+// A copy of the chain from first, record by record in its order (without recursion);
+// copyRecord(record) makes a record's copy without its successors.
 template <typename Record, typename CopyRecord>
 std::unique_ptr<Record> copyChain(const Record* first, CopyRecord copyRecord) {
     std::unique_ptr<Record> head;
     std::unique_ptr<Record>* tail = &head;
     for (const Record* r = first; r; r = r->next.get()) {
-        *tail = std::make_unique<Record>();
-        copyRecord(**tail, *r);
+        *tail = copyRecord(*r);
         tail = &(*tail)->next;
     }
     return head;
@@ -43,29 +43,30 @@ std::unique_ptr<GameInfo> copyOfGame(const GameInfo& game) {
     copy->scoreMultiplier = game.scoreMultiplier;
     copy->gameName = game.gameName;
     copy->descriptionText = game.descriptionText;
-    const auto event = [](SupportedEvent& to, const SupportedEvent& from) {
-        to.eventID = from.eventID;
-        to.eventType = from.eventType;
-        to.actions = from.actions;
-    };
+    const auto event = [](const SupportedEvent& from) { return from.copyForQueue(); };
     copy->eventQueue = copyChain(game.eventQueue.get(), event);
     copy->events = copyChain(game.events.get(), event);
-    copy->userEvents = copyChain(game.userEvents.get(), [](SupportedUserEvent& to, const SupportedUserEvent& from) {
-        to.userEventID = from.userEventID;
-        to.userEventType = from.userEventType;
-        to.userEventCharacter = from.userEventCharacter;
-        to.minimumPieces = from.minimumPieces;
-        to.triggerAction = from.triggerAction;
+    copy->userEvents = copyChain(game.userEvents.get(), [](const SupportedUserEvent& from) {
+        auto to = std::make_unique<SupportedUserEvent>();
+        to->userEventID = from.userEventID;
+        to->userEventType = from.userEventType;
+        to->userEventCharacter = from.userEventCharacter;
+        to->minimumPieces = from.minimumPieces;
+        to->triggerAction = from.triggerAction;
+        return to;
     });
-    copy->completionCriteria =
-        copyChain(game.completionCriteria.get(), [](CompletionCriterion& to, const CompletionCriterion& from) {
-            to.completionID = from.completionID;
-            to.completionType = from.completionType;
-            to.completionValue = from.completionValue;
-        });
-    copy->variables = copyChain(game.variables.get(), [](GameVariable& to, const GameVariable& from) {
-        to.variableID = from.variableID;
-        to.variableValue = from.variableValue;
+    copy->completionCriteria = copyChain(game.completionCriteria.get(), [](const CompletionCriterion& from) {
+        auto to = std::make_unique<CompletionCriterion>();
+        to->completionID = from.completionID;
+        to->completionType = from.completionType;
+        to->completionValue = from.completionValue;
+        return to;
+    });
+    copy->variables = copyChain(game.variables.get(), [](const GameVariable& from) {
+        auto to = std::make_unique<GameVariable>();
+        to->variableID = from.variableID;
+        to->variableValue = from.variableValue;
+        return to;
     });
     copy->selectColor = game.selectColor;
     return copy;
