@@ -22,8 +22,7 @@ void HelpWindow::showPage(const char* title) {
 void HelpWindow::showGame(GameHelp help) {
     help_ = std::move(help);
     page_ = Page::Game;
-    const std::string title = help_.title.empty() ? std::string("Tolvar Help")
-                                                  : shownLine(help_.title, kShownNameCharacters) + " - Tolvar Help";
+    const std::string title = titleNaming(help_.title, "Tolvar Help");
     showPage(title.c_str());
 }
 

@@ -191,11 +191,6 @@ void TolvarAppDelegate::runLoop() {
 }
 
 namespace {
-// "Vexamor - Tolvar": a window's title names the game it shows, when there is one.
-std::string titleNaming(const std::string& game, const char* window) {
-    return game.empty() ? std::string(window) : shownLine(game, kShownNameCharacters) + " - " + window;
-}
-
 void retitle(SDL_Window* window, const std::string& title) {
     if (window && title != SDL_GetWindowTitle(window)) SDL_SetWindowTitle(window, title.c_str());
 }

@@ -39,4 +39,8 @@ std::string shownLine(std::string_view text, std::size_t limit) {
     return cut.moreCharacters == 0 ? std::move(cut.shown) : cut.shown + kEllipsis;
 }
 
+std::string titleNaming(const std::string& game, const std::string& window) {
+    return game.empty() ? window : shownLine(game, kShownNameCharacters) + " - " + window;
+}
+
 }  // namespace tolvar

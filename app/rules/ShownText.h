@@ -28,5 +28,8 @@ CutText cutText(std::string_view text, std::size_t limit);
 std::string shownDescription(std::string_view text);
 // A name or a line as the windows show it: whole up to limit characters, else its start and "…".
 std::string shownLine(std::string_view text, std::size_t limit);
+// A window's title naming the game it shows ("Vexamor - Tolvar"); the window's own name alone
+// when there is no game.
+std::string titleNaming(const std::string& game, const std::string& window);
 
 }  // namespace tolvar
