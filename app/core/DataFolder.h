@@ -1,5 +1,6 @@
 // The player's data folder: $XDG_DATA_HOME/Tolvar, with XDG_DATA_HOME defaulting to
-// ~/.local/share when unset, empty or relative. It holds "RulesDict.dict" and "BestScores.dict".
+// ~/.local/share when unset, empty or relative. It holds "RulesDict.dict", "BestScores.dict",
+// the saved games and "Settings.dict".
 #pragma once
 
 #include <string>
