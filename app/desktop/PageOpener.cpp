@@ -16,26 +16,13 @@
 #include <thread>
 #include <utility>
 
+#include "desktop/Descriptor.h"
+
 extern char** environ;
 
 namespace tolvar {
 
 namespace {
-
-// A file descriptor, closed with its owner.
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    ~Descriptor() {
-        if (fd_ >= 0) ::close(fd_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return fd_; }
-
-private:
-    int fd_;
-};
 
 // A descriptor of the process that becomes readable when it ends (Linux 5.3), asked of the kernel
 // directly: the C library's own declaration is not usable from C++ everywhere.

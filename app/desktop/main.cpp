@@ -16,7 +16,7 @@ constexpr const char* kHelp =
     "Plays the puzzle games of the rules file RulesDict.dict in $XDG_DATA_HOME/Tolvar\n"
     "(~/.local/share/Tolvar): pick a game in the main window and press Start.\n"
     "The engine's diagnostics are printed on standard output. A rules file saved while the\n"
-    "game runs is read again within a second, with what the checker finds in it.\n"
+    "game runs is read again at once, with what the checker finds in it.\n"
     "\n"
     "  --rules FILE  play the games of FILE instead (the data folder's rules file is then\n"
     "                neither read nor written)\n"
