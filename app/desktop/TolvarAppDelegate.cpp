@@ -84,9 +84,9 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
 
     // 3. The piece sprites: every slot empty.
     view_->clearPieceSprites(1);
-    // 4. The game menu, from a file that is looked at again each second.
+    // 4. The game menu, from a file that is read again whenever it changes.
     rules_.load(library_);
-    timers_.schedule(kRulesLookInterval, [this] { reloadRulesWhenChanged(); });
+    watchRulesFile();
     readSavedGame();
 
     // Only the main window is made before it shows; the game window follows once it is up
@@ -104,9 +104,21 @@ void TolvarAppDelegate::playFrom(const std::string& rulesFile, const std::string
     startTitle_ = gameTitle;
 }
 
+void TolvarAppDelegate::watchRulesFile() {
+    // Made anew after each reading, so that a link pointed at another file is followed there.
+    rulesFileWatch_ = std::make_unique<FileWatch>(rules_.path());
+    if (rulesFileWatch_->watching()) {
+        timers_.invalidate(rulesLookTimer_);
+        rulesLookTimer_ = 0;
+    } else if (!timers_.isValid(rulesLookTimer_)) {
+        rulesLookTimer_ = timers_.schedule(kRulesLookInterval, [this] { reloadRulesWhenChanged(); });
+    }
+}
+
 void TolvarAppDelegate::reloadRulesWhenChanged() {
     if (!rules_.changedOnDisk()) return;
     rules_.load(library_);
+    watchRulesFile();
     checkSavedGames();
     // Nothing of the old file is kept; the memory its reading took goes back to the system
     // (the allocator would keep the freed pages of many small pieces for itself).
@@ -181,6 +193,7 @@ void TolvarAppDelegate::runLoop() {
         if (got) {
             dispatch(event);
             while (!quit_ && SDL_PollEvent(&event)) dispatch(event);
+            wakeEventTick();
         }
         if (quit_) break;
         timers_.fireDue();
@@ -345,10 +358,8 @@ void TolvarAppDelegate::showGameWindow() {
     gameWindow->orderFront();
     gameWindow->makeCurrentContext();
     view_->setNeedsDisplay();
-    if (eventTickSuspended_) {
-        eventTickSuspended_ = false;
-        eventTimer = timers_.schedule(kEventTimerInterval, [this] { eventTick(); });
-    }
+    eventTickSuspended_ = false;
+    wakeEventTick();
 }
 
 void TolvarAppDelegate::hideGameWindow() {
@@ -356,11 +367,9 @@ void TolvarAppDelegate::hideGameWindow() {
     if (gameWindow) gameWindow->orderOut();
     // Nobody sees a hidden game: its tick rests until the window is shown again, so the game
     // costs nothing while the player is in the main window. Queued events wait for it.
-    if (eventTimer != 0) {
-        timers_.invalidate(eventTimer);
-        eventTimer = 0;
-        eventTickSuspended_ = true;
-    }
+    timers_.invalidate(eventTimer);
+    eventTimer = 0;
+    eventTickSuspended_ = true;
 }
 
 void TolvarAppDelegate::showMainWindow() {
@@ -374,9 +383,13 @@ void TolvarAppDelegate::hideMainWindow() {
 }
 
 void TolvarAppDelegate::scheduleEngineTimers() {
-    if (eventTimer != 0 || eventTickSuspended_) return;
-    eventTimer = timers_.schedule(kEventTimerInterval, [this] { eventTick(); });
     userEventTimer = true;
+    wakeEventTick();
+}
+
+void TolvarAppDelegate::wakeEventTick() {
+    if (!userEventTimer || eventTickSuspended_ || eventTimer != 0) return;
+    eventTimer = timers_.schedule(kEventTimerInterval, [this] { eventTick(); });
 }
 
 void TolvarAppDelegate::eventTick() {
@@ -385,6 +398,10 @@ void TolvarAppDelegate::eventTick() {
     engine_->processEvents();
     // An event that came while a start was pending is seen once the start has gone through.
     checkUserEvents();
+    if (!engine_->hasPendingEvents()) {
+        timers_.invalidate(eventTimer);
+        eventTimer = 0;
+    }
 }
 
 

@@ -19,6 +19,7 @@
 #include "engine/Host.h"
 #include "core/BestScoresFile.h"
 #include "core/DataFolder.h"
+#include "desktop/FileWatch.h"
 #include "desktop/PageOpener.h"
 #include "desktop/ProgramKeys.h"
 #include "core/SavedGamesFile.h"
@@ -109,7 +110,10 @@ private:
     void writingGamesViewerEnded(Sint32 status);
     void tellWhereWritingGamesIs(const std::string& problem, const std::string& path);
     void checkUserEvents();
+    // The event tick runs while the game has something to do: after every input and every
+    // start, until a tick leaves no event queued; at rest nothing wakes the program.
     void eventTick();
+    void wakeEventTick();
     void closePopup();
     // Puts the help away and gives the keyboard back to the game window, or the main window.
     void closeHelp();
@@ -130,8 +134,11 @@ private:
     // answer it; anything else is ignored.
     void alertInput(const CurrentEvent& input);
     std::string menuSignature() const;
-    // Reads the rules file again when it changed on disk (a look a second).
+    // Reads the rules file again when it changed on disk.
     void reloadRulesWhenChanged();
+    // The kernel tells when the rules file changes; where it cannot, the file is looked at
+    // each second.
+    void watchRulesFile();
 
     std::unique_ptr<MyWindow> gameWindow;
     std::unique_ptr<GameView> view_;
@@ -141,6 +148,8 @@ private:
     std::unique_ptr<Engine> engine_;
     GameLibrary library_;
     RulesWatch rules_;
+    std::unique_ptr<FileWatch> rulesFileWatch_;
+    Timers::Id rulesLookTimer_ = 0;  // only where rulesFileWatch_ cannot watch
     std::string startTitle_;  // the game to start at once
     BestScoresFile bestScores_{tolvarFolderPath()};
     ActionsMenu menu_;

@@ -19,6 +19,10 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         terminate();
         return;
     }
+    if (event.type == FileWatch::changedEventType()) {
+        reloadRulesWhenChanged();
+        return;
+    }
     if (event.type == PageOpener::endedEventType()) {
         writingGamesViewerEnded(event.user.code);
         return;

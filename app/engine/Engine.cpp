@@ -384,6 +384,11 @@ const GameOutput& Engine::output() const { return impl_->ctx.out; }
 int Engine::gameStarted() const { return impl_->ctx.gameStarted; }
 int Engine::gamePaused() const { return impl_->ctx.gamePaused; }
 
+bool Engine::hasPendingEvents() const {
+    const EngineContext& ctx = impl_->ctx;
+    return ctx.hasGame() && (ctx.game().eventQueue != nullptr || ctx.gameStarted != 0);
+}
+
 void Engine::printBoardColors() const {
     if (impl_->ctx.hasGame()) tolvar::printBoardColors(impl_->ctx.game(), impl_->ctx.out);
 }

@@ -137,6 +137,8 @@ public:
 
     int gameStarted() const;
     int gamePaused() const;
+    // True while a tick has something to do: events queued, or a start not yet announced.
+    bool hasPendingEvents() const;
 
     // For the headless runner and the tests: the colour numbers of the running board
     // (nothing without one), and the cells of the last mouse gesture (nullptr for none).

@@ -276,11 +276,18 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         (c0, t0), _, (c1, t1) = used(), time.sleep(seconds), used()
         return 100.0 * (c1 - c0) / (t1 - t0)
 
-    def check_idle(self, what):  # a program at rest takes no processor time
+    def main_thread_wakeups(self):  # the times the program's main thread has woken so far
+        with open("/proc/%d/task/%d/status" % (self.proc.pid, self.proc.pid)) as f:
+            return next(int(l.split()[1]) for l in f if l.startswith("voluntary_ctxt_switches:"))
+
+    def check_idle(self, what):  # a program at rest takes no processor time and does not wake
         time.sleep(0.5)
+        woken = self.main_thread_wakeups()
         used = self.cpu_percent(3.0)
-        print("%s: %.1f %% of a core" % (what, used))
+        woken = self.main_thread_wakeups() - woken
+        print("%s: %.1f %% of a core, %d wake-ups in 3 s" % (what, used, woken))
         check(used < 2.0, "%s uses %.1f %% of a core" % (what, used))
+        check(woken <= 3, "%s woke %d times in 3 s with nothing to do" % (what, woken))
 
     def wait_for(self, condition, timeout, what):
         deadline = time.monotonic() + timeout

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Measures the desktop game under Xvfb and prints one table: exec to the main window, Start to the
-first board, processor use over 10 s in five states (main window; a "Vexamor" board at rest; one region
+first board, processor use (and, at rest, the main thread's wake-ups) over 10 s in five states (main window; a "Vexamor" board at rest; one region
 of 3 spiky pieces selected; the score screen; the game hidden behind the main window), the peak
 resident memory with a board showing, and the time of a full frame and of a one-cell redraw.
 
@@ -57,7 +57,9 @@ def session(program, seconds, seed):
     figures = {"exec to main window (ms)": 1000.0 * t.startup_seconds}
     try:
         time.sleep(1.0)
+        woken = t.main_thread_wakeups()
         figures["main window, no game (% of a core)"] = t.cpu_percent(seconds)
+        figures["main window, no game (wake-ups a second)"] = (t.main_thread_wakeups() - woken) / seconds
         t.choose_game(1)
         t0 = time.monotonic()
         t.press_start()
@@ -65,7 +67,9 @@ def session(program, seconds, seed):
         t.wait_shot(lambda s: all(c for col in lay.colours(s) for c in col), "a piece in every cell")
         figures["Start to board (ms)"] = 1000.0 * (time.monotonic() - t0)
         time.sleep(1.0)
+        woken = t.main_thread_wakeups()
         figures["board at rest (% of a core)"] = t.cpu_percent(seconds)
+        figures["board at rest (wake-ups a second)"] = (t.main_thread_wakeups() - woken) / seconds
         figures["peak resident memory, board showing (MiB)"] = peak_resident_mib(t.proc.pid)
         cell = region_of(lay.colours(t.shot()), 3)
         if cell:
