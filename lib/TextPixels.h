@@ -1,5 +1,5 @@
-// Text drawn into pixels with a named font (fontconfig picks the font file, SDL2_ttf draws).
-// Used by the texture loaders only.
+// Text drawn into pixels with a named font (fontconfig picks the font file, SDL2_ttf draws), and
+// the one lookup of font files by family that the windows and the textures share.
 #pragma once
 
 #include <cstdint>
@@ -11,9 +11,18 @@ namespace tolvar::text {
 // Largest point size the game draws text at; larger sizes draw nothing.
 inline constexpr int kMaxPointSize = 2048;
 
-// The font file fontconfig finds closest to a family name ("Helvetica"); an unknown family
-// gives fontconfig's default sans font. Empty when fontconfig knows no font at all.
+// The regular, upright TrueType or OpenType file fontconfig finds closest to a family name
+// ("Helvetica", "sans-serif"); an unknown family gives fontconfig's default sans font. Empty when
+// fontconfig knows no such font at all. Every drawer of text can read the file it gives.
 std::string fontFileFor(const std::string& family);
+
+// The size a line of UTF-8 text takes in pixels at a point size (one point a pixel): its advance
+// and the font's line height. Zero for empty text, no font or a size out of range.
+struct TextSize {
+    int width = 0;
+    int height = 0;
+};
+TextSize measureText(const std::string& text, const std::string& family, int pointSize);
 
 // A string drawn into straight-alpha RGBA pixels, rows top first, 4 bytes per pixel.
 // `ascent` is the row of the baseline counted from the top.

@@ -13,7 +13,7 @@
 #include <exception>
 
 #include "Textures.h"
-#include "desktop/FontLookup.h"
+#include "TextPixels.h"
 #include "engine/RandomSequence.h"
 #include "desktop/SdlEvents.h"
 #include "rules/ShownText.h"
@@ -26,12 +26,10 @@ constexpr double kScoresTimerInterval = 0.033;
 constexpr double kRulesLookInterval = 1.0;  // how soon a saved rules file shows
 
 std::string interfaceFontFile() {
-    for (const char* family : {"sans-serif", "DejaVu Sans", "Nimbus Sans"}) {
-        std::string file = findFontFile(family);
-        if (!file.empty()) return file;
-    }
-    std::fprintf(stderr, "tolvar: no interface font found through fontconfig; using the built-in font\n");
-    return {};
+    std::string file = text::fontFileFor("sans-serif");
+    if (file.empty())
+        std::fprintf(stderr, "tolvar: no interface font found through fontconfig; using the built-in font\n");
+    return file;
 }
 }  // namespace
 

@@ -18,7 +18,6 @@
 #include "ImageFile.h"
 #include "engine/BoardLayout.h"
 #include "presentation/DrawingHelpers.h"
-#include "presentation/ScoreText.h"
 #include "presentation/ShownBoard.h"
 
 namespace tolvar {
@@ -43,7 +42,9 @@ using drawing::drawText;
 using drawing::kBackgroundTexelsHigh;
 using drawing::kBackgroundTexelsWide;
 
-GameView::GameView(Host& host, Window window) : host_(host), window_(std::move(window)) {}
+GameView::GameView(Host& host, Window window) : host_(host), window_(std::move(window)) {
+    texts_.setDisplayScale(window_.displayScale);
+}
 
 GameView::~GameView() = default;
 
@@ -269,9 +270,8 @@ void GameView::drawBoardPicture(const GameInfo& game, const BoardLayout& L, cons
 
     glDisable(GL_LIGHTING);
     drawMarks(L, marks);
-    glColor4f(0.5f, 0.0f, 0.5f, 1.0f);
-    drawText(winWidth - L.left + 10, winHeight - L.m - 9, boardScoreText(game.score));
-    drawText(2.0f, winHeight - L.m - 9, boardGameNameText(game.gameName));
+    // The texts last, over anything that reaches beside the board.
+    texts_.drawBoardTexts(L, game.gameName, game.score, patch);
 }
 
 namespace {

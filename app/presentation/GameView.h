@@ -18,6 +18,7 @@
 #include "core/PropertyList.h"
 #include "presentation/AlertLayout.h"
 #include "presentation/ShownBoard.h"
+#include "presentation/WindowTexts.h"
 #include "rules/GameInfo.h"
 
 namespace tolvar {
@@ -61,6 +62,9 @@ public:
         // from (so a board dealt after a score screen is the one the game would deal). None: the
         // view's own sequence.
         std::function<std::int32_t()> random;
+        // The display's density against a 1080-line screen: the window's texts are never smaller
+        // than a readable size times it.
+        float displayScale = 1.0f;
     };
 
     GameView(Host& host, Window window);
@@ -112,6 +116,8 @@ public:
     // The number of score-screen models flying (20 once the first screen has been drawn).
     int scoreModelCount() const;
     int currentHighlight() const { return currHighlight; }
+    // Where the last frames put the name, the score and the score screen's tables.
+    const WindowTexts& texts() const { return texts_; }
 
     // Degrees that selected shape-1 pieces have turned: 0 at first, 3 more after every full frame.
     std::int64_t rotValue = 0;
@@ -147,6 +153,7 @@ private:
     std::vector<SpritePtr> forgottenSprites_;
     // What the window shows of the board.
     ShownBoard shown_;
+    WindowTexts texts_;
     // Set when "Spikes" could not be read, so a board does not try again on every frame.
     bool pieceModelMissing_ = false;
     bool motionShown_ = true;  // false: no frame of the board is drawn, no flash or fall held

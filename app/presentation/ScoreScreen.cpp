@@ -7,12 +7,14 @@
 #include <string>
 
 #include "DXFtoSprite.h"
-#include "presentation/DrawingHelpers.h"
 #include "presentation/ScoreText.h"
 
 namespace tolvar {
 
-using drawing::drawText;
+namespace {
+// The best scores the screen lists, from the first.
+constexpr std::size_t kScoreRowsShown = 20;
+}  // namespace
 
 std::int32_t GameView::sysRandom() { return window_.random ? window_.random() : ownRandom_.next(); }
 
@@ -98,7 +100,7 @@ void GameView::drawScoresFrame(const Value& scores) {
     shown_.forget();
     lastFrame_ = Frame::Scores;
     if (&scores != &lastScores_) lastScores_ = scores;
-    std::size_t n = scoreEntryCount(scores);
+    const std::size_t n = scoreEntryCount(scores);
 
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_LIGHTING);
@@ -108,29 +110,19 @@ void GameView::drawScoresFrame(const Value& scores) {
     makeScoreModels();
     flyScoreModels();
 
-    if (n > 20) n = 20;
-    glDisable(GL_LIGHTING);
-    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-    drawText(10.0f, winHeight - 30, "Last Score:");
-    glColor4f(0.5f, 0.0f, 0.5f, 1.0f);
-    drawText(20.0f, winHeight - 70, lastScoreText(runningGame() ? runningGame()->score : 0));
-    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-    drawText(winWidth / 2 - 120, winHeight - 30, "Best Scores:");
-
-    for (std::size_t i = 0; i < n; ++i) {
+    // The tables over the models: the pieces fly behind them.
+    ScoreScreenTexts texts;
+    texts.lastHeading = "Last Score";
+    texts.lastScore = lastScoreText(runningGame() ? runningGame()->score : 0);
+    texts.bestHeading = "Best Scores";
+    texts.hint = "(press 'esc' to play again)";
+    for (std::size_t i = 0; i < std::min(n, kScoreRowsShown); ++i) {
         const ScoreEntry entry = scoreEntryAt(scores, i);
         const int row = static_cast<int>(i);
-        if (row == currHighlight)
-            glColor4f(0.75f, 0.0f, 0.75f, 1.0f);
-        else
-            glColor4f(0.5f, 0.0f, 0.5f, 1.0f);
-        drawText(winWidth / 2 - 120, winHeight - static_cast<float>((row + 2) * 20) - 30,
-                 scoreRowText(row, entry.score, scoreDateText(entry.date)));
+        texts.rows.push_back(ScoreTableRow{scoreRankText(row), rowScoreText(entry.score), scoreDateText(entry.date),
+                                           row == currHighlight});
     }
-
-    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-    drawText(winWidth / 2 - 120, winHeight - static_cast<float>((static_cast<int>(n) + 3) * 20) - 30,
-             "(press 'esc' to play again)");
+    texts_.drawScoreTables(texts);
 
     glFlush();
     if (window_.flushBuffer) window_.flushBuffer();

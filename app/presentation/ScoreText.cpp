@@ -45,10 +45,9 @@ std::string scoreDateText(const Date* date) {
     return std::string(buffer, n);
 }
 
-std::string scoreRowText(int index, std::int32_t score, const std::string& dateText) {
-    const char* format = index < 9 ? "#%d:   %04d    %s\n" : "#%d: %04d    %s\n";
-    return formatCut(kScreenTextSize, format, index + 1, static_cast<int>(score), dateText.c_str());
-}
+std::string scoreRankText(int index) { return formatCut(kScreenTextSize, "#%d", index + 1); }
+
+std::string rowScoreText(std::int32_t score) { return formatCut(kScreenTextSize, "%04d", static_cast<int>(score)); }
 
 std::string lastScoreText(std::uint64_t score) {
     return formatCut(kScreenTextSize, "%04d", static_cast<int>(static_cast<std::int32_t>(score)));

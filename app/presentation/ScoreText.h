@@ -1,5 +1,5 @@
 // The texts of the game window, formatted into the fixed-size buffers the drawing uses: the
-// score beside the board, the game's name, and the rows of the score screen.
+// score beside the board, the game's name, and the columns of the score screen's rows.
 #pragma once
 
 #include <cstdint>
@@ -24,9 +24,10 @@ std::string boardGameNameText(const std::string& gameName);
 // A date as "Mon dd, yyyy HH:mm" in the user's time locale (local time); empty for no date.
 std::string scoreDateText(const Date* date);
 
-// Row `index` (0-based) of the best scores, line feed included: "#1:   0042    <date>\n"; the
-// ranks from 10 on have one blank after the colon instead of three. Cut to 127 bytes.
-std::string scoreRowText(int index, std::int32_t score, const std::string& dateText);
+// The rank of row `index` (0-based) of the best scores: "#1".
+std::string scoreRankText(int index);
+// A best score's figure: "%04d" ("0042", "-003").
+std::string rowScoreText(std::int32_t score);
 
 // The last score on the score screen ("%04d" of its low 32 bits).
 std::string lastScoreText(std::uint64_t score);

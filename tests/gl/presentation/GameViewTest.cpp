@@ -19,7 +19,18 @@ namespace {
 
 bool isBlack(const Rgb& p) { return p.r < 8 && p.g < 8 && p.b < 8; }
 bool isRed(const Rgb& p) { return p.r > 40 && p.r > 2 * p.g && p.r > 2 * p.b; }
-bool isText(const Rgb& p) { return near(p, 127, 0, 127, 3); }
+// The texts' colours where their glyphs are solid, and their dark backing.
+bool nearTone(const Rgb& p, TextTone tone) {
+    const float* c = toneColour(tone);
+    return near(p, int(c[0] * 255), int(c[1] * 255), int(c[2] * 255), 6);
+}
+bool isFigure(const Rgb& p) { return nearTone(p, TextTone::Figure); }
+bool isLabel(const Rgb& p) { return nearTone(p, TextTone::Label); }
+bool isHeading(const Rgb& p) { return nearTone(p, TextTone::Heading); }
+bool isRow(const Rgb& p) { return nearTone(p, TextTone::Row); }
+bool isHighlight(const Rgb& p) { return nearTone(p, TextTone::Highlight); }
+bool isBacking(const Rgb& p) { return p.r + p.g + p.b < 120; }
+int inkIn(const TextBox& b, bool (*colour)(const Rgb&)) { return countPixels(b.x, b.y, b.right() - 1, b.top() - 1, colour); }
 // A lit piece: its own colour channels stand out, the others stay dark.
 bool looksLike(const Rgb& p, const BoardPiece& c) {
     auto ok = [](int v, float want) { return want > 0.5f ? v > 90 : v < 40; };
@@ -38,6 +49,7 @@ protected:
         gameInfo = std::make_unique<GameInfo>();
         gameInfo->boardWidth = static_cast<std::uint8_t>(w), gameInfo->boardHeight = static_cast<std::uint8_t>(h);
         gameInfo->squareShapes = square, gameInfo->hasLauncher = launcher, gameInfo->score = 7;
+        gameInfo->gameName = "Vexamor";
         gameInfo->board.resize(static_cast<std::size_t>(w) * h);
         for (int x = 0; x < w; ++x)
             for (int y = 0; y < h; ++y) {
@@ -92,9 +104,17 @@ TEST_F(GameViewTest, FrameAndPiecesStandAtTheirComputedPlaces) {
             EXPECT_EQ(countPixels(x - 20, 300, x - 4, 300, isFrame) + countPixels(x + 4, 300, x + 20, 300, isFrame), 0);
         }
         for (int y : {top, bottom}) EXPECT_TRUE(!y || countPixels(500, y - 2, 500, y + 2, isFrame) > 0) << y;
-        if (!launcher) {
-            EXPECT_GT(countPixels(896, 744, 1023, 767, isText), 30) << "the score beside the board";
-        }
+        // The score's label and digits where the layout puts them, on their backing, beside the board.
+        const BoardTexts& texts = view.texts().boardTexts();
+        ASSERT_EQ(texts.score.lines.size(), 2u);
+        EXPECT_GT(inkIn(texts.score.lines[0].box, isLabel), 20) << "the label";
+        EXPECT_GT(inkIn(texts.score.lines[1].box, isFigure), 30) << "the digits";
+        EXPECT_EQ(inkIn(texts.score.lines[0].box, isFigure), 0) << "the label in its own colour";
+        EXPECT_TRUE(isBacking(pixelAt(texts.score.backing.x + 1, texts.score.backing.y + 1)));
+        EXPECT_TRUE(isBacking(pixelAt(texts.name.backing.right() - 2, texts.name.backing.top() - 2)));
+        EXPECT_GT(inkIn(texts.name.lines.at(0).box, isHeading), 20) << "the name";
+        EXPECT_TRUE(!left || texts.name.backing.right() < left - 1) << "the name clear of the frame";
+        EXPECT_TRUE(!right || texts.score.backing.x > right + 1) << "the score clear of the frame";
         for (int x = 0; x < w; ++x)
             for (int y = 0; y < h; ++y) EXPECT_TRUE(looksLike(probe(x, y), cell(x, y))) << "cell " << x << "," << y;
     }
@@ -260,32 +280,40 @@ Value scoreList(int count) {
     }
     return Value::array(std::move(entries));
 }
-bool isHighlight(const Rgb& p) { return near(p, 191, 0, 191, 3); }
-bool isWhite(const Rgb& p) { return p.r > 240 && p.g > 240 && p.b > 240; }
-// Text pixels of score row `index`, from y = 698 down, 20 apart (the hint's place counts as a row).
-int rowPixels(int index, bool (*colour)(const Rgb&)) { return countPixels(392, 694 - 20 * index, 692, 711 - 20 * index, colour); }
+// The ink of score row `index` (its rank, score and date) in a colour, where the layout puts it.
+int rowPixels(const GameView& view, std::size_t index, bool (*colour)(const Rgb&)) {
+    const ScoreScreenLayout& l = view.texts().scoreLayout();
+    if (index >= l.rowsShown) return 0;
+    int ink = 0;
+    for (std::size_t cell = 0; cell < 3; ++cell) ink += inkIn(l.best.lines[1 + 3 * index + cell].box, colour);
+    return ink;
+}
+int hintPixels(const GameView& view) { return inkIn(view.texts().scoreLayout().best.lines.back().box, isLabel); }
 
 TEST_F(ScoreScreenTest, RowsHighlightAndHintOnABlackScreenTwentyAtMost) {
     glClearColor(0.9f, 0.9f, 0.9f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
     view.displayScores(scoreList(3), -1);
-    for (int i = 0; i < 3; ++i) EXPECT_GT(rowPixels(i, isText), 40) << "row " << i;
-    EXPECT_EQ(rowPixels(3, isText) + rowPixels(0, isHighlight), 0);
-    EXPECT_GT(rowPixels(4, isWhite), 40) << "hint";
-    EXPECT_GT(countPixels(10, 734, 150, 752, isWhite), 30) << "the last score's heading";
-    EXPECT_GT(countPixels(392, 734, 560, 752, isWhite), 30) << "the best scores' heading";
-    EXPECT_GT(countPixels(20, 694, 80, 712, isText), 20) << "the last score";
+    const ScoreScreenLayout& l = view.texts().scoreLayout();
+    EXPECT_EQ(l.rowsShown, 3u);
+    for (std::size_t i = 0; i < 3; ++i) EXPECT_GT(rowPixels(view, i, isRow), 40) << "row " << i;
+    EXPECT_EQ(rowPixels(view, 0, isHighlight), 0);
+    EXPECT_GT(hintPixels(view), 40) << "hint";
+    EXPECT_GT(inkIn(l.last.lines.at(0).box, isHeading), 30) << "the last score's heading";
+    EXPECT_GT(inkIn(l.best.lines.at(0).box, isHeading), 30) << "the best scores' heading";
+    EXPECT_GT(inkIn(l.last.lines.at(1).box, isFigure), 20) << "the last score";
+    EXPECT_TRUE(isBacking(pixelAt(l.best.backing.right() - 2, l.best.backing.y + 1)));
     EXPECT_TRUE(isBlack(pixelAt(1010, 10)));
     EXPECT_TRUE(isBlack(pixelAt(1010, 740)));
     view.displayScores(Value::string("not a list"), -1);
-    EXPECT_EQ(rowPixels(0, isText), 0);
-    EXPECT_GT(rowPixels(1, isWhite), 40) << "hint";
+    EXPECT_EQ(view.texts().scoreLayout().rowsShown, 0u);
+    EXPECT_GT(hintPixels(view), 40) << "hint";
     view.displayScores(scoreList(25), 3);
-    EXPECT_GT(rowPixels(3, isHighlight), 40);
-    EXPECT_EQ(rowPixels(3, isText), 0);
-    EXPECT_GT(rowPixels(19, isText), 40);
-    EXPECT_EQ(rowPixels(20, isText) + rowPixels(20, isHighlight), 0) << "of 25 entries";
-    EXPECT_GT(rowPixels(21, isWhite), 40) << "hint";
+    EXPECT_GT(rowPixels(view, 3, isHighlight), 40);
+    EXPECT_EQ(rowPixels(view, 3, isRow), 0);
+    EXPECT_GT(rowPixels(view, 19, isRow), 40);
+    EXPECT_EQ(view.texts().scoreLayout().rowsShown, 20u) << "of 25 entries";
+    EXPECT_GT(hintPixels(view), 40) << "hint";
 }
 
 TEST_F(ScoreScreenTest, TimerFramesKeepTheHighlightAndFlyTheModelsOut) {
@@ -296,10 +324,20 @@ TEST_F(ScoreScreenTest, TimerFramesKeepTheHighlightAndFlyTheModelsOut) {
     EXPECT_EQ(window.flushes, 31);
     EXPECT_EQ(window.displays, 31);
     EXPECT_EQ(view.currentHighlight(), 3);
-    EXPECT_GT(rowPixels(3, isHighlight), 40);
-    EXPECT_GT(rowPixels(2, isText), 40);
+    EXPECT_GT(rowPixels(view, 3, isHighlight), 40);
+    EXPECT_GT(rowPixels(view, 2, isRow), 40);
     EXPECT_EQ(view.scoreModelCount(), 20);
     EXPECT_GT(countPixels(0, 0, 1023, 560, [](const Rgb& p) { return p.r + p.g + p.b > 40; }), 200) << "spread out";
+    // The models fly behind the table: through its backing they show dimmed, and nothing but its
+    // texts shows bright over it.
+    const TextPanel& table = view.texts().scoreLayout().best;
+    const auto outsideTexts = [&](bool (*colour)(const Rgb&)) {
+        int n = inkIn(table.backing, colour);
+        for (const PlacedText& line : table.lines) n -= inkIn(line.box, colour);
+        return n;
+    };
+    EXPECT_GT(outsideTexts([](const Rgb& p) { return p.r + p.g + p.b > 40; }), 0) << "models behind the table";
+    EXPECT_EQ(outsideTexts([](const Rgb& p) { return p.r > 110 || p.g > 110 || p.b > 110; }), 0) << "none over it";
     host.stopScoresTimer();  // the space bar
     view.displayScores(scores, -1);
     EXPECT_EQ(host.scoresTimerStarts, 2);
