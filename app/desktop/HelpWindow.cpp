@@ -2,6 +2,7 @@
 
 #include <imgui.h>
 
+#include "desktop/DisplayScale.h"
 #include "desktop/ProgramKeys.h"
 #include "rules/ShownText.h"
 
@@ -12,7 +13,8 @@
 namespace tolvar {
 
 HelpWindow::HelpWindow(const std::string& fontFile, float fontPixels)
-    : surface_("Tolvar Help", 700, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels) {}
+    : surface_("Tolvar Help", 700, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels,
+               displayScale()) {}
 
 void HelpWindow::showPage(const char* title) {
     SDL_SetWindowTitle(surface_.sdlWindow(), title);
@@ -109,7 +111,8 @@ bool HelpWindow::draw() {
     ImGui::SetNextWindowSize(io.DisplaySize);
     ImGui::Begin("##help", nullptr,
                  ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings);
-    const float closeHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f;
+    const float scale = surface_.scale();
+    const float closeHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f * scale;
     ImGui::BeginChild("##page", ImVec2(0, -closeHeight));
     switch (page_) {
         case Page::Game: drawGame(); break;
@@ -117,7 +120,7 @@ bool HelpWindow::draw() {
         case Page::WritingGames: drawWritingGames(); break;
     }
     ImGui::EndChild();
-    const float buttonWidth = 120.0f;
+    const float buttonWidth = 120.0f * scale;
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());
     ImGui::SetCursorPosX(ImGui::GetWindowContentRegionMax().x - buttonWidth);
     if (ImGui::Button("Close", ImVec2(buttonWidth, 0))) keepOpen = false;

@@ -5,6 +5,7 @@
 #include <backends/imgui_impl_opengl2.h>
 #include <backends/imgui_impl_sdl.h>
 
+#include <cmath>
 #include <cstdio>
 
 #include "desktop/WindowPlacement.h"
@@ -12,12 +13,14 @@
 namespace tolvar {
 
 ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, int height, Uint32 flags,
-                           const std::string& fontFile, float fontPixels) {
+                           const std::string& fontFile, float fontPixels, float scale)
+    : scale_(scale) {
+    const auto scaled = [scale](int v) { return static_cast<int>(std::lround(static_cast<float>(v) * scale)); };
     SDL_GL_ResetAttributes();
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_COMPATIBILITY);
     SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
     SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);
-    window_.reset(SDL_CreateWindow(title.c_str(), x, y, width, height,
+    window_.reset(SDL_CreateWindow(title.c_str(), scaled(x), scaled(y), scaled(width), scaled(height),
                                    SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN | flags));
     if (!window_) {
         std::fprintf(stderr, "tolvar: could not make the window \"%s\": %s\n", title.c_str(), SDL_GetError());
@@ -38,6 +41,7 @@ ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, in
     ImGuiIO& io = ImGui::GetIO();
     io.IniFilename = nullptr;
     io.LogFilename = nullptr;
+    fontPixels *= scale;
     if (!fontFile.empty()) {
         // Latin-1 and the general punctuation ("…", dashes and quotes that descriptions use).
         static const ImWchar kGlyphs[] = {0x0020, 0x00FF, 0x2000, 0x206F, 0};
@@ -73,6 +77,7 @@ ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, in
     style.WindowBorderSize = 0.0f;
     style.FrameBorderSize = 1.0f;
     style.PopupBorderSize = 1.0f;
+    style.ScaleAllSizes(scale);
     style.Colors[ImGuiCol_WindowBg] = ImVec4(0.94f, 0.94f, 0.95f, 1.0f);
     style.Colors[ImGuiCol_PopupBg] = ImVec4(1.0f, 1.0f, 1.0f, 1.0f);  // menus hide what lies below
     style.Colors[ImGuiCol_MenuBarBg] = ImVec4(0.88f, 0.88f, 0.90f, 1.0f);

@@ -18,8 +18,10 @@ namespace tolvar {
 class ImGuiSurface {
 public:
     // flags: extra SDL window flags (SDL_WINDOW_POPUP_MENU, ...). The window starts hidden.
+    // scale: the display's density (desktop/DisplayScale); the place, the size, the font and the
+    // spacing given for a 1080-line screen are multiplied by it.
     ImGuiSurface(const std::string& title, int x, int y, int width, int height, Uint32 flags,
-                 const std::string& fontFile, float fontPixels);
+                 const std::string& fontFile, float fontPixels, float scale);
     ~ImGuiSurface();
     ImGuiSurface(const ImGuiSurface&) = delete;
     ImGuiSurface& operator=(const ImGuiSurface&) = delete;
@@ -30,6 +32,8 @@ public:
     bool isVisible() const;
     bool usesInterfaceFont() const { return interfaceFont_; }
     ImFont* boldFont() const { return boldFont_; }
+    // What sizes given for a 1080-line screen are multiplied by in this window.
+    float scale() const { return scale_; }
 
     // Feeds an event of this window to ImGui. Returns true when the window should be redrawn.
     bool processEvent(const SDL_Event& event);
@@ -50,6 +54,7 @@ private:
     SdlWindowPtr window_;
     SdlGlContextPtr context_;
     ImGuiContext* imgui_ = nullptr;  // owned: destroyed with ImGui::DestroyContext
+    float scale_ = 1.0f;
     bool interfaceFont_ = false;
     ImFont* boldFont_ = nullptr;
     bool placing_ = false;  // shown, and the window manager has not yet told its frame

@@ -2,12 +2,13 @@
 
 #include <imgui.h>
 
+#include "desktop/DisplayScale.h"
 #include "rules/ShownText.h"
 
 namespace tolvar {
 
 MainWindow::MainWindow(const std::string& fontFile, float fontPixels)
-    : surface_("Tolvar", 60, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels) {}
+    : surface_("Tolvar", 60, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels, displayScale()) {}
 
 namespace {
 
@@ -139,9 +140,10 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
 
     // The description: read-only, wrapped, scrolling; under it, which game Continue goes on with.
     const float continueHeight = continueText.empty() ? 0.0f : ImGui::GetTextLineHeightWithSpacing();
-    const float buttonsHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f + continueHeight;
+    const float scale = surface_.scale();
+    const float buttonsHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f * scale + continueHeight;
     ImGui::PushStyleColor(ImGuiCol_ChildBg, ImVec4(1, 1, 1, 1));
-    ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, ImVec2(12, 10));
+    ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, ImVec2(12 * scale, 10 * scale));
     ImGui::BeginChild("##description", ImVec2(0, -buttonsHeight), true, ImGuiWindowFlags_AlwaysUseWindowPadding);
     std::vector<Paragraph> page;
     if (!library.descriptionText().empty()) page.push_back({library.descriptionText()});
@@ -154,7 +156,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     if (!continueText.empty()) ImGui::TextUnformatted(continueText.c_str());  // one line, clipped at the edge
 
     // Start and Return sit at the bottom right, as in a dialog.
-    const float buttonWidth = 120.0f;
+    const float buttonWidth = 120.0f * scale;
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());
     if (refused) {
         ImGui::AlignTextToFramePadding();
@@ -189,11 +191,13 @@ void MainWindow::drawAlert() {
     const ImGuiIO& io = ImGui::GetIO();
     // Centred, never wider than the window: a long message wraps inside it.
     ImGui::SetNextWindowPos(ImVec2(io.DisplaySize.x / 2, io.DisplaySize.y / 2), ImGuiCond_Always, ImVec2(0.5f, 0.5f));
-    ImGui::SetNextWindowSizeConstraints(ImVec2(kWidth / 2.0f, 0), ImVec2(kWidth - 40.0f, kHeight - 40.0f));
+    const float scale = surface_.scale();
+    ImGui::SetNextWindowSizeConstraints(ImVec2(kWidth / 2.0f * scale, 0),
+                                        ImVec2((kWidth - 40.0f) * scale, (kHeight - 40.0f) * scale));
     const ImGuiWindowFlags flags = ImGuiWindowFlags_NoTitleBar | ImGuiWindowFlags_AlwaysAutoResize |
                                    ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings;
     if (!ImGui::BeginPopupModal(kAlertId, nullptr, flags)) return;
-    ImGui::PushTextWrapPos(kWidth - 80.0f);
+    ImGui::PushTextWrapPos((kWidth - 80.0f) * scale);
     ImGui::TextUnformatted(alerts_.front().first.c_str());
     ImGui::PopTextWrapPos();
     ImGui::Spacing();
@@ -209,7 +213,7 @@ void MainWindow::drawAlert() {
 ActionsPopup::ActionsPopup(const std::string& fontFile, float fontPixels)
     : surface_("Actions", 0, 0, kWidth, heightFor(ActionsMenu()),
                SDL_WINDOW_POPUP_MENU | SDL_WINDOW_BORDERLESS | SDL_WINDOW_SKIP_TASKBAR | SDL_WINDOW_ALWAYS_ON_TOP,
-               fontFile, fontPixels) {}
+               fontFile, fontPixels, 1.0f) {}
 
 std::vector<int> ActionsPopup::boundItems(const ActionsMenu& menu) {
     std::vector<int> bound;

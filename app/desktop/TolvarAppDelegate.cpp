@@ -15,6 +15,7 @@
 #include "Textures.h"
 #include "TextPixels.h"
 #include "engine/RandomSequence.h"
+#include "desktop/DisplayScale.h"
 #include "desktop/SdlEvents.h"
 #include "rules/ShownText.h"
 
@@ -75,6 +76,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     callbacks.marks = [this] { return BoardMarks{engine_ ? engine_->cursor() : std::nullopt, hint_}; };
     callbacks.game = [this] { return runningGame(); };
     callbacks.random = [this] { return engine_->random().next(); };
+    callbacks.displayScale = displayScale();
     view_ = std::make_unique<GameView>(*this, std::move(callbacks));
     recorder_ = std::make_unique<ShowRecorder>(show_, *view_, *this);
     engine_ = std::make_unique<Engine>(*recorder_, *this);
