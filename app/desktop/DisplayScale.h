@@ -4,8 +4,9 @@
 // In order: TOLVAR_DISPLAY_SCALE (a number, for tests and for players who want another size);
 // the desktop's own text density, Xft.dpi, against the usual 96 (what desktops set when the
 // player scales the screen, and what other programs follow); else the screen's height against
-// 1080 lines. The physical density the X server reports is not used: Xvfb and many real servers
-// report 96 whatever the screen, and televisions report sizes that mean nothing.
+// 1080 lines, which every X server knows, Xvfb too. The physical density is not used: under Xvfb
+// it is unknown (SDL_GetDisplayDPI fails), and a real screen's reported size may mean nothing
+// (televisions, projectors, servers set to 96 whatever the screen).
 #pragma once
 
 #include <string>
