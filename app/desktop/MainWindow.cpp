@@ -110,7 +110,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::Dummy(ImVec2(0, 2));
     ImGui::AlignTextToFramePadding();
     ImGui::TextUnformatted("Game");
-    ImGui::SameLine(80);
+    ImGui::SameLine(80 * surface_.scale());
     ImGui::SetNextItemWidth(ImGui::GetContentRegionAvail().x);
     // A game's name is shown cut to a length a line holds; the commands carry it whole.
     const std::string& selected = library.selectedTitle();
