@@ -100,7 +100,7 @@ void TolvarAppDelegate::showHint() {
     // The hint is the board's as the game stands: a flash still playing ends first.
     if (!playing() || !gameWindow || !gameReady()) return;
     gameWindow->makeCurrentContext();
-    hint_ = engine_->hint();
+    hint_ = engine_->hint().cells;
     view_->drawBoard(shownGame_);
 }
 

@@ -60,10 +60,14 @@ namespace {
 BoardCell cellOf(const BoardPiece& piece) { return {piece.x, piece.y}; }
 
 // The first piece and neighbour of another colour whose swap gives either of them a colour
-// region of at least minimumPieces; else the first two neighbours of different colours, a swap
-// that moves the pieces on.
-std::optional<LineMove> findGroupingSwap(const Board& board, std::uint32_t minimumPieces) {
-    std::optional<LineMove> anySwap;
+// region of at least minimumPieces (joins true), else the first two neighbours of different
+// colours, a swap that only moves the pieces on (joins false).
+struct GroupingSwap {
+    LineMove move;
+    bool joins = false;
+};
+std::optional<GroupingSwap> findGroupingSwap(const Board& board, std::uint32_t minimumPieces) {
+    std::optional<GroupingSwap> anySwap;
     const int w = board.width(), h = board.height();
     Flags flags = board.makeFlags();
     auto regionOf = [&](const BoardPiece& piece) {
@@ -83,8 +87,8 @@ std::optional<LineMove> findGroupingSwap(const Board& board, std::uint32_t minim
                 std::swap(p.colorIndex, q.colorIndex);
                 const bool joins = regionOf(p) >= minimumPieces || regionOf(q) >= minimumPieces;
                 std::swap(p.colorIndex, q.colorIndex);
-                if (joins) return LineMove{&p, &q};
-                if (!anySwap) anySwap = LineMove{&p, &q};
+                if (joins) return GroupingSwap{LineMove{&p, &q}, true};
+                if (!anySwap) anySwap = GroupingSwap{LineMove{&p, &q}, false};
             }
         }
     }
@@ -92,30 +96,30 @@ std::optional<LineMove> findGroupingSwap(const Board& board, std::uint32_t minim
 }
 }  // namespace
 
-std::vector<BoardCell> findHint(GameInfo& game, const GameOutput& out) {
+Hint findHint(GameInfo& game, const GameOutput& out) {
     if (!game.hasBoard()) return {};
     Board board(game, out);
     if (const SupportedUserEvent* select = userEventOfType(game, kUserEventSelectColorRegion)) {
         if (const BoardPiece* piece = findRegionMove(board, select->minimumPieces)) {
             Flags flags = board.makeFlags();
             board.getRegionColorCountForPiece(*piece, flags);
-            std::vector<BoardCell> cells;
+            Hint hint;
             for (const std::uint32_t id : flags.setNumbers())
-                if (const BoardPiece* p = board.getPieceByID(id)) cells.push_back(cellOf(*p));
-            return cells;
+                if (const BoardPiece* p = board.getPieceByID(id)) hint.cells.push_back(cellOf(*p));
+            return hint;
         }
     }
     if (const SupportedUserEvent* swap = userEventOfType(game, kUserEventSwapAdjacent)) {
-        std::optional<LineMove> move;
         if (game.setupMaxLinearColors != 0) {
-            move = findLineMove(board, game.setupMaxLinearColors);
-        } else {
-            const GameAction* trigger = swap->triggerAction.get();
-            const std::int32_t least = trigger ? trigger->minPieces : 0;
-            move = findGroupingSwap(board, static_cast<std::uint32_t>(least > 1 ? least : 2));
+            const std::optional<LineMove> move = findLineMove(board, game.setupMaxLinearColors);
+            if (move && move->partner) return {{cellOf(*move->piece), cellOf(*move->partner)}};
+            if (move) return {{cellOf(*move->piece)}};
+            return {};
         }
-        if (move && move->partner) return {cellOf(*move->piece), cellOf(*move->partner)};
-        if (move) return {cellOf(*move->piece)};
+        const GameAction* trigger = swap->triggerAction.get();
+        const std::int32_t least = trigger ? trigger->minPieces : 0;
+        if (const auto found = findGroupingSwap(board, static_cast<std::uint32_t>(least > 1 ? least : 2)))
+            return {{cellOf(*found->move.piece), cellOf(*found->move.partner)}, found->joins};
     }
     return {};
 }

@@ -22,10 +22,19 @@ struct LineMove {
     BoardPiece* partner = nullptr;
 };
 std::optional<LineMove> findLineMove(const Board& board, std::uint32_t limit);
-// A move for the player: the cells of the region the end test finds, or two neighbours to swap
-// (in a game without a line limit, the first swap that joins a group the swap's trigger
-// removes). Empty when the end test finds no move. Changes nothing.
-std::vector<BoardCell> findHint(GameInfo& game, const GameOutput& out);
+// A move for the player.
+struct Hint {
+    // The cells of the region the end test finds, or two neighbours to swap; empty when there is
+    // no move left.
+    std::vector<BoardCell> cells;
+    // False for a swap that makes no group: in a game without a line limit no swap joins a group
+    // the swap's trigger removes, and these two only move the pieces on.
+    bool makesGroup = true;
+    bool operator==(const Hint&) const = default;
+};
+// The hint for game as it stands: in a swap game without a line limit, the first swap that
+// joins a group, else the first swap of two colours, marked as making none. Changes nothing.
+Hint findHint(GameInfo& game, const GameOutput& out);
 
 class Completion {
 public:

@@ -221,7 +221,7 @@ bool Engine::redo() {
     return true;
 }
 
-std::vector<BoardCell> Engine::hint() const {
+Hint Engine::hint() const {
     if (!impl_->playing()) return {};
     return findHint(impl_->ctx.game(), impl_->ctx.out);
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/Board.h"
+#include "engine/Completion.h"
 #include "engine/GameSnapshot.h"
 #include "engine/Host.h"
 #include "engine/MovePreview.h"
@@ -79,8 +80,9 @@ public:
     bool canRedo() const;
 
     // hint: a move the game's own end test finds: the cells of a colour region, or the two
-    // neighbours to swap. Empty when there is none (or no game is being played). Changes nothing.
-    std::vector<BoardCell> hint() const;
+    // neighbours to swap (see findHint). No cells when there is none (or no game is being
+    // played). Changes nothing.
+    Hint hint() const;
 
     // What a move would bring, found by playing it and every event it causes on a copy of the
     // game (see MovePreview): previewClick, a click at window point (x, y) followed by the game's

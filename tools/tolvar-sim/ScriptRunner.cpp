@@ -287,7 +287,7 @@ std::string ScriptRunner::runLine(const std::string& line) {
     }
     if (command == "hint" || command == "cursor") {
         if (!arity(0)) return wrongCount;
-        std::vector<BoardCell> cells = engine_.hint();
+        std::vector<BoardCell> cells = engine_.hint().cells;
         if (command == "cursor") {
             cells.clear();
             if (const auto at = engine_.cursor()) cells.push_back(*at);

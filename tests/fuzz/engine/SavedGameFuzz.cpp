@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     for (int i = 0; i < 3; ++i) engine.processEvents();
-    if (const std::vector<BoardCell> move = engine.hint(); !move.empty()) {
+    if (const std::vector<BoardCell> move = engine.hint().cells; !move.empty()) {
         CurrentEvent click;
         click.x = 512, click.y = 384;
         for (const std::int64_t type : {kEventTypeMouseDown, kEventTypeMouseUp}) {

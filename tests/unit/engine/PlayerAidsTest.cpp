@@ -108,7 +108,7 @@ TEST_F(PlayerAidsTest, AGameLeftForTheMainWindowIsShownAgainAsItWas) {
 TEST_F(PlayerAidsTest, OnAHugeBoardTheOldestMovesGoFirst) {
     start(with(createTestGameOne(), {{"BoardWidth", 255}, {"BoardHeight", 255}}), {});
     const std::size_t kept = MoveHistory::kCellsKept / running().board.size();
-    const BoardCell cell = engine.hint().front();
+    const BoardCell cell = engine.hint().cells.front();
     for (std::size_t i = 0; i < kept + 3; ++i) click(cell, cell);  // selects and deselects
     std::size_t undone = 0;
     while (engine.undo()) ++undone;
@@ -137,17 +137,20 @@ TEST_F(PlayerAidsTest, HintsComeFromTheEndTestsSearchAndChangeNothing) {
         std::uint32_t userEventType;
         int lineLimit;
         std::vector<int> colours;  // 3 x 3, columns bottom to top
-        std::vector<BoardCell> hint;
+        Hint hint;
     };
     const Case cases[] = {
-        {"region", kUserEventSelectColorRegion, 0, {1, 2, 3, 4, 2, 2, 1, 3, 4}, {{0, 1}, {1, 1}, {1, 2}}},
+        {"region", kUserEventSelectColorRegion, 0, {1, 2, 3, 4, 2, 2, 1, 3, 4}, {{{0, 1}, {1, 1}, {1, 2}}}},
         {"a hole is no region", kUserEventSelectColorRegion, 0, {0, 0, 3, 4, 2, 1, 1, 3, 4}, {}},
         {"no region", kUserEventSelectColorRegion, 0, {1, 2, 1, 2, 1, 2, 1, 2, 1}, {}},
-        {"line by a swap", kUserEventSwapAdjacent, 2, {1, 5, 5, 5, 2, 3, 3, 4, 1}, {{0, 0}, {1, 0}}},
+        {"line by a swap", kUserEventSwapAdjacent, 2, {1, 5, 5, 5, 2, 3, 3, 4, 1}, {{{0, 0}, {1, 0}}}},
         {"no line", kUserEventSwapAdjacent, 2, {1, 2, 3, 2, 3, 1, 3, 1, 2}, {}},
-        {"swap that joins", kUserEventSwapAdjacent, 0, {1, 2, 3, 2, 3, 1, 3, 1, 4}, {{0, 0}, {1, 0}}},
-        {"swap that only moves", kUserEventSwapAdjacent, 0, {1, 2, 3, 4, 5, 6, 7, 8, 1}, {{0, 0}, {1, 0}}},
+        {"swap that joins", kUserEventSwapAdjacent, 0, {1, 2, 3, 2, 3, 1, 3, 1, 4}, {{{0, 0}, {1, 0}}}},
+        // The first swaps in the search's order join nothing; a later one does.
+        {"a later swap joins", kUserEventSwapAdjacent, 0, {1, 2, 3, 4, 5, 6, 7, 6, 8}, {{{1, 1}, {2, 1}}}},
+        {"swap that only moves", kUserEventSwapAdjacent, 0, {1, 2, 3, 4, 5, 6, 7, 8, 1}, {{{0, 0}, {1, 0}}, false}},
         {"one colour", kUserEventSwapAdjacent, 0, {1, 1, 1, 1, 1, 1, 1, 1, 1}, {}},
+        {"pieces apart", kUserEventSwapAdjacent, 0, {1, 0, 0, 0, 0, 0, 0, 0, 2}, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -159,7 +162,7 @@ TEST_F(PlayerAidsTest, HintsComeFromTheEndTestsSearchAndChangeNothing) {
         EXPECT_EQ(game->board, before);
     }
     start(smallVexamor(), kSmall);
-    EXPECT_EQ(engine.hint(), (std::vector<BoardCell>{{0, 0}, {1, 0}}));
+    EXPECT_EQ(engine.hint().cells, (std::vector<BoardCell>{{0, 0}, {1, 0}}));
 }
 
 TEST_F(PlayerAidsTest, TheCursorMovesOnTheBoardAndEnterClicksItsCell) {

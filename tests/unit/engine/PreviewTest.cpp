@@ -6,6 +6,7 @@
 
 #include "EngineFakes.h"
 #include "engine/BoardLayout.h"
+#include "engine/Completion.h"
 #include "engine/Engine.h"
 #include "rules/BuiltinGames.h"
 
@@ -118,6 +119,67 @@ TEST(MovePreviewTest, APreviewGivesTheScoreOfTheMoveThenMadeAndChangesNothing) {
         EXPECT_GT(moves, 100);
         EXPECT_GT(removals, 50);
     }
+}
+
+// Over positions of "Trindle" played at random: the hint is a swap that makes a group whenever a
+// swap of two pieces does (the game's own move, played on a copy, says whether it does), and it
+// says so; when none does, it is a swap that only moves the pieces on, and says that.
+TEST(MovePreviewTest, AHintInASwapGameMakesAGroupWhenASwapCan) {
+    const Value rules = createTestGameTwo();
+    constexpr int kSeeds = 12;
+    constexpr int kMaxMoves = 120;
+    int grouping = 0, movingOn = 0;
+    for (int seed = 1; seed <= kSeeds; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        StandInHost host;
+        StandInView view(host);
+        Engine engine(view, host, GameOutput::discarded());
+        ActionsMenu menu;
+        engine.random().seed(static_cast<std::uint32_t>(seed));
+        engine.startGame(&rules, menu);
+        engine.processEvents();
+        const GameInfo& game = *engine.game();
+        const BoardLayout layout = computeBoardLayout(game);
+        const auto x = [&](BoardCell c) { return layout.left + (static_cast<float>(c.column) + 0.5f) * layout.w; };
+        const auto y = [&](BoardCell c) { return layout.m + (static_cast<float>(c.row) + 0.5f) * layout.h; };
+        const auto holds = [&](BoardCell c) {
+            return c.column < game.boardWidth && c.row < game.boardHeight &&
+                   game.board[c.column * game.boardHeight + c.row].pieceID != 0;
+        };
+        const auto groups = [&](BoardCell a, BoardCell b) {
+            const std::optional<MovePreview> p = engine.previewDrag(x(a), y(a), x(b), y(b));
+            return p && p->pieces > 0;
+        };
+        std::mt19937 chooser(static_cast<std::uint32_t>(seed));
+        for (int m = 0; m < kMaxMoves && engine.gamePaused() == 0; ++m) {
+            bool anyGroups = false;
+            for (std::uint32_t c = 0; c < game.boardWidth && !anyGroups; ++c)
+                for (std::uint32_t r = 0; r < game.boardHeight && !anyGroups; ++r)
+                    for (const BoardCell to : {BoardCell{c + 1, r}, BoardCell{c, r + 1}})
+                        anyGroups = anyGroups || (holds({c, r}) && holds(to) && groups({c, r}, to));
+            const Hint hint = engine.hint();
+            ASSERT_EQ(hint.cells.size(), 2u) << "move " << m;
+            EXPECT_EQ(hint.makesGroup, anyGroups) << "move " << m;
+            EXPECT_EQ(groups(hint.cells[0], hint.cells[1]), anyGroups) << "move " << m;
+            ++(anyGroups ? grouping : movingOn);
+
+            // On with a swap of two pieces, one that groups or not.
+            const BoardCell from{static_cast<std::uint32_t>(chooser() % game.boardWidth),
+                                 static_cast<std::uint32_t>(chooser() % game.boardHeight)};
+            BoardCell to = from;
+            (chooser() % 2 ? to.column : to.row) += 1;
+            if (!holds(from) || !holds(to)) continue;
+            for (const auto& [type, at] : {std::pair{kEventTypeMouseDown, from}, {kEventTypeMouseUp, to}}) {
+                CurrentEvent e;
+                e.type = type, e.x = x(at), e.y = y(at);
+                engine.takeInput(e);
+            }
+            engine.processEvents();
+        }
+    }
+    // Both kinds of position were met.
+    EXPECT_GT(grouping, 100);
+    EXPECT_GT(movingOn, 10);
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ TEST_F(PlayerAidsTest, ReturnAndContinueGiveBackTheBoardLeftOverManyCycles) {
 
 TEST_F(PlayerAidsTest, ASavedGameGoesOnExactlyAndDamagedOrChangedOnesAreRefused) {
     start(with(createTestGameThree(), {{"BoardWidth", 5}, {"BoardHeight", 5}}), {});
-    const std::vector<BoardCell> move = engine.hint();
+    const std::vector<BoardCell> move = engine.hint().cells;
     ASSERT_EQ(move.size(), 2u);
     click(move[0], move[1]);  // its trigger is pending
     const std::optional<Value> saved = engine.savedGame();
@@ -145,7 +145,7 @@ TEST_F(PlayerAidsTest, AQuitWhileATickIsShownKeepsTheGameFromBeforeIt) {
 
 TEST_F(PlayerAidsTest, ASavedGameHoldingWhatNoRealGameCanIsRefusedWithTheReason) {
     start(with(createTestGameThree(), {{"BoardWidth", 5}, {"BoardHeight", 5}}), {});
-    const std::vector<BoardCell> move = engine.hint();
+    const std::vector<BoardCell> move = engine.hint().cells;
     click(move[0], move[1]);  // its trigger is pending
     const Value good = *engine.savedGame();
     const Dictionary& fields = *good.asDictionary();

@@ -38,7 +38,7 @@ public:
     void step() {
         if (engine_.gamePaused() != 0) {
             key(kKeyCodeEscape, "\x1b");
-        } else if (const std::vector<BoardCell> cells = engine_.hint(); !cells.empty()) {
+        } else if (const std::vector<BoardCell> cells = engine_.hint().cells; !cells.empty()) {
             if (swaps()) {
                 pointer(kEventTypeMouseDown, cells.front());
                 pointer(kEventTypeMouseUp, cells.back());
