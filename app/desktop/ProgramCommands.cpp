@@ -96,17 +96,26 @@ void TolvarAppDelegate::newGame() {
     engine_->newGame();
 }
 
+namespace {
+constexpr const char* kNoMoveLeft = "No move left";
+constexpr const char* kNoSwapGroups = "No swap makes a group: this one moves the pieces on";
+}  // namespace
+
 void TolvarAppDelegate::showHint() {
     // The hint is the board's as the game stands: a flash still playing ends first.
     if (!playing() || !gameWindow || !gameReady()) return;
     gameWindow->makeCurrentContext();
-    hint_ = engine_->hint().cells;
+    const Hint hint = engine_->hint();
+    hint_ = hint.cells;
+    hintNote_ = hint.cells.empty() ? kNoMoveLeft : hint.makesGroup ? "" : kNoSwapGroups;
+    if (!hintNote_.empty()) std::fprintf(stderr, "tolvar: hint: %s\n", hintNote_.c_str());
     view_->drawBoard(shownGame_);
 }
 
 void TolvarAppDelegate::clearHint() {
-    if (hint_.empty()) return;
+    if (hint_.empty() && hintNote_.empty()) return;
     hint_.clear();
+    hintNote_.clear();
     if (playing() && gameWindow && gameWindow->isVisible()) {
         gameWindow->makeCurrentContext();
         view_->drawBoard(shownGame_);

@@ -73,7 +73,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     callbacks.display = [this] {
         if (gameWindow) gameWindow->flushBuffer();
     };
-    callbacks.marks = [this] { return BoardMarks{engine_ ? engine_->cursor() : std::nullopt, hint_}; };
+    callbacks.marks = [this] { return boardMarks(); };
     callbacks.game = [this] { return runningGame(); };
     callbacks.random = [this] { return engine_->random().next(); };
     callbacks.displayScale = displayScale();
@@ -364,6 +364,7 @@ void TolvarAppDelegate::showGameWindow() {
 
 void TolvarAppDelegate::hideGameWindow() {
     if (popup_) closePopup();
+    pointerLeft();
     if (gameWindow) gameWindow->orderOut();
     // Nobody sees a hidden game: its tick rests until the window is shown again, so the game
     // costs nothing while the player is in the main window. Queued events wait for it.

@@ -81,8 +81,21 @@ private:
     // The engine's running game, or nullptr.
     const GameInfo* runningGame() const { return engine_ ? engine_->game() : nullptr; }  // a board of the running game takes moves
     void newGame();
+    // The hint's cells outlined, and a line over the board when it has no move to show or its
+    // swap makes no group; both go with the next input.
     void showHint();
     void clearHint();
+    // The preview of the move under the pointer (HoverPreview.cpp). followPointer takes each of
+    // the game window's pointer and key events (in picture points); a preview is worked out when
+    // the pointer goes into another cell. pointerLeft: it left the window. dropPreview puts the
+    // board back as it is (at once while it rests); forgetPreview only forgets the preview, for a
+    // show that draws the board anew.
+    void followPointer(const CurrentEvent& event);
+    void pointerLeft();
+    std::optional<MovePreview> previewAt(float x, float y) const;
+    void dropPreview();
+    void forgetPreview();
+    BoardMarks boardMarks() const;
     // Continue: the game kept after Return, or one saved when a copy of the program quit.
     struct ContinueOffer {
         enum class Kind { None, Kept, Saved };
@@ -168,6 +181,14 @@ private:
 
     std::string interfaceFont_;  // the font file of the main window and the pop-up
     std::vector<BoardCell> hint_;  // outlined until the next input
+    std::string hintNote_;         // said over the board until the next input
+    struct PointerPreview {
+        std::optional<BoardCell> cell;                     // where the pointer was last seen
+        std::optional<std::pair<float, float>> pressedAt;  // the press of a drag
+        std::vector<BoardCell> lit;                        // the cells the move would take
+        std::string label;                                 // and what it would bring
+    };
+    PointerPreview pointer_;
     SavedGamesFile savedGames_{tolvarFolderPath()};
     std::map<std::string, Value> saved_;          // the saved games offered, by title
     std::map<std::string, Value> known_;          // each title's entry in the file, as this copy last saw it

@@ -44,6 +44,10 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         windowID = gameWindow && gameWindow->isVisible() ? gameID : mainID;
 
     if (event.type == SDL_WINDOWEVENT && windowID == gameID) gameWindow->windowEvent();
+    if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_LEAVE && windowID == gameID) {
+        pointerLeft();
+        return;
+    }
     if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_EXPOSED && windowID == gameID) {
         // Uncovered (a menu or an alert went away): the last frame goes up again at once, also
         // when no timer will draw a new one (a stopped score screen).
@@ -111,6 +115,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     if (!current) return;
     // The game sees its points on the 1024 x 768 picture, wherever and however large it is shown.
     if (windowID == gameID) gameWindow->pictureFit().toPicture(current->x, current->y, current->x, current->y);
+    if (windowID == gameID) followPointer(*current);
 
     // While the window plays what the game showed, the game takes nothing: an input cuts a flash
     // or a fall short (the board as it ends drawn at once) and then goes to the game; while an

@@ -195,16 +195,29 @@ void GameView::drawBoard(const GameInfo& game) {
     const auto indexOf = [&](const BoardCell& c) { return c.column * game.boardHeight + c.row; };
     if (marks.cursor) frame.marked.push_back(indexOf(*marks.cursor));
     for (const BoardCell& c : marks.hint) frame.marked.push_back(indexOf(c));
+    std::vector<std::uint32_t> lit;
+    for (const BoardCell& c : marks.lit)
+        if (c.column < game.boardWidth && c.row < game.boardHeight) lit.push_back(indexOf(c));
+    const std::optional<PixelRect> labelWas = labelShown_;
+    const std::string textWas = label_.text();
+    placeLabel(L, marks);
 
-    if (const auto changed = shown_.changedCells(game, frame, outline, turning)) {
+    if (const auto changed = shown_.changedCells(game, frame, outline, lit, turning)) {
+        std::vector<PixelRect> patches;
+        for (const std::uint32_t index : *changed)
+            patches.push_back(pieceReach(L, index / game.boardHeight, index % game.boardHeight));
+        // A line that came, went, moved or changed: where it was and where it is now.
+        if (labelShown_ != labelWas || label_.text() != textWas) {
+            if (labelWas) patches.push_back(*labelWas);
+            if (labelShown_) patches.push_back(*labelShown_);
+        }
         // The picture may be scaled into the window: a patch's pixels are the picture's, the
         // scissor's the window's; the picture's own clip is put back afterwards.
         GLint view[4] = {0, 0, static_cast<GLint>(winWidth), static_cast<GLint>(winHeight)};
         glGetIntegerv(GL_VIEWPORT, view);
         const double sx = view[2] / static_cast<double>(winWidth), sy = view[3] / static_cast<double>(winHeight);
         glPushAttrib(GL_SCISSOR_BIT);
-        for (const std::uint32_t index : *changed) {
-            const PixelRect patch = pieceReach(L, index / game.boardHeight, index % game.boardHeight);
+        for (const PixelRect& patch : patches) {
             const int x0 = view[0] + static_cast<int>(std::floor(patch.x0 * sx));
             const int y0 = view[1] + static_cast<int>(std::floor(patch.y0 * sy));
             const int x1 = view[0] + static_cast<int>(std::ceil(patch.x1 * sx));
@@ -214,7 +227,7 @@ void GameView::drawBoard(const GameInfo& game) {
             drawBoardPicture(game, L, &patch, marks);
         }
         glPopAttrib();
-        if (!changed->empty()) {
+        if (!patches.empty()) {
             glFlush();
             if (window_.flushBuffer) window_.flushBuffer();
         }
@@ -223,8 +236,33 @@ void GameView::drawBoard(const GameInfo& game) {
         glFlush();
         if (window_.flushBuffer) window_.flushBuffer();
     }
-    shown_.remember(game, frame, outline);
+    shown_.remember(game, frame, outline, lit);
     rotValue += 3;
+}
+
+namespace {
+// The space between a label and its cell, and between a label and the window's edges.
+constexpr float kLabelGap = 6.0f;
+}  // namespace
+
+void GameView::placeLabel(const BoardLayout& L, const BoardMarks& marks) {
+    label_.setText(marks.label ? marks.label->text : std::string());
+    const float w = label_.width(), h = label_.height();
+    if (w <= 0.0f || h <= 0.0f) {
+        labelShown_.reset();
+        return;
+    }
+    float x = (winWidth - w) / 2, y = (winHeight - h) / 2;
+    if (const std::optional<BoardCell>& by = marks.label->by) {
+        const float X = static_cast<float>(by->column) * L.w + L.left, Y = static_cast<float>(by->row) * L.h + L.m;
+        x = X + L.pw / 2 - w / 2;
+        y = Y + L.ph + kLabelGap;
+        if (y + h > winHeight - kLabelGap) y = Y - kLabelGap - h;
+    }
+    labelX_ = std::max(kLabelGap, std::min(x, winWidth - kLabelGap - w));
+    labelY_ = std::max(kLabelGap, std::min(y, winHeight - kLabelGap - h));
+    labelShown_ = PixelRect{static_cast<int>(std::floor(labelX_)) - 1, static_cast<int>(std::floor(labelY_)) - 1,
+                            static_cast<int>(std::ceil(labelX_ + w)) + 1, static_cast<int>(std::ceil(labelY_ + h)) + 1};
 }
 
 void GameView::setNeedsDisplay() { shown_.forget(); }
@@ -272,6 +310,7 @@ void GameView::drawBoardPicture(const GameInfo& game, const BoardLayout& L, cons
     drawMarks(L, marks);
     // The texts last, over anything that reaches beside the board.
     texts_.drawBoardTexts(L, game.gameName, game.score, patch);
+    if (labelShown_ && (!patch || patch->intersects(*labelShown_))) label_.draw(labelX_, labelY_);
 }
 
 namespace {
@@ -286,9 +325,20 @@ void outline(float x0, float y0, float x1, float y1) {
 }  // namespace
 
 void GameView::drawMarks(const BoardLayout& L, const BoardMarks& marks) {
-    if (!marks.cursor && marks.hint.empty()) return;
+    if (!marks.cursor && marks.hint.empty() && marks.lit.empty()) return;
     const GLboolean depth = glIsEnabled(GL_DEPTH_TEST);
     glDisable(GL_DEPTH_TEST);
+    // The lit cells washed over, under the outlines.
+    if (!marks.lit.empty()) {
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        glColor4fv(kLitColor);
+        for (const BoardCell& c : marks.lit) {
+            const float X = static_cast<float>(c.column) * L.w + L.left, Y = static_cast<float>(c.row) * L.h + L.m;
+            glRectf(X, Y, X + L.pw, Y + L.ph);
+        }
+        glDisable(GL_BLEND);
+    }
     glLineWidth(3.0f);
     // The hint round its cells, where a selection's outline would be.
     glColor3fv(kHintColor);

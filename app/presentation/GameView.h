@@ -17,6 +17,7 @@
 #include "engine/BoardLayout.h"
 #include "core/PropertyList.h"
 #include "presentation/AlertLayout.h"
+#include "presentation/LabelTexture.h"
 #include "presentation/ShownBoard.h"
 #include "presentation/WindowTexts.h"
 #include "rules/GameInfo.h"
@@ -29,15 +30,27 @@ namespace tolvar {
 // test. Anything that wants to draw as the game window does starts from it.
 void setGameWindowGLState();
 
-// What the player's keys mark on the board: the keyboard cursor's cell and the hint's cells.
+// A line of text over the board: beside a cell (above it, or below it at the top of the board),
+// or, with no cell, over the middle of the board.
+struct BoardLabel {
+    std::string text;
+    std::optional<BoardCell> by;
+    bool operator==(const BoardLabel&) const = default;
+};
+// What is marked on the board: the keyboard cursor's cell and the hint's cells, the cells the
+// move under the pointer would take (lit) and a line of text.
 struct BoardMarks {
     std::optional<BoardCell> cursor;
     std::vector<BoardCell> hint;
+    std::vector<BoardCell> lit;
+    std::optional<BoardLabel> label;
 };
 // Their outlines' colours, unlike any piece or the selection: the cursor white inside its cell,
 // the hint cyan round its cells.
 inline constexpr float kCursorColor[3] = {1.0f, 1.0f, 1.0f};
 inline constexpr float kHintColor[3] = {0.0f, 0.9f, 1.0f};
+// A lit cell: a light wash over its piece.
+inline constexpr float kLitColor[4] = {1.0f, 1.0f, 0.85f, 0.5f};
 // An alert's panel over the board: light, with a dark edge, dark text and a button of its own.
 inline constexpr float kAlertPanelColor[3] = {0.93f, 0.93f, 0.95f};
 inline constexpr float kAlertButtonColor[3] = {0.78f, 0.84f, 0.95f};
@@ -131,6 +144,8 @@ private:
     // The background picture over the whole window at depth z, or black when there is none.
     void drawBackground(float z);
     void drawMarks(const BoardLayout& L, const BoardMarks& marks);
+    // The label's line made and placed for the marks' label (labelShown_: where it stands).
+    void placeLabel(const BoardLayout& L, const BoardMarks& marks);
     void drawScoresFrame(const Value& scores);
     // The board's frame: background, border, pieces and texts; within patch only the pieces that
     // reach into it (the caller clips to it).
@@ -154,6 +169,11 @@ private:
     // What the window shows of the board.
     ShownBoard shown_;
     WindowTexts texts_;
+    // The board's line of text, its lower left corner and the pixels it covers on the board's
+    // frames (none while there is no line).
+    LabelTexture label_;
+    float labelX_ = 0.0f, labelY_ = 0.0f;
+    std::optional<PixelRect> labelShown_;
     // Set when "Spikes" could not be read, so a board does not try again on every frame.
     bool pieceModelMissing_ = false;
     bool motionShown_ = true;  // false: no frame of the board is drawn, no flash or fall held

@@ -23,6 +23,14 @@ std::string boardScoreText(std::uint64_t score) {
     return formatCut(kScoreTextSize, "%04lld", static_cast<long long>(score));
 }
 
+std::string movePreviewText(std::int64_t points, std::uint64_t pieces) {
+    const std::string scored = formatCut(kScreenTextSize, "%+lld %s", static_cast<long long>(points),
+                                         points == 1 || points == -1 ? "point" : "points");
+    if (pieces == 0) return points == 0 ? std::string() : scored;
+    return scored + formatCut(kScreenTextSize, ", %llu %s", static_cast<unsigned long long>(pieces),
+                              pieces == 1 ? "piece" : "pieces");
+}
+
 std::string boardGameNameText(const std::string& gameName) {
     std::size_t length = gameName.size();
     if (length < kGameNameSize) return gameName;

@@ -18,6 +18,11 @@ inline constexpr std::size_t kScreenTextSize = 128;
 // number, cut to 11 characters.
 std::string boardScoreText(std::uint64_t score);
 
+// What a move would bring, for the label by the pointer: "+12 points, 6 pieces", "-1 point,
+// 1 piece"; the points alone when it removes no piece ("+5 points"); empty when it brings
+// neither.
+std::string movePreviewText(std::int64_t points, std::uint64_t pieces);
+
 // The game's name cut to 63 bytes, never in the middle of a UTF-8 character.
 std::string boardGameNameText(const std::string& gameName);
 

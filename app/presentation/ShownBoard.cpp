@@ -24,15 +24,16 @@ bool FrameLook::operator==(const FrameLook& o) const {
 }
 
 bool ShownBoard::CellLook::operator==(const CellLook& o) const {
-    if (!known || !o.known) return false;
+    if (!known || !o.known || lit != o.lit) return false;
     if (empty || o.empty) return empty == o.empty;
     return std::equal(colour, colour + 3, o.colour) && shape == o.shape && selected == o.selected &&
            std::equal(outline, outline + 3, o.outline);
 }
 
-ShownBoard::CellLook ShownBoard::lookOf(const BoardPiece& piece, const float selectColor[3]) {
+ShownBoard::CellLook ShownBoard::lookOf(const BoardPiece& piece, const float selectColor[3], bool lit) {
     CellLook look;
     look.known = true;
+    look.lit = lit;
     look.empty = piece.pieceID == 0;
     if (look.empty) return look;
     look.colour[0] = piece.red, look.colour[1] = piece.green, look.colour[2] = piece.blue;
@@ -47,11 +48,20 @@ void ShownBoard::forgetCell(std::uint32_t x, std::uint32_t y) {
     if (y < frame_.boardHeight && index < cells_.size()) cells_[index].known = false;
 }
 
-void ShownBoard::remember(const GameInfo& game, const FrameLook& frame, const float selectColor[3]) {
+std::vector<bool> ShownBoard::litCells(const std::vector<std::uint32_t>& lit, std::size_t cells) {
+    std::vector<bool> flags(cells, false);
+    for (const std::uint32_t index : lit)
+        if (index < cells) flags[index] = true;
+    return flags;
+}
+
+void ShownBoard::remember(const GameInfo& game, const FrameLook& frame, const float selectColor[3],
+                          const std::vector<std::uint32_t>& lit) {
     valid_ = true;
     frame_ = frame;
     cells_.resize(game.board.size());
-    for (std::size_t i = 0; i < cells_.size(); ++i) cells_[i] = lookOf(game.board[i], selectColor);
+    const std::vector<bool> isLit = litCells(lit, cells_.size());
+    for (std::size_t i = 0; i < cells_.size(); ++i) cells_[i] = lookOf(game.board[i], selectColor, isLit[i]);
 }
 
 }  // namespace tolvar

@@ -205,7 +205,7 @@ TEST_F(GameViewTest, CursorAndHintAreOutlinedInTheirOwnColours) {
     for (const Case& c : {Case{BoardCell{2, 3}, {}}, Case{std::nullopt, {{4, 1}, {4, 2}}},
                           Case{BoardCell{4, 1}, {{4, 1}, {5, 1}}}, Case{}}) {
         SCOPED_TRACE(testing::Message() << (c.cursor ? "cursor " : "no cursor ") << c.hint.size() << " hinted");
-        marks = {c.cursor, c.hint};
+        marks = {c.cursor, c.hint, {}, std::nullopt};
         cell(4, 1).selected = 1;  // a hint shows over a selection's outline
         marked.drawBoard(*gameInfo);
         for (int x = 0; x < 6; ++x)

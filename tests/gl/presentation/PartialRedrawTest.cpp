@@ -107,8 +107,10 @@ protected:
         GameView::Window callbacks = window_.callbacks();
         callbacks.game = [this] { return engine_.game(); };
         callbacks.random = [this] { return engine_.random().next(); };
+        callbacks.marks = [this] { return marks_; };
         return callbacks;
     }
+    BoardMarks marks_;  // what the window marks on the board
     BestScoresFile scores_{folder_};
     StandInHost host_{scores_};
     CountingWindow window_;
@@ -145,6 +147,37 @@ TEST_P(PartialRedrawTest, EveryTickShowsWhatAFullRedrawShows) {
         }
     }
     EXPECT_GT(compared_, 50);
+}
+
+// A move's preview lights its cells and puts a label by the pointer's cell; moved, changed or
+// taken away, the frames redraw only what it covered, and the board is left exactly as it was.
+TEST_P(PartialRedrawTest, ALightAndALabelComeAndGoLeavingTheBoardAsItWas) {
+    start(GetParam());
+    const GameInfo& game = *engine_.game();
+    const std::uint32_t right = game.boardWidth - 1, top = game.boardHeight - 1;
+    const std::vector<unsigned char> plain = windowPixels();
+    struct Marked {
+        const char* what;
+        std::vector<BoardCell> lit;
+        std::optional<BoardLabel> label;
+    };
+    const Marked states[] = {
+        {"a region and its label", {{0, 0}, {1, 0}, {0, 1}}, BoardLabel{"+12 points, 6 pieces", BoardCell{0, 1}}},
+        {"moved", {{2, 2}}, BoardLabel{"+1 point, 1 piece", BoardCell{2, 2}}},
+        {"another text in its place", {{2, 2}}, BoardLabel{"+3 points, 2 pieces", BoardCell{2, 2}}},
+        {"a line over the middle", {}, BoardLabel{"No move left", std::nullopt}},
+        {"by the top right cell", {{right, top}, {right, top - 1}}, BoardLabel{"+1 point, 2 pieces", BoardCell{right, top}}},
+        {"light without a label", {{right, 0}}, std::nullopt},
+    };
+    for (const Marked& m : states) {
+        marks_ = {std::nullopt, {}, m.lit, m.label};
+        view_.drawBoard(game);
+        EXPECT_NE(windowPixels(), plain) << m.what << ": nothing was drawn";
+        expectWholeFrame(m.what);
+    }
+    marks_ = {};
+    view_.drawBoard(game);
+    EXPECT_EQ(windowPixels(), plain) << "the light and the label leave the board as it was";
 }
 
 using ScoreScreenRedrawTest = PartialRedrawTest;

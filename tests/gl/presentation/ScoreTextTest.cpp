@@ -33,6 +33,12 @@ TEST(GameTexts, ScoresRowsNamesAndDatesAreFormattedAndCut) {
         {scoreDateText(&early), "Jan 01, 2024 01:00"},
         {scoreDateText(&absurd), ""},
         {scoreDateText(nullptr), ""},
+        {movePreviewText(12, 6), "+12 points, 6 pieces"},
+        {movePreviewText(1, 1), "+1 point, 1 piece"},
+        {movePreviewText(-1, 2), "-1 point, 2 pieces"},
+        {movePreviewText(0, 3), "+0 points, 3 pieces"},
+        {movePreviewText(5, 0), "+5 points"},
+        {movePreviewText(0, 0), ""},
     };
     for (const auto& [got, want] : cases) EXPECT_EQ(got, want);
 }
