@@ -71,13 +71,15 @@ std::optional<MovePreview> TolvarAppDelegate::previewAt(float x, float y) const 
     return preview;
 }
 
+bool TolvarAppDelegate::previewShown() const { return !pointer_.lit.empty() || !pointer_.label.empty(); }
+
 void TolvarAppDelegate::forgetPreview() {
     pointer_.lit.clear();
     pointer_.label.clear();
 }
 
 void TolvarAppDelegate::dropPreview() {
-    if (pointer_.lit.empty() && pointer_.label.empty()) return;
+    if (!previewShown()) return;
     forgetPreview();
     // The cells and the label's place drawn again as the board is, at once while it rests; a
     // show playing draws them with its next frame.

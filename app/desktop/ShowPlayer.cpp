@@ -17,9 +17,10 @@ void TolvarAppDelegate::playShow() {
 
 void TolvarAppDelegate::paintSteps(const std::vector<ShowStep>& steps) {
     for (const ShowStep& step : steps) {
-        // A preview holds for the board it was worked out on, and only while nothing plays over it.
-        if (step.kind != ShowStep::Kind::Board || step.board.score != shownGame_.score ||
-            step.board.board != shownGame_.board)
+        // A preview holds for the board it was worked out on, and only while nothing plays over it
+        // (the boards are compared only while one shows).
+        if (previewShown() && (step.kind != ShowStep::Kind::Board || step.board.score != shownGame_.score ||
+                             step.board.board != shownGame_.board))
             forgetPreview();
         switch (step.kind) {
             case ShowStep::Kind::Board:

@@ -364,8 +364,8 @@ void TolvarAppDelegate::showGameWindow() {
 
 void TolvarAppDelegate::hideGameWindow() {
     if (popup_) closePopup();
-    pointerLeft();
     if (gameWindow) gameWindow->orderOut();
+    pointerLeft();
     // Nobody sees a hidden game: its tick rests until the window is shown again, so the game
     // costs nothing while the player is in the main window. Queued events wait for it.
     timers_.invalidate(eventTimer);

@@ -93,6 +93,7 @@ private:
     void followPointer(const CurrentEvent& event);
     void pointerLeft();
     std::optional<MovePreview> previewAt(float x, float y) const;
+    bool previewShown() const;
     void dropPreview();
     void forgetPreview();
     BoardMarks boardMarks() const;
