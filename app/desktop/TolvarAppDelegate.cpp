@@ -80,7 +80,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     view_ = std::make_unique<GameView>(*this, std::move(callbacks));
     recorder_ = std::make_unique<ShowRecorder>(show_, *view_, *this);
     engine_ = std::make_unique<Engine>(*recorder_, *this);
-    engine_->random().seed(seed);
+    engine_->seedBoardPicks(seed);
 
     // 3. The piece sprites: every slot empty.
     view_->clearPieceSprites(1);

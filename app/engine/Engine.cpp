@@ -1,10 +1,12 @@
 #include "engine/Engine.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <string>
 #include <variant>
 
 #include "engine/BoardLayout.h"
+#include "engine/BoardNumbers.h"
 #include "engine/BoardSetup.h"
 #include "engine/Completion.h"
 #include "engine/Dispatcher.h"
@@ -68,6 +70,15 @@ struct Engine::Impl {
         historyBoard = ctx.boardsDealt;
     }
 
+    // The running game as a saved game, in the state given, with its number and its moves.
+    Value saved(const GameSnapshot& state) const {
+        SavedPlay play;
+        play.snapshot = state;
+        play.boardNumber = ctx.boardNumber;
+        play.history = &history;
+        return savedGameValue(ctx.game(), play, fingerprint);
+    }
+
     // A mouse-down and mouse-up at the centre of the cursor's cell.
     void pressCursor() {
         const BoardLayout layout = computeBoardLayout(ctx.game());
@@ -106,7 +117,7 @@ std::string unplayableReason(const GameInfo& game) {
 Engine::Engine(View& view, Host& host, const GameOutput& out) : impl_(std::make_unique<Impl>(view, host, out)) {}
 Engine::~Engine() = default;
 
-void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
+void Engine::startGame(const Value* currentRules, ActionsMenu& menu, std::optional<std::uint32_t> board) {
     EngineContext& ctx = impl_->ctx;
     // The previous game goes, whatever comes next.
     ctx.forgetGesture();
@@ -125,7 +136,7 @@ void Engine::startGame(const Value* currentRules, ActionsMenu& menu) {
     }
     ctx.host.showGameWindow();
     impl_->show();
-    setupGame(*gameInfo, ctx.view, ctx.random, ctx.out);
+    dealBoard(ctx, board ? *board : pickBoardNumber(ctx));
     ++ctx.boardsDealt;
     impl_->forgetBoard();
     ctx.view.drawBoard(ctx.game());
@@ -200,6 +211,9 @@ void Engine::newGame() {
     impl_->input.restartGame();
     impl_->forgetBoard();
 }
+
+std::uint32_t Engine::boardNumber() const { return impl_->ctx.hasGame() ? impl_->ctx.boardNumber : 0; }
+void Engine::seedBoardPicks(std::uint32_t seed) { impl_->ctx.boardPicks.seed(seed); }
 
 bool Engine::canUndo() const { return impl_->playing() && impl_->history.canUndo(); }
 bool Engine::canRedo() const { return impl_->playing() && impl_->history.canRedo(); }
@@ -298,12 +312,12 @@ bool Engine::resumeGame() {
 
 std::optional<Value> Engine::savedGame() const {
     if (!hasUnfinishedGame()) return std::nullopt;
-    return savedGameValue(impl_->ctx.game(), takeSnapshot(impl_->ctx), impl_->fingerprint);
+    return impl_->saved(takeSnapshot(impl_->ctx));
 }
 
 std::optional<Value> Engine::savedGameBeforeTick() const {
     if (!impl_->beforeLastTick || !hasUnfinishedGame()) return savedGame();
-    return savedGameValue(impl_->ctx.game(), *impl_->beforeLastTick, impl_->fingerprint);
+    return impl_->saved(*impl_->beforeLastTick);
 }
 
 std::string Engine::savedGameTitle(const Value& saved) { return tolvar::savedGameTitle(saved); }
@@ -312,7 +326,7 @@ namespace {
 // A saved game checked against the rules of its title, ready to be shown; or why it cannot be.
 struct Continuable {
     std::unique_ptr<GameInfo> game;
-    GameSnapshot snapshot;
+    SavedPlay play;
     std::string fingerprint;
 };
 
@@ -327,9 +341,9 @@ std::variant<Continuable, std::string> continuable(const Value& saved, const Val
     if (const std::string reason = unplayableReason(*c.game); !reason.empty())
         return "The game \"" + c.game->gameName + "\" cannot be played: " + reason + ".";
     c.fingerprint = rulesFingerprint(*rules);
-    std::variant<GameSnapshot, std::string> read = snapshotFromSavedGame(saved, *c.game, c.fingerprint);
+    std::variant<SavedPlay, std::string> read = readSavedGame(saved, *c.game, c.fingerprint);
     if (std::string* why = std::get_if<std::string>(&read)) return std::move(*why);
-    c.snapshot = std::move(std::get<GameSnapshot>(read));
+    c.play = std::move(std::get<SavedPlay>(read));
     return c;
 }
 }  // namespace
@@ -356,9 +370,14 @@ std::string Engine::continueGame(const Value& saved, const Value* rules, Actions
     ctx.host.showGameWindow();
     impl_->show();
     ctx.view.clearPieceSprites(0);
-    restoreSnapshot(ctx, c.snapshot);
+    restoreSnapshot(ctx, c.play.snapshot);
+    ctx.boardNumber = c.play.boardNumber;
     ++ctx.boardsDealt;
     impl_->forgetBoard();
+    impl_->history.restore(std::move(c.play.moves));
+    if (!c.play.historyProblem.empty())
+        std::fprintf(stderr, "The saved game of \"%s\": %s.\n", ctx.game().gameName.c_str(),
+                     c.play.historyProblem.c_str());
     ctx.view.drawBoard(ctx.game());
     ctx.host.hideMainWindow();
     if (ctx.host.scoresTimerRunning()) ctx.host.stopScoresTimer();

@@ -41,7 +41,8 @@ public:
     // the "Actions" menu), shows the game window, sets up and draws the board, hides the main
     // window, and schedules the engine timers at the first start. Rules that cannot be played
     // (a board of 0 columns, ...) get an alert naming the rule and its value, and no game starts.
-    void startGame(const Value* currentRules, ActionsMenu& menu);
+    // The board dealt is board number board, or one picked (see BoardNumbers.h) when not given.
+    void startGame(const Value* currentRules, ActionsMenu& menu, std::optional<std::uint32_t> board = std::nullopt);
     // returnToMain:
     void returnToMain();
     // checkMenuAction: with the chosen "Actions" item (0-based index into menu.items()).
@@ -65,6 +66,12 @@ public:
     // newGame: a new board of the running game (score 0, multiplier 1), as Escape deals it;
     // also from the score screen. Forgets the moves and hides the cursor.
     void newGame();
+
+    // Board numbers (see BoardNumbers.h). boardNumber: the running board's, 0 for none (or a
+    // board saved before boards had numbers). seedBoardPicks: the numbers of boards dealt
+    // without one follow from seed, so a run seeded alike deals alike.
+    std::uint32_t boardNumber() const;
+    void seedBoardPicks(std::uint32_t seed);
 
     // Undo and redo of the player's moves on the running board. A move is what the player's
     // inputs changed: a click or a drag counts once (mouse-down and mouse-up), a key or an

@@ -31,8 +31,14 @@ struct EngineContext {
     GameOutput out;  // where the diagnostic lines go
     // The running game; empty before the first start.
     std::unique_ptr<GameInfo> gameInfo;
-    // Every draw of the board, the refills and the removal flash, and the score screen's.
+    // Every draw of the board, the refills and the removal flash, and the score screen's; it
+    // starts again from the board's number at each deal.
     RandomSequence random;
+    // The number of the board being played (see BoardNumbers.h); 0 for none, or for a board
+    // saved before boards had numbers.
+    std::uint32_t boardNumber = 0;
+    // Where the numbers of boards dealt without one come from.
+    RandomSequence boardPicks;
     // 1 from a start until the first tick has queued the game-start event.
     int gameStarted = 0;
     // 1 while no game may be played or drawn: at launch and after the best-score check.

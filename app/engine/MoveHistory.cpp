@@ -19,10 +19,25 @@ void MoveHistory::afterInput(const EngineContext& ctx, const PlayerInput& input,
     }
     cellsKept_ += move.before.board.size();
     done_.push_back(std::move(move));
+    keepWithinCap();
+}
+
+void MoveHistory::keepWithinCap() {
     while (cellsKept_ > kCellsKept && done_.size() > 1) {
         cellsKept_ -= done_.front().before.board.size();
         done_.pop_front();
     }
+}
+
+void MoveHistory::restore(SavedMoves moves) {
+    forget();
+    for (Move& m : moves.done) {
+        cellsKept_ += m.before.board.size();
+        done_.push_back(std::move(m));
+    }
+    for (const Move& m : moves.undone) cellsKept_ += m.before.board.size();
+    undone_ = std::move(moves.undone);
+    keepWithinCap();
 }
 
 const Move* MoveHistory::undo() {

@@ -31,6 +31,13 @@ struct Move {
     std::vector<PlayerInput> inputs;
 };
 
+// The moves of a history as a saved game keeps them: those done, oldest first, and those
+// undone, the next to redo last.
+struct SavedMoves {
+    std::vector<Move> done;
+    std::vector<Move> undone;
+};
+
 class MoveHistory {
 public:
     // Every kept move holds a copy of the board; past this many cells in all, the oldest moves
@@ -54,11 +61,21 @@ public:
     // Forgets every move: a new board, a finished game.
     void forget();
 
+    // The moves kept, for a saved game (see SavedMoves), and putting such moves back in place of
+    // every move: the oldest done go while they hold more than kCellsKept cells.
+    const std::deque<Move>& done() const { return done_; }
+    const std::vector<Move>& undone() const { return undone_; }
+    void restore(SavedMoves moves);
+
 private:
     std::optional<Move> open_;
     std::deque<Move> done_;
     std::vector<Move> undone_;
     std::size_t cellsKept_ = 0;  // board cells held by done_ and undone_
+
+    // Drops the oldest moves done while the moves hold more than kCellsKept cells (the last
+    // one stays).
+    void keepWithinCap();
 };
 
 }  // namespace tolvar

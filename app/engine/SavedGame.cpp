@@ -7,6 +7,8 @@
 #include <limits>
 
 #include "core/PlistFile.h"
+#include "engine/BoardNumbers.h"
+#include "engine/SavedHistory.h"
 #include "core/PlistText.h"
 
 namespace tolvar {
@@ -79,6 +81,13 @@ public:
         fail(std::string("\"") + key + "\" is missing or not a list");
         return kNone;
     }
+    const Data& data(const char* key) {
+        static const Data kNone;
+        const Value* v = d_.find(key);
+        if (v && v->isData()) return *v->asData();
+        fail(std::string("\"") + key + "\" is missing or not data");
+        return kNone;
+    }
     std::int64_t element(const Value& v, const char* what) {
         if (v.isInteger()) return *v.asInteger();
         fail(std::string(what) + " holds something other than a whole number");
@@ -109,19 +118,44 @@ std::string rulesFingerprint(const Value& rules) {
     return text;
 }
 
-Value savedGameValue(const GameInfo& game, const GameSnapshot& s, const std::string& fingerprint) {
-    Dictionary d;
-    d.set("Format", number(kFormat));
-    d.set("GameName", Value::string(game.gameName));
-    d.set("RulesFingerprint", Value::string(fingerprint));
-    d.set("BoardWidth", number(game.boardWidth));
-    d.set("BoardHeight", number(game.boardHeight));
-    Array board;
-    for (const BoardPiece& p : s.board)
-        board.push_back(Value::array({number(p.pieceID), number(p.colorIndex), number(p.shapeIndex),
+namespace {
+// A packed cell: piece (4 bytes), colour, shape, selection (1 each), then red, green and blue
+// (4 each, a float's bits), least significant byte first; its place on the board is its column
+// and row.
+constexpr std::size_t kPackedCellBytes = 19;
+
+void putWord(std::vector<std::uint8_t>& out, std::uint32_t word) {
+    for (int shift = 0; shift < 32; shift += 8) out.push_back(static_cast<std::uint8_t>(word >> shift));
+}
+
+std::uint32_t wordAt(const std::vector<std::uint8_t>& bytes, std::size_t at) {
+    std::uint32_t word = 0;
+    for (int i = 3; i >= 0; --i) word = (word << 8) | bytes[at + static_cast<std::size_t>(i)];
+    return word;
+}
+
+Value boardValue(const std::vector<BoardPiece>& board, BoardForm form) {
+    if (form == BoardForm::Packed) {
+        Data packed;
+        packed.bytes.reserve(board.size() * kPackedCellBytes);
+        for (const BoardPiece& p : board) {
+            putWord(packed.bytes, p.pieceID);
+            packed.bytes.insert(packed.bytes.end(), {p.colorIndex, p.shapeIndex, p.selected});
+            for (const float shade : {p.red, p.green, p.blue}) putWord(packed.bytes, std::bit_cast<std::uint32_t>(shade));
+        }
+        return Value::data(std::move(packed));
+    }
+    Array cells;
+    for (const BoardPiece& p : board)
+        cells.push_back(Value::array({number(p.pieceID), number(p.colorIndex), number(p.shapeIndex),
                                       number(p.selected), number(p.x), number(p.y), bits(p.red),
                                       bits(p.green), bits(p.blue)}));
-    d.set("Board", Value::array(std::move(board)));
+    return Value::array(std::move(cells));
+}
+}  // namespace
+
+void addSnapshotEntries(Dictionary& d, const GameInfo& game, const GameSnapshot& s, BoardForm form) {
+    d.set("Board", boardValue(s.board, form));
     d.set("Score", number(static_cast<std::int64_t>(s.score)));
     d.set("ScoreMultiplier", number(static_cast<std::int64_t>(s.scoreMultiplier)));
     Array variables;
@@ -145,6 +179,18 @@ Value savedGameValue(const GameInfo& game, const GameSnapshot& s, const std::str
     d.set("UpCell", number(s.upCell));
     d.set("GameStarted", number(s.gameStarted));
     d.set("GamePaused", number(s.gamePaused));
+}
+
+Value savedGameValue(const GameInfo& game, const SavedPlay& play, const std::string& fingerprint) {
+    Dictionary d;
+    d.set("Format", number(kFormat));
+    d.set("GameName", Value::string(game.gameName));
+    d.set("RulesFingerprint", Value::string(fingerprint));
+    d.set("BoardNumber", number(play.boardNumber));
+    d.set("BoardWidth", number(game.boardWidth));
+    d.set("BoardHeight", number(game.boardHeight));
+    addSnapshotEntries(d, game, play.snapshot, BoardForm::Cells);
+    if (play.history) d.set(kHistoryKey, historyValue(game, *play.history));
     return Value::dictionary(std::move(d));
 }
 
@@ -196,57 +242,78 @@ bool rulesCanSubtract(const GameInfo& game) {
 
 bool isShownColor(float c) { return std::isfinite(c) && c >= 0.0f && c <= 1.0f; }
 
-void readBoard(Reader& read, const GameInfo& game, GameSnapshot& s) {
+// The numbers of one cell as a saved game holds them.
+struct CellNumbers {
+    std::int64_t id, color, shape, selected, x, y;
+    std::int64_t rgb[3];
+};
+
+// Appends the piece of a cell's numbers, or notes why no board of the game holds them.
+void addCell(Reader& read, const GameInfo& game, const PieceLimits& limits, const CellNumbers& c, GameSnapshot& s) {
+    // Every cell knows its own place; the board's walks rely on it.
+    const std::size_t place = s.board.size();
+    if (c.x != static_cast<std::int64_t>(place / game.boardHeight) ||
+        c.y != static_cast<std::int64_t>(place % game.boardHeight))
+        return read.fail("a cell of its board is out of place");
+    const std::string where = "the cell at " + std::to_string(c.x) + "," + std::to_string(c.y) + " ";
+    if (c.id < 0 || c.id > limits.pieceID)
+        return read.fail(where + "holds piece " + std::to_string(c.id) + ", which no board of the game numbers");
+    if (c.color < 0 || c.color > limits.color)
+        return read.fail(where + "has colour " + std::to_string(c.color) + ", not one of the game's " +
+                         std::to_string(limits.color));
+    if (c.shape < 0 || c.shape > limits.shape)
+        return read.fail(where + "has shape " + std::to_string(c.shape) + ", not one of the game's " +
+                         std::to_string(limits.shape));
+    if (c.selected != 0 && c.selected != 1)
+        return read.fail(where + "is selected " + std::to_string(c.selected) + ", not 0 or 1");
+    BoardPiece p;
+    p.pieceID = static_cast<std::uint32_t>(c.id);
+    p.colorIndex = static_cast<std::uint8_t>(c.color);
+    p.shapeIndex = static_cast<std::uint8_t>(c.shape);
+    p.selected = static_cast<std::uint8_t>(c.selected);
+    p.x = static_cast<std::uint32_t>(c.x);
+    p.y = static_cast<std::uint32_t>(c.y);
+    float* shade[] = {&p.red, &p.green, &p.blue};
+    for (std::size_t i = 0; i < 3; ++i) {
+        if (c.rgb[i] < 0 || c.rgb[i] > std::numeric_limits<std::uint32_t>::max())
+            return read.fail(where + "has a colour that is not 32 bits");
+        *shade[i] = std::bit_cast<float>(static_cast<std::uint32_t>(c.rgb[i]));
+        if (!isShownColor(*shade[i])) return read.fail(where + "has a shade outside 0 to 1");
+    }
+    s.board.push_back(p);
+}
+
+void readCells(Reader& read, const GameInfo& game, GameSnapshot& s) {
     const std::size_t cells = static_cast<std::size_t>(game.boardWidth) * game.boardHeight;
     const Array& board = read.array("Board");
     if (read.integer("BoardWidth") != game.boardWidth || read.integer("BoardHeight") != game.boardHeight ||
-        board.size() != cells) {
-        read.fail("its board is not of the game's size");
-        return;
-    }
+        board.size() != cells)
+        return read.fail("its board is not of the game's size");
     const PieceLimits limits = pieceLimits(game);
     s.board.reserve(cells);
     for (const Value& cell : board) {
         const Array* n = cell.asArray();
-        if (!n || n->size() != kCellNumbers) {
-            read.fail("a cell of its board does not hold 9 numbers");
-            return;
-        }
+        if (!n || n->size() != kCellNumbers) return read.fail("a cell of its board does not hold 9 numbers");
         auto at = [&](std::size_t i) { return read.element((*n)[i], "a cell"); };
-        const std::int64_t id = at(0), color = at(1), shape = at(2), selected = at(3), x = at(4), y = at(5);
-        const std::int64_t rgb[] = {at(6), at(7), at(8)};
-        // Every cell knows its own place; the board's walks rely on it.
-        const std::size_t place = s.board.size();
-        if (x != static_cast<std::int64_t>(place / game.boardHeight) ||
-            y != static_cast<std::int64_t>(place % game.boardHeight)) {
-            read.fail("a cell of its board is out of place");
-            return;
-        }
-        const std::string where = "the cell at " + std::to_string(x) + "," + std::to_string(y) + " ";
-        if (id < 0 || id > limits.pieceID) return read.fail(where + "holds piece " + std::to_string(id) + ", which no board of the game numbers");
-        if (color < 0 || color > limits.color)
-            return read.fail(where + "has colour " + std::to_string(color) + ", not one of the game's " +
-                             std::to_string(limits.color));
-        if (shape < 0 || shape > limits.shape)
-            return read.fail(where + "has shape " + std::to_string(shape) + ", not one of the game's " +
-                             std::to_string(limits.shape));
-        if (selected != 0 && selected != 1)
-            return read.fail(where + "is selected " + std::to_string(selected) + ", not 0 or 1");
-        BoardPiece p;
-        p.pieceID = static_cast<std::uint32_t>(id);
-        p.colorIndex = static_cast<std::uint8_t>(color);
-        p.shapeIndex = static_cast<std::uint8_t>(shape);
-        p.selected = static_cast<std::uint8_t>(selected);
-        p.x = static_cast<std::uint32_t>(x);
-        p.y = static_cast<std::uint32_t>(y);
-        float* shade[] = {&p.red, &p.green, &p.blue};
-        for (std::size_t i = 0; i < 3; ++i) {
-            if (rgb[i] < 0 || rgb[i] > std::numeric_limits<std::uint32_t>::max())
-                return read.fail(where + "has a colour that is not 32 bits");
-            *shade[i] = std::bit_cast<float>(static_cast<std::uint32_t>(rgb[i]));
-            if (!isShownColor(*shade[i])) return read.fail(where + "has a shade outside 0 to 1");
-        }
-        s.board.push_back(p);
+        addCell(read, game, limits, {at(0), at(1), at(2), at(3), at(4), at(5), {at(6), at(7), at(8)}}, s);
+        if (!read.problem.empty()) return;
+    }
+}
+
+void readPackedCells(Reader& read, const GameInfo& game, GameSnapshot& s) {
+    const std::size_t cells = static_cast<std::size_t>(game.boardWidth) * game.boardHeight;
+    const std::vector<std::uint8_t>& bytes = read.data("Board").bytes;
+    if (bytes.size() != cells * kPackedCellBytes) return read.fail("a board of it is not of the game's size");
+    const PieceLimits limits = pieceLimits(game);
+    s.board.reserve(cells);
+    for (std::size_t place = 0, at = 0; place < cells; ++place, at += kPackedCellBytes) {
+        const auto column = static_cast<std::int64_t>(place / game.boardHeight);
+        const auto row = static_cast<std::int64_t>(place % game.boardHeight);
+        addCell(read, game, limits,
+                {wordAt(bytes, at), bytes[at + 4], bytes[at + 5], bytes[at + 6], column, row,
+                 {wordAt(bytes, at + 7), wordAt(bytes, at + 11), wordAt(bytes, at + 15)}},
+                s);
+        if (!read.problem.empty()) return;
     }
 }
 
@@ -298,21 +365,10 @@ void readPending(Reader& read, const GameInfo& game, GameSnapshot& s) {
     }
 }
 
-}  // namespace
-
-std::variant<GameSnapshot, std::string> snapshotFromSavedGame(const Value& saved,
-                                                              const GameInfo& game,
-                                                              const std::string& fingerprint) {
-    const std::string cannot = "The saved game of \"" + game.gameName + "\" cannot be continued: ";
-    const Dictionary* d = saved.asDictionary();
-    if (!d) return cannot + "it is not a dictionary.";
-    const Value* print = d->find("RulesFingerprint");
-    if (!print || !print->isString() || *print->asString() != fingerprint)
-        return cannot + "the game's rules have changed since it was saved.";
-    Reader read(*d);
-    if (read.integer("Format") != kFormat) read.fail("it was saved in another format");
+GameSnapshot readSnapshot(Reader& read, const GameInfo& game, BoardForm form) {
     GameSnapshot s;
-    readBoard(read, game, s);
+    if (form == BoardForm::Packed) readPackedCells(read, game, s);
+    else readCells(read, game, s);
     const std::int64_t lowest = rulesCanSubtract(game) ? std::numeric_limits<std::int64_t>::min() : 0;
     s.score = static_cast<std::uint64_t>(read.within("Score", lowest, kLargest));
     s.scoreMultiplier = static_cast<std::uint64_t>(read.within("ScoreMultiplier", lowest, kLargest));
@@ -330,8 +386,44 @@ std::variant<GameSnapshot, std::string> snapshotFromSavedGame(const Value& saved
     s.upCell = read.within("UpCell", GameSnapshot::kNoCell, lastCell);
     s.gameStarted = static_cast<int>(read.within("GameStarted", 0, 1));
     s.gamePaused = static_cast<int>(read.within("GamePaused", 0, 1));
-    if (!read.problem.empty()) return cannot + read.problem + ".";
     return s;
+}
+
+}  // namespace
+
+std::variant<GameSnapshot, std::string> snapshotFromEntries(const Dictionary& d, const GameInfo& game,
+                                                            BoardForm form) {
+    Reader read(d);
+    GameSnapshot s = readSnapshot(read, game, form);
+    if (!read.problem.empty()) return read.problem;
+    return s;
+}
+
+std::variant<SavedPlay, std::string> readSavedGame(const Value& saved, const GameInfo& game,
+                                                   const std::string& fingerprint) {
+    const std::string cannot = "The saved game of \"" + game.gameName + "\" cannot be continued: ";
+    const Dictionary* d = saved.asDictionary();
+    if (!d) return cannot + "it is not a dictionary.";
+    const Value* print = d->find("RulesFingerprint");
+    if (!print || !print->isString() || *print->asString() != fingerprint)
+        return cannot + "the game's rules have changed since it was saved.";
+    Reader read(*d);
+    if (read.integer("Format") != kFormat) read.fail("it was saved in another format");
+    SavedPlay play;
+    // Games saved before boards had numbers have none: 0.
+    if (d->find("BoardNumber"))
+        play.boardNumber = static_cast<std::uint32_t>(read.within("BoardNumber", 0, kLastBoardNumber));
+    play.snapshot = readSnapshot(read, game, BoardForm::Cells);
+    if (!read.problem.empty()) return cannot + read.problem + ".";
+    // A history that cannot be read costs the undo, never the game.
+    if (const Value* history = d->find(kHistoryKey)) {
+        std::variant<SavedMoves, std::string> moves = historyFrom(*history, game);
+        if (std::string* why = std::get_if<std::string>(&moves))
+            play.historyProblem = "its undo history cannot be read (" + *why + "); it goes on without it";
+        else
+            play.moves = std::move(std::get<SavedMoves>(moves));
+    }
+    return play;
 }
 
 }  // namespace tolvar

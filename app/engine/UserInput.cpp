@@ -1,6 +1,6 @@
 #include "engine/UserInput.h"
 
-#include "engine/BoardSetup.h"
+#include "engine/BoardNumbers.h"
 #include "engine/EventQueue.h"
 
 namespace tolvar {
@@ -42,7 +42,7 @@ void UserInput::restartGame() {
     game.scoreMultiplier = 1;
     if (ctx_.host.scoresTimerRunning()) ctx_.host.stopScoresTimer();
     ctx_.host.resetProjection();
-    setupGame(game, ctx_.view, ctx_.random, ctx_.out);
+    dealBoard(ctx_, pickBoardNumber(ctx_));
     ++ctx_.boardsDealt;
     ctx_.view.drawBoard(ctx_.game());
     ctx_.gameStarted = 1;

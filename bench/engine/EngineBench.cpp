@@ -215,7 +215,7 @@ void BM_PreviewMove(benchmark::State& state) {
     StandInView view(host);
     Engine engine(view, host, GameOutput::discarded());
     ActionsMenu menu;
-    engine.random().seed(1);
+    engine.seedBoardPicks(1);
     engine.startGame(&rules, menu);
     engine.processEvents();
     const GameInfo& game = *engine.game();
@@ -260,7 +260,7 @@ void BM_WholeGameFromScript(benchmark::State& state) {
         StandInView view(host);
         ActionsMenu menu;
         Engine engine(view, host);
-        engine.random().seed(seed);
+        engine.seedBoardPicks(seed);
         auto pointer = [&](std::int64_t type, float x, float y) {
             CurrentEvent event;
             event.type = type;

@@ -193,7 +193,7 @@ GameResult playOneGame(const GameLibrary& library, const AutoplayOptions& option
     StandInView view(host);
     Engine engine(view, host, GameOutput::discarded());
     ActionsMenu menu;
-    engine.random().seed(static_cast<std::uint32_t>(options.seed + index));
+    engine.seedBoardPicks(static_cast<std::uint32_t>(options.seed + index));
     engine.startGame(library.currentRules(), menu);
     GameResult result;
     result.index = index;

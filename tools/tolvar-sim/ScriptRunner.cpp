@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/DataFolder.h"
+#include "engine/BoardNumbers.h"
 #include "core/PlistFile.h"
 
 namespace tolvar::sim {
@@ -93,7 +94,9 @@ bool keyFor(const std::string& name, std::uint16_t& code, std::string& character
 
 const char* ScriptRunner::commandHelp() {
     return "  select TITLE       choose the game titled TITLE in the game menu\n"
-           "  start              start the chosen game (Start in the main window)\n"
+           "  start              start the chosen game (Start in the main window) on a board whose\n"
+           "                     number is picked from the --seed\n"
+           "  board N            start the chosen game on board number N (the same N, the same board)\n"
            "  return             go back to the main window\n"
            "  tick [N]           run N ticks of the event timer (1 when not given)\n"
            "  down X Y, up X Y, move X Y\n"
@@ -118,7 +121,7 @@ const char* ScriptRunner::commandHelp() {
            "                     selected pieces in brackets\n"
            "  board              the game's own colour dump: one line per column, bottom first\n"
            "  dump               every cell: column, row, piece number, colour, shape, selection\n"
-           "  state              score, multiplier, started and paused\n"
+           "  state              score, multiplier, started, paused and the board's number\n"
            "  # ...              a comment\n";
 }
 
@@ -129,7 +132,7 @@ ScriptRunner::ScriptRunner(GameLibrary& library, ActionsMenu& menu, std::uint32_
       host_(scores_, stdout),
       view_(host_, stdout),
       engine_(view_, host_) {
-    engine_.random().seed(seed);
+    engine_.seedBoardPicks(seed);
 }
 
 int ScriptRunner::run(std::FILE* in) {
@@ -298,8 +301,15 @@ std::string ScriptRunner::runLine(const std::string& line) {
         return {};
     }
     if (command == "board") {
-        if (!arity(0)) return wrongCount;
-        engine_.printBoardColors();
+        if (arity(0)) {
+            engine_.printBoardColors();
+            return {};
+        }
+        if (!arity(1)) return wrongCount;
+        std::string why;
+        const std::optional<std::uint32_t> number = parseBoardNumber(w[1], &why);
+        if (!number) return why;
+        engine_.startGame(library_.currentRules(), menu_, *number);
         return {};
     }
     if (command == "show") {
@@ -359,8 +369,8 @@ void ScriptRunner::printState() const {
     const GameInfo* gameInfo = engine_.game();
     const std::uint64_t score = gameInfo ? gameInfo->score : 0;
     const std::uint64_t multiplier = gameInfo ? gameInfo->scoreMultiplier : 0;
-    std::printf("state score=%" PRIu64 " multiplier=%" PRIu64 " started=%d paused=%d\n", score,
-                multiplier, engine_.gameStarted(), engine_.gamePaused());
+    std::printf("state score=%" PRIu64 " multiplier=%" PRIu64 " started=%d paused=%d board=%" PRIu32 "\n", score,
+                multiplier, engine_.gameStarted(), engine_.gamePaused(), engine_.boardNumber());
 }
 
 }  // namespace tolvar::sim

@@ -20,7 +20,7 @@ inline Value with(const Value& rules, std::initializer_list<std::pair<const char
 struct PlayerAidsTest : ::testing::Test {
     void start(const Value& game, const std::vector<int>& colours) {
         rules = game;
-        engine.random().seed(5);
+        engine.seedBoardPicks(5);
         stdoutOf([&] { engine.startGame(&rules, menu), engine.processEvents(); });
         for (std::size_t n = 0; n < colours.size(); ++n) {
             running().board[n].colorIndex = static_cast<std::uint8_t>(colours[n]);

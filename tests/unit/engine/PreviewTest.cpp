@@ -53,7 +53,7 @@ TEST(MovePreviewTest, APreviewGivesTheScoreOfTheMoveThenMadeAndChangesNothing) {
             StandInView view(host);
             Engine engine(view, host, GameOutput(printed.get()));
             ActionsMenu menu;
-            engine.random().seed(static_cast<std::uint32_t>(seed));
+            engine.seedBoardPicks(static_cast<std::uint32_t>(seed));
             engine.startGame(&played.rules, menu);
             const GameInfo& game = *engine.game();
             const BoardLayout layout = computeBoardLayout(game);

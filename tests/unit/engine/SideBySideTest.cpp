@@ -24,7 +24,7 @@ public:
     HintPlayer(const Value& rules, std::uint32_t seed)
         : rules_(rules), stream_(open_memstream(&text_, &size_)), host_(stream_), view_(host_, stream_),
           engine_(view_, host_, GameOutput(stream_)) {
-        engine_.random().seed(seed);
+        engine_.seedBoardPicks(seed);
         engine_.startGame(&rules_, menu_);
         engine_.processEvents();
     }

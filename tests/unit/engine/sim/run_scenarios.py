@@ -113,7 +113,7 @@ with tempfile.TemporaryDirectory() as home:  # rules whose events queue each oth
               and run.stdout.count("processing event") == 1000, rules + ": stopped once at the bound")
         check('alert: The game "%s" was stopped: its %s keeps queueing events without end. Press the '
               "'esc' key to play again. [OK]\nstate score=" % (name, event) in run.stdout
-              and run.stdout.endswith("paused=1\n"), rules + ": alert and the game ended")
+              and re.search(r"paused=1 board=\d+\n$", run.stdout), rules + ": alert and the game ended")
 
 with tempfile.TemporaryDirectory() as home:  # unplayable rules and a broken script
     game = plistlib.loads(read("vexamor-4x4.dict", "rb"))
@@ -123,12 +123,41 @@ with tempfile.TemporaryDirectory() as home:  # unplayable rules and a broken scr
     run = sim(home, ["--seed", "3", "--rules", rules],
               "select Vexamor\nstart\ntick 5\nclick 500 300\nkey space\nstate\n")
     check(run.returncode == 0 and 'alert: The game "Vexamor" cannot be played: "BoardWidth" is 0. '
-          "[OK]\nstate score=0 multiplier=0 started=0 paused=1\n" in run.stdout, "unplayable")
+          "[OK]\nstate score=0 multiplier=0 started=0 paused=1 board=0\n" in run.stdout, "unplayable")
     for script, line in [("select Vexamor\nstart\nfly 1 2\n", 3), ("# a comment\n\nmenu 9\n", 3),
                          ("select Nowhere\n", 1), ("down 1 x\n", 1), ("tick -1\n", 1)]:
         run = sim(home, ["--rules", os.path.join(DIR, RULES["vexamor"])], script)
         check(run.returncode == 2 and run.stderr.startswith("tolvar-sim: line %d: " % line),
               "error for %r: %d %r" % (script, run.returncode, run.stderr))
+
+def fresh(args, script):
+    """The run of a script in a data folder of its own (the folder's set-up lines in every run)."""
+    with tempfile.TemporaryDirectory() as home:
+        return sim(home, args, script)
+
+
+with tempfile.TemporaryDirectory() as home:  # board numbers
+    rules = os.path.join(DIR, RULES["glimmet"])
+    # A board number deals its board whatever the seed; the seed only picks the numbers of starts.
+    play_on = "select Glimmet\n%s\ntick\nclick 400 300\ntick 3\nclick 600 500\ntick 3\nstate\ndump\n"
+    numbered = [fresh(["--seed", seed, "--rules", rules], play_on % "board 4242").stdout
+                for seed in ("1", "2", "77777")]
+    check(numbered[0] == numbered[1] == numbered[2] and "cell 0 0" in numbered[0],
+          "board 4242: the same transcript under --seed 1, 2 and 77777")
+    started = [fresh(["--seed", seed, "--rules", rules], play_on % "start\nstate").stdout
+               for seed in ("1", "1", "2")]
+    picked = [int(re.search(r"^state .* board=(\d+)$", out, re.M).group(1)) for out in started]
+    check(started[0] == started[1] and picked[0] != picked[2] and all(1 <= n <= 999999999 for n in picked),
+          "start: the same --seed picks the same board, another seed another one: %s" % picked)
+    again = fresh(["--seed", "2", "--rules", rules], play_on % ("board %d\nstate" % picked[0])).stdout
+    check(again == started[0], "board N plays the board start picked as N")
+    # Escape deals a new board with a number of its own, the next of the seed's picks.
+    escaped = sim(home, ["--seed", "1", "--rules", rules], "select Glimmet\nstart\ntick\nkey esc\nstate\n").stdout
+    check(int(re.findall(r"board=(\d+)", escaped)[-1]) not in (0, picked[0]), "Escape: a new number")
+    for word in ("0", "1000000000", "12x", "-5"):
+        run = sim(home, ["--rules", rules], "select Glimmet\nboard %s\n" % word)
+        check(run.returncode == 2 and "is no board number: a board number is a whole number from 1 to 999999999"
+              in run.stderr, "board %s refused: %r" % (word, run.stderr))
 
 print("%d failure(s)" % len(failures))
 sys.exit(1 if failures else 0)

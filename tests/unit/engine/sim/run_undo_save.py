@@ -3,7 +3,8 @@
 checks undo, redo and a game saved part way and continued in a new process:
 - undoing every move gives back the starting board and score;
 - redoing them all gives the final board, score and the very same transcript;
-- saving after move k and continuing in another process gives the uninterrupted transcript;
+- saving after move k and continuing in another process gives the uninterrupted transcript, and
+  undo and redo there give what they give without the quit;
 - the same game played from the keyboard alone (arrows and Enter) gives the same transcript.
 
     run_undo_save.py TOLVAR_SIM"""
@@ -175,6 +176,13 @@ for name, seed in GAMES:
                      seed + 1)
         check(rest.startswith(opening) and before + rest[len(opening):] == whole,
               f"{name}: saved after move {k} and continued, the transcript differs")
+        # Undo and redo go on after Continue as they would have without the quit.
+        played_k = head + [l for s in steps[:k] for l in s[0] + ["tick"]]
+        back = ["undo", "board", "state", "undo", "board", "redo", "redo", "board", "state"]
+        unquit = fresh(played_k + back, seed)[len(fresh(played_k, seed)):]
+        after = fresh([f"continue {saved}"] + back, seed + 1)[len(opening):]
+        check(after == unquit and "nothing to" not in after,
+              f"{name}: undo and redo after Continue differ from without the quit")
 
         # Changed rules are refused with the reason, and nothing is played.
         with tempfile.TemporaryDirectory() as home:
@@ -187,7 +195,7 @@ for name, seed in GAMES:
                 plistlib.dump(rules, f)
             refused = sim([f"continue {saved}", "state"], seed, home, ["--rules", changed])
         check(f'cannot continue: The saved game of "{name}" cannot be continued: the game\'s rules '
-              "have changed since it was saved.\nstate score=0 multiplier=0 started=0 paused=1\n"
+              "have changed since it was saved.\nstate score=0 multiplier=0 started=0 paused=1 board=0\n"
               in refused, f"{name}: a saved game with changed rules was not refused:\n{refused}")
     print(f"{name}: saved after {k} of {len(steps)} steps and continued to the same end")
 
