@@ -68,11 +68,16 @@ bool TolvarAppDelegate::canContinue() const {
 
 std::string TolvarAppDelegate::continueText() const {
     const ContinueOffer offer = continueOffer();
-    if (offer.kind == ContinueOffer::Kind::Kept) return "Continue: the game of \"" + offer.title + "\" you left.";
+    // " (board 123456)" when the board has a number (games saved by earlier versions have none).
+    auto board = [](std::uint32_t number) { return number ? " (board " + std::to_string(number) + ")" : std::string(); };
+    if (offer.kind == ContinueOffer::Kind::Kept)
+        return "Continue: the game of \"" + offer.title + "\" you left" + board(engine_->boardNumber()) + ".";
     if (offer.kind != ContinueOffer::Kind::Saved || refused_.count(offer.title)) return {};
-    const Value* when = saved_.at(offer.title).asDictionary()->find(SavedGamesFile::kSavedAtKey);
+    const Value& saved = saved_.at(offer.title);
+    const Value* when = saved.asDictionary()->find(SavedGamesFile::kSavedAtKey);
     const std::string date = scoreDateText(when ? when->asDate() : nullptr);
-    return "Continue: your unfinished game of \"" + offer.title + "\"" + (date.empty() ? "" : ", saved " + date) + ".";
+    return "Continue: your unfinished game of \"" + offer.title + "\"" + board(Engine::savedGameBoardNumber(saved)) +
+           (date.empty() ? "" : ", saved " + date) + ".";
 }
 
 std::string TolvarAppDelegate::continueProblem() const {

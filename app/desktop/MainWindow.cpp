@@ -55,7 +55,7 @@ void MainWindow::addFindings(std::vector<Paragraph>& page, const GameLibrary& li
 std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const ActionsMenu& menu,
                                            const GameMenuState& game, bool gameRunning, const RulesWatch& rules,
                                            bool canContinue, const std::string& continueText,
-                                           const std::string& note) {
+                                           const std::string& note, std::uint32_t boardNumber) {
     const bool refused = library.currentRules() && rules.refuses(library.selectedTitle());
     std::vector<ShellCommand> commands;
     surface_.beginFrame();
@@ -92,6 +92,11 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
             for (const GameMenuItem& item : gameMenuItems())
                 if (ImGui::MenuItem(item.title, item.keys, false, game.enabled(item.command)))
                     commands.push_back({ShellCommand::Kind::Program, {}, -1, item.command});
+            ImGui::Separator();
+            if (ImGui::MenuItem("Play Board Number\xE2\x80\xA6", nullptr, false, library.currentRules() && !refused))
+                boardNumberDialog_.open();
+            if (ImGui::MenuItem("Copy Board Number", nullptr, false, boardNumber != 0))
+                commands.push_back({ShellCommand::Kind::CopyBoardNumber, {}, -1});
             ImGui::EndMenu();
         }
         if (ImGui::BeginMenu("Help")) {
@@ -137,6 +142,10 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     if (surface_.boldFont()) ImGui::PushFont(surface_.boldFont());
     ImGui::TextUnformatted(heading.c_str());  // one line, clipped at the window's edge
     if (surface_.boldFont()) ImGui::PopFont();
+    if (boardNumber != 0) {
+        ImGui::SameLine();
+        ImGui::TextDisabled("Board %u", static_cast<unsigned>(boardNumber));
+    }
 
     // The description: read-only, wrapped, scrolling; under it, which game Continue goes on with.
     const float continueHeight = continueText.empty() ? 0.0f : ImGui::GetTextLineHeightWithSpacing();
@@ -178,6 +187,8 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
         commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
     ImGui::EndDisabled();
 
+    if (const std::optional<std::uint32_t> board = boardNumberDialog_.draw())
+        commands.push_back({ShellCommand::Kind::PlayBoardNumber, {}, -1, ProgramCommand::None, *board});
     drawAlert();
     ImGui::End();
     surface_.endFrame();

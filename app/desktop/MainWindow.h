@@ -4,12 +4,14 @@
 // again.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "desktop/BoardNumberDialog.h"
 #include "desktop/ImGuiSurface.h"
 #include "desktop/RulesWatch.h"
 #include "desktop/TextPage.h"
@@ -20,11 +22,13 @@
 namespace tolvar {
 
 struct ShellCommand {
-    enum class Kind { SelectGame, StartGame, ReturnToMain, MenuAction, Quit, Program, ContinueGame };
+    enum class Kind { SelectGame, StartGame, ReturnToMain, MenuAction, Quit, Program, ContinueGame,
+                      PlayBoardNumber, CopyBoardNumber };
     Kind kind;
     std::string title;   // SelectGame
     int itemIndex = -1;  // MenuAction
     ProgramCommand command = ProgramCommand::None;  // Program: a "Game" or "Help" item
+    std::uint32_t board = 0;                        // PlayBoardNumber: the chosen game on this board
 };
 
 class MainWindow {
@@ -42,9 +46,12 @@ public:
     // cannot be started.
     // Continue stands beside Start while a kept or saved game can go on (canContinue);
     // continueText says which game it goes on with, note why a saved game cannot be continued.
+    // boardNumber: the number of the chosen game's board being played (0 for none), shown
+    // beside its name ("Board 123456") and what Game > Copy Board Number copies.
     std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, const GameMenuState& game,
                                    bool gameRunning, const RulesWatch& rules, bool canContinue,
-                                   const std::string& continueText, const std::string& note);
+                                   const std::string& continueText, const std::string& note,
+                                   std::uint32_t boardNumber);
 
     // An alert over the window, a modal panel with the message and one button labelled button;
     // Return, Space or Escape answer it too. Alerts that come while one is up wait their turn.
@@ -57,6 +64,7 @@ private:
     static void addFindings(std::vector<Paragraph>& page, const GameLibrary& library, const RulesWatch& rules);
 
     ImGuiSurface surface_;
+    BoardNumberDialog boardNumberDialog_;
     TextPage description_;  // the description, the checker's findings and the note
     std::deque<std::pair<std::string, std::string>> alerts_;  // message and button, the first one up
 };

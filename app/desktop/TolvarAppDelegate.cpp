@@ -50,8 +50,8 @@ TolvarAppDelegate::~TolvarAppDelegate() {
 }
 
 bool TolvarAppDelegate::applicationDidFinishLaunching() {
-    // 1. The random sequence, seeded from the microseconds of the time of day (TOLVAR_SEED fixes
-    //    it, so that a session can be replayed).
+    // 1. The numbers of the boards dealt without one, picked from the microseconds of the time of
+    //    day (TOLVAR_SEED fixes them, so that a session can be replayed).
     struct timeval tv {};
     gettimeofday(&tv, nullptr);
     unsigned int seed = static_cast<unsigned int>(tv.tv_usec);
@@ -99,9 +99,11 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     return true;
 }
 
-void TolvarAppDelegate::playFrom(const std::string& rulesFile, const std::string& gameTitle) {
+void TolvarAppDelegate::playFrom(const std::string& rulesFile, const std::string& gameTitle,
+                                 std::optional<std::uint32_t> board) {
     rules_ = RulesWatch(rulesFile);
     startTitle_ = gameTitle;
+    startBoard_ = board;
 }
 
 void TolvarAppDelegate::watchRulesFile() {
@@ -161,7 +163,7 @@ int TolvarAppDelegate::run() {
             std::fprintf(stderr, "tolvar: no game titled \"%s\" in %s\n", startTitle_.c_str(), rules_.path().c_str());
         } else {
             selectGame(startTitle_);
-            startGame();
+            startGame(startBoard_);
         }
     }
     try {
@@ -228,7 +230,8 @@ void TolvarAppDelegate::drawWindows() {
         if (window->surface().isVisible()) {
             const bool running = gameWindow && gameWindow->isVisible();
             std::vector<ShellCommand> commands = window->draw(library_, menu_, gameMenuState(), running, rules_,
-                                                              canContinue(), continueText(), continueProblem());
+                                                              canContinue(), continueText(), continueProblem(),
+                                                              shownBoardNumber());
             if (gameWindow) gameWindow->makeCurrentContext();
             runCommands(commands);
         }
@@ -264,6 +267,8 @@ void TolvarAppDelegate::runCommands(const std::vector<ShellCommand>& commands) {
             case ShellCommand::Kind::Quit: terminate(); break;
             case ShellCommand::Kind::Program: runProgramCommand(c.command); break;
             case ShellCommand::Kind::ContinueGame: continueGame(); break;
+            case ShellCommand::Kind::PlayBoardNumber: startGame(c.board); break;
+            case ShellCommand::Kind::CopyBoardNumber: copyBoardNumber(); break;
         }
         mainFrames_ = kMainWindowFramesPerChange;
     }
@@ -281,7 +286,18 @@ std::string TolvarAppDelegate::menuSignature() const {
     s += continueText() + continueProblem();
     const GameMenuState game = gameMenuState();
     for (const bool possible : {game.newGame, game.undo, game.redo, game.hint}) s += possible ? '+' : '-';
-    return s;
+    return s + std::to_string(shownBoardNumber());
+}
+
+std::uint32_t TolvarAppDelegate::shownBoardNumber() const {
+    const GameInfo* game = runningGame();
+    return game && game->hasBoard() && game->gameName == library_.selectedTitle() ? engine_->boardNumber() : 0;
+}
+
+void TolvarAppDelegate::copyBoardNumber() const {
+    const std::uint32_t number = shownBoardNumber();
+    if (number != 0 && SDL_SetClipboardText(std::to_string(number).c_str()) != 0)
+        std::fprintf(stderr, "tolvar: the board number cannot be copied: %s\n", SDL_GetError());
 }
 
 // ---------------------------------------------------------------- the main window's actions
@@ -291,11 +307,11 @@ void TolvarAppDelegate::selectGame(const std::string& title) {
     mainFrames_ = kMainWindowFramesPerChange;
 }
 
-void TolvarAppDelegate::startGame() {
+void TolvarAppDelegate::startGame(std::optional<std::uint32_t> board) {
     // A game with errors is not started; the main window lists them.
     if (rules_.refuses(library_.selectedTitle()) || !gameReady()) return;
     gameWindow->makeCurrentContext();
-    engine_->startGame(library_.currentRules(), menu_);
+    engine_->startGame(library_.currentRules(), menu_, board);
 }
 
 void TolvarAppDelegate::returnToMain() {

@@ -41,7 +41,9 @@ public:
 
     // Before start-up: play the games of rulesFile instead of the data folder's (which is then
     // neither read nor written for rules), and start the game titled gameTitle at once when given.
-    void playFrom(const std::string& rulesFile, const std::string& gameTitle);
+    // board: the board number it starts on (one is picked when not given).
+    void playFrom(const std::string& rulesFile, const std::string& gameTitle,
+                  std::optional<std::uint32_t> board = std::nullopt);
     // Start-up: the main window; false when it could not be made.
     bool applicationDidFinishLaunching();
     // The run loop: makes the game window once the main window is up (status 1 when it cannot be
@@ -50,7 +52,7 @@ public:
 
     // The main window's actions.
     void selectGame(const std::string& title);
-    void startGame();
+    void startGame(std::optional<std::uint32_t> board = std::nullopt);
     void returnToMain();
     void checkMenuAction(int itemIndex);
     void terminate() { quit_ = true; }
@@ -148,6 +150,9 @@ private:
     // answer it; anything else is ignored.
     void alertInput(const CurrentEvent& input);
     std::string menuSignature() const;
+    // The number of the chosen game's board being played, for the main window; 0 for none.
+    std::uint32_t shownBoardNumber() const;
+    void copyBoardNumber() const;
     // Reads the rules file again when it changed on disk.
     void reloadRulesWhenChanged();
     // The kernel tells when the rules file changes; where it cannot, the file is looked at
@@ -165,6 +170,7 @@ private:
     std::unique_ptr<FileWatch> rulesFileWatch_;
     Timers::Id rulesLookTimer_ = 0;  // only where rulesFileWatch_ cannot watch
     std::string startTitle_;  // the game to start at once
+    std::optional<std::uint32_t> startBoard_;  // and its board
     BestScoresFile bestScores_{tolvarFolderPath()};
     ActionsMenu menu_;
     std::unique_ptr<MainWindow> window;

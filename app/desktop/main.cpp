@@ -3,16 +3,19 @@
 #include <SDL.h>
 
 #include <clocale>
+#include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 
 #include "desktop/TolvarAppDelegate.h"
 #include "core/CommandLine.h"
+#include "engine/BoardNumbers.h"
 
 namespace {
 
 constexpr const char* kHelp =
-    "usage: tolvar [--rules FILE [--game NAME]] [--help] [--version]\n"
+    "usage: tolvar [--rules FILE] [--game NAME [--board N]] [--help] [--version]\n"
     "Plays the puzzle games of the rules file RulesDict.dict in $XDG_DATA_HOME/Tolvar\n"
     "(~/.local/share/Tolvar): pick a game in the main window and press Start.\n"
     "The engine's diagnostics are printed on standard output. A rules file saved while the\n"
@@ -21,11 +24,12 @@ constexpr const char* kHelp =
     "  --rules FILE  play the games of FILE instead (the data folder's rules file is then\n"
     "                neither read nor written)\n"
     "  --game NAME   start the game titled NAME at once\n"
+    "  --board N     on board number N (1 to 999999999): the same number deals the same board\n"
     "  --help        show this help and exit\n"
     "  --version     show the version and exit\n";
 
 int usage(const std::string& why) {
-    std::fprintf(stderr, "tolvar: %s\nusage: tolvar [--rules FILE [--game NAME]] [--help] [--version]\n",
+    std::fprintf(stderr, "tolvar: %s\nusage: tolvar [--rules FILE] [--game NAME [--board N]] [--help] [--version]\n",
                  why.c_str());
     return 2;
 }
@@ -34,13 +38,23 @@ int usage(const std::string& why) {
 
 int main(int argc, char** argv) {
     if (tolvar::answerHelpOrVersion(argc, argv, "tolvar", kHelp)) return 0;
-    std::string rulesFile, gameTitle;
+    std::string rulesFile, gameTitle, boardText;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
-        std::string* value = arg == "--rules" ? &rulesFile : arg == "--game" ? &gameTitle : nullptr;
+        std::string* value = arg == "--rules"  ? &rulesFile
+                             : arg == "--game" ? &gameTitle
+                             : arg == "--board" ? &boardText
+                                                : nullptr;
         if (!value) return usage("unknown argument " + arg);
         if (++i >= argc || argv[i][0] == '\0') return usage(arg + " needs a value");
         *value = argv[i];
+    }
+    std::optional<std::uint32_t> board;
+    if (!boardText.empty()) {
+        std::string why;
+        board = tolvar::parseBoardNumber(boardText, &why);
+        if (!board) return usage("--board: " + why);
+        if (gameTitle.empty()) return usage("--board goes with --game NAME");
     }
     // Diagnostic lines reach a pipe or a log as they are printed.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
@@ -56,7 +70,7 @@ int main(int argc, char** argv) {
     int status = 1;
     {
         tolvar::TolvarAppDelegate delegate;
-        if (!rulesFile.empty() || !gameTitle.empty()) delegate.playFrom(rulesFile, gameTitle);
+        if (!rulesFile.empty() || !gameTitle.empty()) delegate.playFrom(rulesFile, gameTitle, board);
         if (delegate.applicationDidFinishLaunching()) status = delegate.run();
     }
     // SDL stays initialised until the process ends: shutting it down would unload the OpenGL

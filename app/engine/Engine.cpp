@@ -321,6 +321,7 @@ std::optional<Value> Engine::savedGameBeforeTick() const {
 }
 
 std::string Engine::savedGameTitle(const Value& saved) { return tolvar::savedGameTitle(saved); }
+std::uint32_t Engine::savedGameBoardNumber(const Value& saved) { return tolvar::savedGameBoardNumber(saved); }
 
 namespace {
 // A saved game checked against the rules of its title, ready to be shown; or why it cannot be.

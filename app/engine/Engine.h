@@ -130,6 +130,7 @@ public:
     // nothing (the main window asks before it offers Continue).
     static std::string savedGameProblem(const Value& saved, const Value* rules);
     static std::string savedGameTitle(const Value& saved);
+    static std::uint32_t savedGameBoardNumber(const Value& saved);
 
     // The running game (its rules and state), or nullptr before the first start and after a
     // start that failed; what the window draws and the menus ask about.

@@ -200,6 +200,14 @@ std::string savedGameTitle(const Value& saved) {
     return name && name->isString() ? *name->asString() : std::string();
 }
 
+std::uint32_t savedGameBoardNumber(const Value& saved) {
+    const Dictionary* d = saved.asDictionary();
+    const Value* number = d ? d->find("BoardNumber") : nullptr;
+    return number && number->isInteger() && isBoardNumber(*number->asInteger())
+               ? static_cast<std::uint32_t>(*number->asInteger())
+               : 0;
+}
+
 namespace {
 
 // The colour of a piece: 0 for an empty set-up cell, else one of the game's colours; its shape

@@ -35,6 +35,8 @@ Value savedGameValue(const GameInfo& game, const SavedPlay& play, const std::str
 
 // The title of the game a saved game belongs to; empty when it names none.
 std::string savedGameTitle(const Value& saved);
+// The number of its board; 0 when it has none (or none a board can have).
+std::uint32_t savedGameBoardNumber(const Value& saved);
 
 // What a saved game holds, checked against the game's records (built from rules with that
 // fingerprint); or why it cannot be continued, as a sentence for the player. A game saved

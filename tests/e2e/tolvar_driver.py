@@ -194,8 +194,9 @@ def start_xvfb():
 
 
 class Tolvar:  # the program on a display of its own, with an empty data folder (or another copy's)
-    def __init__(self, program, name, seed=7, folder=None):
+    def __init__(self, program, name, seed=7, folder=None, args=()):
         self.program, self.proc, self.xvfb, self.dpy, self.runs = program, None, None, None, 0
+        self.args = list(args)  # the program's command line, for each launch
         self.game = self.main = self.playing = None
         self.work = tempfile.mkdtemp(prefix="tolvar-e2e-%s-" % name)
         self.folder = folder or os.path.join(self.work, "data", "Tolvar")
@@ -214,11 +215,14 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         self.out_path, self.err_path = (os.path.join(self.work, "%s-%d.txt" % (s, self.runs)) for s in ("out", "err"))
         t0 = time.monotonic()
         with open(self.out_path, "wb") as out, open(self.err_path, "wb") as err:
-            self.proc = subprocess.Popen([self.program], env=self.env, cwd=self.work, stdout=out, stderr=err)
+            self.proc = subprocess.Popen([self.program, *self.args], env=self.env, cwd=self.work, stdout=out, stderr=err)
         self.main = self.wait_for(lambda: self.find_window(MAIN_W, MAIN_H, True), 60, "the main window")
         self.startup_seconds = time.monotonic() - t0
-        # The game window is made, hidden, once the main window is up; it takes its name when ready.
-        self.game = self.wait_for(lambda: self.find_window(WIN_W, WIN_H, name="Tolvar"), 60, "the game window")
+        # The game window is made, hidden, once the main window is up; it takes its name when ready (the
+        # game's name before it, when one is started from the command line).
+        self.game = self.wait_for(lambda: next((wid for wid, n, w, h in self.windows() if (w, h) == (WIN_W, WIN_H)
+                                                and (n == "Tolvar" or n.endswith(" - Tolvar"))), None),
+                                  60, "the game window")
 
     def maps(self):  # the ids of the windows mapped since the launch
         event = XEvent()

@@ -1,0 +1,63 @@
+#include "desktop/BoardNumberDialog.h"
+
+#include <imgui.h>
+
+#include "engine/BoardNumbers.h"
+
+namespace tolvar {
+
+namespace {
+constexpr const char* kDialogId = "Play Board Number";
+constexpr float kButtonWidth = 100.0f;
+constexpr float kFieldWidth = 220.0f;
+const ImVec4 kRefusalColour(0.75f, 0.0f, 0.0f, 1.0f);
+}  // namespace
+
+void BoardNumberDialog::open() {
+    open_ = opening_ = focusField_ = true;
+    text_.fill('\0');
+    refusal_.clear();
+}
+
+std::optional<std::uint32_t> BoardNumberDialog::draw() {
+    if (!open_) return std::nullopt;
+    if (opening_) ImGui::OpenPopup(kDialogId);
+    const ImGuiIO& io = ImGui::GetIO();
+    ImGui::SetNextWindowPos(ImVec2(io.DisplaySize.x / 2, io.DisplaySize.y / 2), ImGuiCond_Always, ImVec2(0.5f, 0.5f));
+    const ImGuiWindowFlags flags =
+        ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings;
+    if (!ImGui::BeginPopupModal(kDialogId, nullptr, flags)) {
+        open_ = opening_;
+        return std::nullopt;
+    }
+    ImGui::TextUnformatted("The same number deals the same board.");
+    ImGui::AlignTextToFramePadding();
+    ImGui::TextUnformatted("Board number");
+    ImGui::SameLine();
+    if (focusField_) ImGui::SetKeyboardFocusHere();
+    opening_ = focusField_ = false;
+    ImGui::SetNextItemWidth(kFieldWidth);
+    bool play = ImGui::InputText("##number", text_.data(), text_.size(), ImGuiInputTextFlags_EnterReturnsTrue);
+    if (!refusal_.empty()) {
+        ImGui::PushTextWrapPos(kFieldWidth * 2);
+        ImGui::TextColored(kRefusalColour, "%s", refusal_.c_str());
+        ImGui::PopTextWrapPos();
+    }
+    ImGui::Spacing();
+    play |= ImGui::Button("Play", ImVec2(kButtonWidth, 0));
+    ImGui::SameLine();
+    const bool cancel = ImGui::Button("Cancel", ImVec2(kButtonWidth, 0)) || ImGui::IsKeyPressed(ImGuiKey_Escape);
+    std::optional<std::uint32_t> chosen;
+    if (play) {
+        chosen = parseBoardNumber(text_.data(), &refusal_);
+        focusField_ = !chosen;  // another try
+    }
+    if (chosen || cancel) {
+        open_ = false;
+        ImGui::CloseCurrentPopup();
+    }
+    ImGui::EndPopup();
+    return chosen;
+}
+
+}  // namespace tolvar
