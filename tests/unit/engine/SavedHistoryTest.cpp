@@ -18,7 +18,7 @@ struct SavedHistoryTest : PlayerAidsTest {
     // Plays the move the game's hint finds: a region selected then removed with the game's key,
     // or a swap. False when there is none.
     bool playHint() {
-        const std::vector<BoardCell> cells = engine.hint();
+        const std::vector<BoardCell> cells = engine.hint().cells;
         if (cells.empty()) return false;
         if (const std::int8_t remove = removeSelectionKey(running())) {
             click(cells[0], cells[0]);
@@ -69,7 +69,7 @@ TEST_F(SavedHistoryTest, AfterContinueUndoAndRedoGoAsBeforeTheQuit) {
             for (int t = 0; t < 3; ++t) tick();
         }
         // The last move (a removal, or a swap) is saved with its events still pending.
-        const std::vector<BoardCell> cells = engine.hint();
+        const std::vector<BoardCell> cells = engine.hint().cells;
         ASSERT_FALSE(cells.empty());
         const std::int8_t remove = removeSelectionKey(running());
         if (remove) click(cells[0], cells[0]);
