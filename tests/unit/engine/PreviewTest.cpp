@@ -135,7 +135,7 @@ TEST(MovePreviewTest, AHintInASwapGameMakesAGroupWhenASwapCan) {
         StandInView view(host);
         Engine engine(view, host, GameOutput::discarded());
         ActionsMenu menu;
-        engine.random().seed(static_cast<std::uint32_t>(seed));
+        engine.seedBoardPicks(static_cast<std::uint32_t>(seed));
         engine.startGame(&rules, menu);
         engine.processEvents();
         const GameInfo& game = *engine.game();
