@@ -8,8 +8,8 @@
 
 #include "checker/Located.h"
 #include "engine/BoardLayout.h"
-#include "engine/BoardSetup.h"
 #include "engine/Engine.h"
+#include "engine/GameLimits.h"
 #include "rules/ActionsMenu.h"
 #include "rules/RulesDict.h"
 
@@ -190,7 +190,7 @@ void GameChecker::checkSettings() {
         const BoardLayout layout = computeBoardLayout(info);
         const float span = layout.w * static_cast<float>(info.boardWidth);
         if (span > winWidth) {
-            const int fit = static_cast<int>(winWidth / layout.w);
+            const unsigned fit = widestSquareBoard(info);
             report_.add(Severity::Warning, place(root_, keys::kBoardWidth), keys::kBoardWidth,
                         std::to_string(info.boardWidth) + " square columns of " +
                             std::to_string(info.boardHeight) + " rows are " + std::to_string(static_cast<int>(span)) +
@@ -198,11 +198,11 @@ void GameChecker::checkSettings() {
                             ": the board runs off the window; expected at most " + std::to_string(fit) + " columns");
         }
     }
-    if (info.numColors > kDrawnColorCount)
+    if (const unsigned drawn = colorRange(info).most; info.numColors > drawn)
         report_.add(Severity::Warning, place(root_, keys::kNumColors), keys::kNumColors,
-                    std::to_string(info.numColors) + " colours, but the board draws only " +
-                        std::to_string(kDrawnColorCount) + ": colours past the " + std::to_string(kDrawnColorCount) +
-                        "th are drawn black; expected at most " + std::to_string(kDrawnColorCount));
+                    std::to_string(info.numColors) + " colours, but the board draws only " + std::to_string(drawn) +
+                        ": colours past the " + std::to_string(drawn) + "th are drawn black; expected at most " +
+                        std::to_string(drawn));
 }
 
 void GameChecker::checkEventTypes() {

@@ -311,7 +311,7 @@ void TolvarAppDelegate::startGame(std::optional<std::uint32_t> board) {
     // A game with errors is not started; the main window lists them.
     if (rules_.refuses(library_.selectedTitle()) || !gameReady()) return;
     gameWindow->makeCurrentContext();
-    engine_->startGame(library_.currentRules(), menu_, board);
+    engine_->startGame(library_.currentRules(), menu_, {}, board);
 }
 
 void TolvarAppDelegate::returnToMain() {

@@ -189,7 +189,7 @@ void BestScores::performActionCheckBestScores(const GameAction& action) {
     GameInfo& game = ctx_.game();
     const std::uint64_t score = game.score;
     const bool lowerIsBetter = action.lowerIsBetter != 0;
-    const EnteredScore entered = ctx_.host.scoreStore().enterScore(game.gameName, [&](Array& scores) {
+    const EnteredScore entered = ctx_.host.scoreStore().enterScore(bestScoresTableName(game, ctx_.options), [&](Array& scores) {
         // A table put out of order by hand is put back in order first, so the score goes where it belongs.
         sortBestScores(scores, lowerIsBetter);
         const int at = bestScoreInsertionIndex(scores, score, lowerIsBetter, ctx_.out);

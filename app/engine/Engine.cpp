@@ -14,6 +14,7 @@
 #include "engine/MoveHistory.h"
 #include "engine/SavedGame.h"
 #include "engine/UserInput.h"
+#include "rules/GameOptions.h"
 #include "rules/RulesDict.h"
 
 namespace tolvar {
@@ -114,18 +115,52 @@ std::string unplayableReason(const GameInfo& game) {
     return {};
 }
 
+namespace {
+
+// A saved game's entry for the choices it was started with.
+constexpr const char* kSavedOptions = "Options";
+
+// The choices that change rules: those that differ from the rules' own values.
+GameOptions optionsChanging(const Value& rules, const GameOptions& options) {
+    const Dictionary* dict = rules.asDictionary();
+    if (!dict || options.empty()) return {};
+    GameInfo own;
+    readGameSettings(*dict, own);
+    return optionsDifferingFrom(own, options);
+}
+
+// The saved game with the choices it was started with, when there are any.
+Value withOptions(Value saved, const GameOptions& options) {
+    if (Dictionary* d = saved.asDictionary(); d && !options.empty())
+        d->set(kSavedOptions, Value::dictionary(optionsDictionary(options)));
+    return saved;
+}
+
+GameOptions savedOptions(const Value& saved) {
+    const Dictionary* d = saved.asDictionary();
+    const Value* options = d ? d->find(kSavedOptions) : nullptr;
+    const Dictionary* chosen = options ? options->asDictionary() : nullptr;
+    return chosen ? optionsFromDictionary(*chosen) : GameOptions();
+}
+
+}  // namespace
+
 Engine::Engine(View& view, Host& host, const GameOutput& out) : impl_(std::make_unique<Impl>(view, host, out)) {}
 Engine::~Engine() = default;
 
-void Engine::startGame(const Value* currentRules, ActionsMenu& menu, std::optional<std::uint32_t> board) {
+void Engine::startGame(const Value* currentRules, ActionsMenu& menu, const GameOptions& options,
+                       std::optional<std::uint32_t> board) {
     EngineContext& ctx = impl_->ctx;
     // The previous game goes, whatever comes next.
     ctx.forgetGesture();
     std::unique_ptr<GameInfo>& gameInfo = ctx.gameInfo;
     gameInfo.reset();
     if (!currentRules) return;
+    // The fingerprint is of the rules as written: a saved game is continued with its choices.
     impl_->fingerprint = rulesFingerprint(*currentRules);
-    gameInfo = createStructsFromRulesDict(currentRules, menu, ctx.out);
+    ctx.options = optionsChanging(*currentRules, options);
+    const Value played = rulesWithOptions(*currentRules, ctx.options);
+    gameInfo = createStructsFromRulesDict(&played, menu, ctx.out);
     if (!gameInfo) return;
     if (const std::string reason = unplayableReason(*gameInfo); !reason.empty()) {
         const std::string message =
@@ -312,12 +347,12 @@ bool Engine::resumeGame() {
 
 std::optional<Value> Engine::savedGame() const {
     if (!hasUnfinishedGame()) return std::nullopt;
-    return impl_->saved(takeSnapshot(impl_->ctx));
+    return withOptions(impl_->saved(takeSnapshot(impl_->ctx)), impl_->ctx.options);
 }
 
 std::optional<Value> Engine::savedGameBeforeTick() const {
     if (!impl_->beforeLastTick || !hasUnfinishedGame()) return savedGame();
-    return impl_->saved(*impl_->beforeLastTick);
+    return withOptions(impl_->saved(*impl_->beforeLastTick), impl_->ctx.options);
 }
 
 std::string Engine::savedGameTitle(const Value& saved) { return tolvar::savedGameTitle(saved); }
@@ -329,6 +364,7 @@ struct Continuable {
     std::unique_ptr<GameInfo> game;
     SavedPlay play;
     std::string fingerprint;
+    GameOptions options;
 };
 
 std::variant<Continuable, std::string> continuable(const Value& saved, const Value* rules, ActionsMenu& menu,
@@ -337,7 +373,9 @@ std::variant<Continuable, std::string> continuable(const Value& saved, const Val
     if (!rules)
         return "The saved game of \"" + title + "\" cannot be continued: the rules file has no game of that name.";
     Continuable c;
-    c.game = createStructsFromRulesDict(rules, menu, out);
+    c.options = optionsChanging(*rules, savedOptions(saved));
+    const Value played = rulesWithOptions(*rules, c.options);
+    c.game = createStructsFromRulesDict(&played, menu, out);
     if (!c.game) return "The saved game of \"" + title + "\" cannot be continued: its rules are not a dictionary.";
     if (const std::string reason = unplayableReason(*c.game); !reason.empty())
         return "The game \"" + c.game->gameName + "\" cannot be played: " + reason + ".";
@@ -368,6 +406,7 @@ std::string Engine::continueGame(const Value& saved, const Value* rules, Actions
     ctx.forgetGesture();
     ctx.gameInfo = std::move(c.game);
     impl_->fingerprint = c.fingerprint;
+    ctx.options = c.options;
     ctx.host.showGameWindow();
     impl_->show();
     ctx.view.clearPieceSprites(0);

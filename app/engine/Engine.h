@@ -21,6 +21,7 @@
 #include "core/PropertyList.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameInfo.h"
+#include "rules/GameOptions.h"
 #include "rules/GameOutput.h"
 
 namespace tolvar {
@@ -41,8 +42,11 @@ public:
     // the "Actions" menu), shows the game window, sets up and draws the board, hides the main
     // window, and schedules the engine timers at the first start. Rules that cannot be played
     // (a board of 0 columns, ...) get an alert naming the rule and its value, and no game starts.
-    // The board dealt is board number board, or one picked (see BoardNumbers.h) when not given.
-    void startGame(const Value* currentRules, ActionsMenu& menu, std::optional<std::uint32_t> board = std::nullopt);
+    // options replace the rules' board size and colours for this game (the rules are not
+    // changed); its saved game keeps them, and its best scores go to the table they name. The
+    // board dealt is board number board, or one picked (see BoardNumbers.h) when not given.
+    void startGame(const Value* currentRules, ActionsMenu& menu, const GameOptions& options = {},
+                   std::optional<std::uint32_t> board = std::nullopt);
     // returnToMain:
     void returnToMain();
     // checkMenuAction: with the chosen "Actions" item (0-based index into menu.items()).

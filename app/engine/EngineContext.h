@@ -13,6 +13,7 @@
 #include "engine/RandomSequence.h"
 #include "engine/View.h"
 #include "rules/GameInfo.h"
+#include "rules/GameOptions.h"
 #include "rules/GameOutput.h"
 
 namespace tolvar {
@@ -50,6 +51,9 @@ struct EngineContext {
     // Raised for every board dealt (a start, Escape, a new game), so what belongs to one board
     // knows when it has gone.
     unsigned boardsDealt = 0;
+    // The player's choices the running game was started with (only those that differ from its
+    // rules); its best scores go to the table they name.
+    GameOptions options;
     // Kept only on a copy that tries a move: the played game counts nothing.
     std::optional<RemovalTally> tally;
 

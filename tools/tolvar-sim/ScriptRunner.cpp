@@ -11,6 +11,8 @@
 #include "core/DataFolder.h"
 #include "engine/BoardNumbers.h"
 #include "core/PlistFile.h"
+#include "engine/GameLimits.h"
+#include "rules/RulesDict.h"
 
 namespace tolvar::sim {
 
@@ -97,6 +99,11 @@ const char* ScriptRunner::commandHelp() {
            "  start              start the chosen game (Start in the main window) on a board whose\n"
            "                     number is picked from the --seed\n"
            "  board N            start the chosen game on board number N (the same N, the same board)\n"
+           "  size W H, size default\n"
+           "                     the chosen game's board is W columns and H rows from its next start, or\n"
+           "                     as its rules say (W and H within what the rules checker accepts)\n"
+           "  colors N, colors default\n"
+           "                     the chosen game deals N colours from its next start, or as its rules say\n"
            "  return             go back to the main window\n"
            "  tick [N]           run N ticks of the event timer (1 when not given)\n"
            "  down X Y, up X Y, move X Y\n"
@@ -198,9 +205,10 @@ std::string ScriptRunner::runLine(const std::string& line) {
     }
     if (command == "start") {
         if (!arity(0)) return wrongCount;
-        engine_.startGame(library_.currentRules(), menu_);
+        engine_.startGame(library_.currentRules(), menu_, options_[library_.selectedTitle()]);
         return {};
     }
+    if (command == "size" || command == "colors") return chooseOptions(w);
     if (command == "return") {
         if (!arity(0)) return wrongCount;
         engine_.returnToMain();
@@ -309,7 +317,7 @@ std::string ScriptRunner::runLine(const std::string& line) {
         std::string why;
         const std::optional<std::uint32_t> number = parseBoardNumber(w[1], &why);
         if (!number) return why;
-        engine_.startGame(library_.currentRules(), menu_, *number);
+        engine_.startGame(library_.currentRules(), menu_, options_[library_.selectedTitle()], *number);
         return {};
     }
     if (command == "show") {
@@ -328,6 +336,36 @@ std::string ScriptRunner::runLine(const std::string& line) {
         return {};
     }
     return "unknown command \"" + command + "\"";
+}
+
+std::string ScriptRunner::chooseOptions(const std::vector<std::string>& w) {
+    const bool size = w[0] == "size";
+    const bool reset = w.size() == 2 && w[1] == "default";
+    if (!reset && w.size() != (size ? 3u : 2u)) return "wrong number of arguments to " + w[0];
+    const Value* rules = library_.currentRules();
+    if (!rules || !rules->asDictionary()) return "no game chosen";
+    GameInfo own;
+    readGameSettings(*rules->asDictionary(), own);
+    GameOptions chosen = options_[library_.selectedTitle()];
+    if (reset) {
+        (size ? chosen.boardWidth : chosen.numColors).reset();
+        if (size) chosen.boardHeight.reset();
+    } else {
+        // Each number first within a byte, then within what the game accepts.
+        const std::pair<const char*, std::optional<std::uint8_t> GameOptions::*> fields[] = {
+            {"width", &GameOptions::boardWidth}, {"height", &GameOptions::boardHeight}};
+        for (std::size_t i = 1; i < w.size(); ++i) {
+            unsigned long n = 0;
+            const char* what = size ? fields[i - 1].first : "number of colours";
+            if (!parseCount(w[i], n)) return "bad " + std::string(what) + " \"" + w[i] + "\"";
+            if (n == 0 || n > kMostBoardSide) n = 0;  // out of every range: named below
+            auto& field = size ? chosen.*fields[i - 1].second : chosen.numColors;
+            field = static_cast<std::uint8_t>(n);
+        }
+    }
+    if (const std::string problem = optionsProblem(own, chosen); !problem.empty()) return problem;
+    options_[library_.selectedTitle()] = chosen;
+    return {};
 }
 
 void ScriptRunner::dumpBoard() const {

@@ -3,13 +3,16 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "core/BestScoresFile.h"
 #include "engine/Engine.h"
 #include "engine/StandInShell.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameLibrary.h"
+#include "rules/GameOptions.h"
 
 namespace tolvar::sim {
 
@@ -30,6 +33,9 @@ private:
     std::string runLine(const std::string& line);
     std::string pointerEvent(std::int64_t type, const std::string& xs, const std::string& ys);
     std::string keyEvent(std::int64_t type, const std::string& key);
+    // size W H, size default, colors N, colors default: the chosen game's board from its next
+    // start; a value the game does not accept is refused, naming what it accepts.
+    std::string chooseOptions(const std::vector<std::string>& words);
     void dumpBoard() const;
     // The board as the player sees it: the top row first, empty cells as '.', selected pieces
     // in brackets.
@@ -44,6 +50,7 @@ private:
     StandInHost host_;
     StandInView view_;
     Engine engine_;
+    std::map<std::string, GameOptions> options_;  // each game's choices, by title
 };
 
 }  // namespace tolvar::sim
