@@ -55,7 +55,8 @@ void MainWindow::addFindings(std::vector<Paragraph>& page, const GameLibrary& li
 std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const ActionsMenu& menu,
                                            const GameMenuState& game, bool gameRunning, const RulesWatch& rules,
                                            bool canContinue, const std::string& continueText,
-                                           const std::string& note, std::uint32_t boardNumber) {
+                                           const std::string& note, std::uint32_t boardNumber,
+                                           GameOptionsPanel& options) {
     const bool refused = library.currentRules() && rules.refuses(library.selectedTitle());
     std::vector<ShellCommand> commands;
     surface_.beginFrame();
@@ -150,7 +151,8 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     // The description: read-only, wrapped, scrolling; under it, which game Continue goes on with.
     const float continueHeight = continueText.empty() ? 0.0f : ImGui::GetTextLineHeightWithSpacing();
     const float scale = surface_.scale();
-    const float buttonsHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f * scale + continueHeight;
+    const float buttonsHeight = ImGui::GetFrameHeight() + ImGui::GetStyle().ItemSpacing.y + 8.0f * scale +
+                                continueHeight + GameOptionsPanel::height();
     ImGui::PushStyleColor(ImGuiCol_ChildBg, ImVec4(1, 1, 1, 1));
     ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, ImVec2(12 * scale, 10 * scale));
     ImGui::BeginChild("##description", ImVec2(0, -buttonsHeight), true, ImGuiWindowFlags_AlwaysUseWindowPadding);
@@ -162,6 +164,8 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::EndChild();
     ImGui::PopStyleVar();
     ImGui::PopStyleColor();
+    if (const auto error = options.draw(library.selectedTitle(), library.currentRules()))
+        alert("Your choice could not be saved to \"" + error->path + "\": " + error->reason + ".", "OK");
     if (!continueText.empty()) ImGui::TextUnformatted(continueText.c_str());  // one line, clipped at the edge
 
     // Start and Return sit at the bottom right, as in a dialog.

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "desktop/BoardNumberDialog.h"
+#include "desktop/GameOptions.h"
 #include "desktop/ImGuiSurface.h"
 #include "desktop/RulesWatch.h"
 #include "desktop/TextPage.h"
@@ -47,11 +48,12 @@ public:
     // Continue stands beside Start while a kept or saved game can go on (canContinue);
     // continueText says which game it goes on with, note why a saved game cannot be continued.
     // boardNumber: the number of the chosen game's board being played (0 for none), shown
-    // beside its name ("Board 123456") and what Game > Copy Board Number copies.
+    // beside its name ("Board 123456") and what Game > Copy Board Number copies. Under the
+    // description stand the game's board choices (options).
     std::vector<ShellCommand> draw(const GameLibrary& library, const ActionsMenu& menu, const GameMenuState& game,
                                    bool gameRunning, const RulesWatch& rules, bool canContinue,
                                    const std::string& continueText, const std::string& note,
-                                   std::uint32_t boardNumber);
+                                   std::uint32_t boardNumber, GameOptionsPanel& options);
 
     // An alert over the window, a modal panel with the message and one button labelled button;
     // Return, Space or Escape answer it too. Alerts that come while one is up wait their turn.

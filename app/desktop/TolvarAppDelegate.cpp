@@ -231,7 +231,7 @@ void TolvarAppDelegate::drawWindows() {
             const bool running = gameWindow && gameWindow->isVisible();
             std::vector<ShellCommand> commands = window->draw(library_, menu_, gameMenuState(), running, rules_,
                                                               canContinue(), continueText(), continueProblem(),
-                                                              shownBoardNumber());
+                                                              shownBoardNumber(), gameOptions_);
             if (gameWindow) gameWindow->makeCurrentContext();
             runCommands(commands);
         }
@@ -311,7 +311,8 @@ void TolvarAppDelegate::startGame(std::optional<std::uint32_t> board) {
     // A game with errors is not started; the main window lists them.
     if (rules_.refuses(library_.selectedTitle()) || !gameReady()) return;
     gameWindow->makeCurrentContext();
-    engine_->startGame(library_.currentRules(), menu_, {}, board);
+    engine_->startGame(library_.currentRules(), menu_,
+                       gameOptions_.optionsFor(library_.selectedTitle(), library_.currentRules()), board);
 }
 
 void TolvarAppDelegate::returnToMain() {

@@ -23,6 +23,8 @@
 #include "desktop/PageOpener.h"
 #include "desktop/ProgramKeys.h"
 #include "core/SavedGamesFile.h"
+#include "core/SettingsFile.h"
+#include "desktop/GameOptions.h"
 #include "core/PropertyList.h"
 #include "desktop/RunLoop.h"
 #include "presentation/GameView.h"
@@ -172,6 +174,8 @@ private:
     std::string startTitle_;  // the game to start at once
     std::optional<std::uint32_t> startBoard_;  // and its board
     BestScoresFile bestScores_{tolvarFolderPath()};
+    SettingsFile settings_{tolvarFolderPath()};
+    GameOptionsPanel gameOptions_{settings_};  // each game's board choices, remembered in settings_
     ActionsMenu menu_;
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<ActionsPopup> popup_;

@@ -53,4 +53,16 @@ std::string optionsProblem(const GameInfo& game, const GameOptions& options) {
     return {};
 }
 
+GameOptions optionsWithinLimits(const GameInfo& game, const GameOptions& options) {
+    GameOptions kept = options;
+    if (kept.boardHeight && !heightRange().holds(*kept.boardHeight)) kept.boardHeight.reset();
+    if (kept.numColors && !colorRange(game).holds(*kept.numColors)) kept.numColors.reset();
+    if (kept.boardWidth || kept.boardHeight) {
+        const ChoiceRange width = widthRange(game, kept.boardHeight.value_or(game.boardHeight));
+        if (const unsigned columns = kept.boardWidth.value_or(game.boardWidth); !width.holds(columns))
+            kept.boardWidth = static_cast<std::uint8_t>(width.clamp(columns));
+    }
+    return kept;
+}
+
 }  // namespace tolvar

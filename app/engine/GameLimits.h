@@ -36,5 +36,9 @@ unsigned widestSquareBoard(const GameInfo& game);
 // Why options cannot be played with game (the rules as read): "the width is 1 to 13", ...; an
 // empty text when every choice is within its range.
 std::string optionsProblem(const GameInfo& game, const GameOptions& options);
+// options as they can be played: a height or number of colours outside its range (a settings
+// file written by hand, rules that changed since) gives way to the rules' own value, and with a
+// size chosen, square pieces take no more columns than the window holds at the rows played.
+GameOptions optionsWithinLimits(const GameInfo& game, const GameOptions& options);
 
 }  // namespace tolvar

@@ -178,5 +178,26 @@ TEST(GameLimitsTest, EachChoiceGoesAsFarAsTheCheckerAccepts) {
     EXPECT_EQ(optionsProblem(runs, options(3, 3, 1)), "the number of colours is 2 to 10");
 }
 
+TEST(GameLimitsTest, RememberedChoicesArePlayedWithinTheLimits) {
+    GameInfo square;  // Vexamor's rules: 8 x 8 square pieces in 4 colours
+    square.squareShapes = 1;
+    square.boardWidth = square.boardHeight = 8;
+    square.numColors = 4;
+    GameOptions onlyRows;
+    onlyRows.boardHeight = 4;
+    GameOptions none;
+    for (const auto& [remembered, played] : std::vector<std::pair<GameOptions, GameOptions>>{
+             {options(12, 10, 5), options(12, 10, 5)},
+             {options(12, 8, 5), options(10, 8, 5)},    // the most columns the window holds at 8 rows
+             {options(6, 5, 0), [] { GameOptions o; o.boardWidth = 6; o.boardHeight = 5; return o; }()},
+             {options(6, 5, 11), [] { GameOptions o; o.boardWidth = 6; o.boardHeight = 5; return o; }()},
+             {onlyRows, [] { GameOptions o; o.boardWidth = 5; o.boardHeight = 4; return o; }()},  // the rules' 8 shrink
+             {none, none},
+         })
+        EXPECT_EQ(optionsWithinLimits(square, remembered), played);
+    square.boardWidth = 30;  // rules whose board runs off the window are played as written
+    EXPECT_EQ(optionsWithinLimits(square, none), none);
+}
+
 }  // namespace
 }  // namespace tolvar
