@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The board size and colours chosen in the main window reach the board: Vexamor chosen 6 x 5 in 3 colours is
-dealt so, the choice is remembered for the next run, and the rules file stays as it was.
+dealt so, the choice is remembered for the next run, Default gives the rules' board back, and the rules file
+stays as it was.
 run_e2e_options.py --program build/bin/tolvar --test sizes"""
 
 import os
@@ -8,16 +9,17 @@ import plistlib
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from tolvar_driver import (COLOURS, FRAME_H, ITEM_SPACING_Y, MAIN_H, MAIN_PAD_Y, Layout, check,  # noqa: E402
-                           classify, full, key, run_test_script)
+from tolvar_driver import (COLOURS, FONT_PX, FRAME_H, ITEM_SPACING_Y, MAIN_H, MAIN_PAD_X, MAIN_PAD_Y,  # noqa: E402
+                           MAIN_W, Layout, check, classify, full, key, run_test_script)
 
 OPTIONS_X = 80 + 12  # the width's number, right of the labels' column (as the game pop-up)
 CHOSEN = (6, 5, 3)   # columns, rows, colours
 
 
-def options_row_y(t):  # under the description, above the buttons' row and its 8-pixel gap
-    _mx, my = t.geometry(t.main)
-    return my + MAIN_H - MAIN_PAD_Y - 2 * FRAME_H - ITEM_SPACING_Y - 8 + FRAME_H / 2
+def options_row_y(t, continue_line=False):  # under the description, above the buttons' row and its 8-pixel gap
+    _mx, my = t.geometry(t.main)                # and the line naming the game Continue goes on with, when shown
+    line = FONT_PX + ITEM_SPACING_Y if continue_line else 0
+    return my + MAIN_H - MAIN_PAD_Y - 2 * FRAME_H - ITEM_SPACING_Y - 8 - line + FRAME_H / 2
 
 
 def choose(t, numbers):  # types into the width, then Tab to the height and the colours; Return ends the typing
@@ -74,6 +76,12 @@ def test_sizes(t):
     t.choose_game(1)
     t.press_start()
     dealt(t, *CHOSEN)
+    t.back_to_main("ctrl+w")  # Default, at the row's right end, gives the rules' board back
+    mx, _my = t.geometry(t.main)
+    t.click(mx + MAIN_W - MAIN_PAD_X - 40, options_row_y(t, continue_line=True))
+    t.wait_for(lambda: "Vexamor" not in settings(t), 10, "the choice forgotten")
+    t.press_start()
+    dealt(t, 8, 8, 4)
 
 
 if __name__ == "__main__":

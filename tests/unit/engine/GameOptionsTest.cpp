@@ -42,7 +42,8 @@ struct GameOptionsTest : ::testing::Test {
         stdoutOf([&] { engine.startGame(&rules, menu, chosen); });
     }
     // Plays a board of one colour to its end: a click on a piece, then the game's remove key.
-    void playToTheEnd() {
+    void playToTheEnd() { playToTheEnd(engine); }
+    static void playToTheEnd(Engine& engine) {
         stdoutOf([&] {
             engine.processEvents();
             const BoardLayout l = computeBoardLayout(*engine.game());
@@ -130,11 +131,20 @@ TEST_F(GameOptionsTest, ASavedGameGoesOnWithItsChoicesAndItsTable) {
     EXPECT_EQ(Engine::savedGameProblem(saved, &rules), "");
     EXPECT_EQ(toXmlPropertyList(*later.savedGame()), toXmlPropertyList(saved));  // the choices kept again
 
+    // A one-move board continued in another run enters its score in the table of its choices.
+    start(options(2, 2, 1));
+    const Value oneMove = *engine.savedGame();
+    Engine third{view, host};
+    stdoutOf([&] { why = third.continueGame(oneMove, &rules, laterMenu); });
+    ASSERT_EQ(why, "");
+    playToTheEnd(third);
+    ASSERT_FALSE(scores.names.empty());
+    EXPECT_EQ(scores.names.back(), "Vexamor 2 \xC3\x97 2, 1 colour");
+
     // Without its choices the board saved does not fit the rules' 8 x 8.
-    Value bare = saved;
     Dictionary stripped = *saved.asDictionary();
-    stripped.erase("Options");
-    bare = Value::dictionary(std::move(stripped));
+    ASSERT_TRUE(stripped.erase("Options"));
+    const Value bare = Value::dictionary(std::move(stripped));
     EXPECT_NE(Engine::savedGameProblem(bare, &rules), "");
 }
 
