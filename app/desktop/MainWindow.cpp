@@ -91,7 +91,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
         }
         if (ImGui::BeginMenu("Game")) {
             for (const GameMenuItem& item : gameMenuItems())
-                if (ImGui::MenuItem(item.title, item.keys, false, game.enabled(item.command)))
+                if (ImGui::MenuItem(item.title, item.keys, game.checked(item.command), game.enabled(item.command)))
                     commands.push_back({ShellCommand::Kind::Program, {}, -1, item.command});
             ImGui::Separator();
             if (ImGui::MenuItem("Play Board Number\xE2\x80\xA6", nullptr, false, library.currentRules() && !refused))
@@ -268,14 +268,23 @@ void ActionsPopup::openAt(int x, int y, const ActionsMenu& menu) {
 void ActionsPopup::close() { surface_.hide(); }
 
 namespace {
-// One row of the pop-up: its title at the left, its keys at the right, grey when not possible.
-bool popupRow(const char* id, float y, float width, const std::string& title, const std::string& keys, bool enabled) {
+// One row of the pop-up: its title at the left, its keys at the right, grey when not possible,
+// a check mark before the title when checked.
+bool popupRow(const char* id, float y, float width, const std::string& title, const std::string& keys, bool enabled,
+              bool checked = false) {
     const float rowHeight = static_cast<float>(ActionsPopup::kRowHeight);
     ImGui::SetCursorPos(ImVec2(0, y));
     const ImGuiSelectableFlags flags = enabled ? 0 : ImGuiSelectableFlags_Disabled;
     const bool chosen = ImGui::Selectable(id, false, flags, ImVec2(width, rowHeight)) && enabled;
     const float textY = y + (rowHeight - ImGui::GetTextLineHeight()) * 0.5f;
     ImGui::PushStyleColor(ImGuiCol_Text, ImGui::GetStyleColorVec4(enabled ? ImGuiCol_Text : ImGuiCol_TextDisabled));
+    if (checked) {
+        const ImVec2 at = ImGui::GetWindowPos();
+        const float h = ImGui::GetTextLineHeight();
+        const ImVec2 mark[3] = {ImVec2(at.x + 3, at.y + textY + h * 0.5f), ImVec2(at.x + 6.5f, at.y + textY + h * 0.8f),
+                                ImVec2(at.x + 13, at.y + textY + h * 0.2f)};
+        ImGui::GetWindowDrawList()->AddPolyline(mark, 3, ImGui::GetColorU32(ImGuiCol_Text), 0, 2.0f);
+    }
     ImGui::SetCursorPos(ImVec2(16, textY));
     ImGui::TextUnformatted(title.c_str());
     if (!keys.empty()) {
@@ -321,7 +330,7 @@ ActionsPopup::Choice ActionsPopup::draw(const ActionsMenu& menu, const GameMenuS
     }
     for (const GameMenuItem& item : gameMenuItems()) {
         const std::string id = std::string("##game") + item.title;
-        if (popupRow(id.c_str(), y, width, item.title, item.keys, game.enabled(item.command))) {
+        if (popupRow(id.c_str(), y, width, item.title, item.keys, game.enabled(item.command), game.checked(item.command))) {
             choice.kind = Choice::Kind::Game;
             choice.command = item.command;
         }

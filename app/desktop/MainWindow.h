@@ -8,6 +8,7 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -78,7 +79,7 @@ public:
     static constexpr int kPadding = 6;
     static constexpr int kRowHeight = 30;
     static constexpr int kSeparatorHeight = 9;
-    static constexpr int kGameItemCount = 4;
+    static constexpr int kGameItemCount = static_cast<int>(std::tuple_size_v<std::remove_cvref_t<decltype(gameMenuItems())>>);
 
     // The "Actions" items a rule binds (their indexes): the only ones listed, in both menus.
     static std::vector<int> boundItems(const ActionsMenu& menu);

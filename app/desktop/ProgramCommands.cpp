@@ -63,6 +63,11 @@ void TolvarAppDelegate::runProgramCommand(ProgramCommand command) {
         case ProgramCommand::Fullscreen:
             if (gameWindow) gameWindow->toggleFullscreen();
             break;
+        case ProgramCommand::BestScores:
+            if (bestScoresWindow_ && bestScoresWindow_->isOpen()) closeBestScores();
+            else showBestScores();
+            break;
+        case ProgramCommand::Symbols: toggleSymbols(); break;
     }
 }
 
@@ -76,6 +81,7 @@ GameMenuState TolvarAppDelegate::gameMenuState() const {
     state.undo = engine_ && engine_->canUndo();
     state.redo = engine_ && engine_->canRedo();
     state.hint = playing();
+    state.symbols = view_ && view_->symbolsShown();
     return state;
 }
 
@@ -144,6 +150,60 @@ void TolvarAppDelegate::showAbout() {
     openHelpWindow();
     helpWindow_->showAbout();
     helpFrames_ = kMainWindowFramesPerChange;
+}
+
+// The names of the rules file's games, which the best-score tables are grouped under.
+namespace {
+std::vector<std::string> gameNamesOf(const Value* allGameRules) {
+    std::vector<std::string> names;
+    const Dictionary* games = allGameRules ? allGameRules->asDictionary() : nullptr;
+    if (!games) return names;
+    for (const auto& [title, rules] : games->entries()) {
+        const Dictionary* dict = rules.asDictionary();
+        const Value* name = dict ? dict->find("GameName") : nullptr;
+        names.push_back(name && name->asString() ? *name->asString() : title);
+    }
+    return names;
+}
+}  // namespace
+
+void TolvarAppDelegate::showBestScores() {
+    // Made when first asked for, like help.
+    if (!bestScoresWindow_) bestScoresWindow_ = std::make_unique<BestScoresWindow>(interfaceFont_, kInterfaceFontPixels);
+    bestScoresWindow_->open(bestScores_.path(), gameNamesOf(library_.allGameRules()));
+    // While it is open, a score entered by another copy of the game shows at once.
+    bestScoresWatch_ = std::make_unique<FileWatch>(bestScores_.path());
+    bestScoresFrames_ = kMainWindowFramesPerChange;
+    if (gameWindow) gameWindow->makeCurrentContext();
+}
+
+void TolvarAppDelegate::closeBestScores() {
+    if (!bestScoresWindow_ || !bestScoresWindow_->isOpen()) return;
+    bestScoresWindow_->close();
+    bestScoresWatch_.reset();
+    // The keyboard goes back to the window it was opened over: the game's while it shows.
+    if (gameWindow && gameWindow->isVisible()) SDL_SetWindowInputFocus(gameWindow->sdlWindow());
+    else if (window && window->surface().isVisible()) SDL_SetWindowInputFocus(window->surface().sdlWindow());
+}
+
+void TolvarAppDelegate::lookAtBestScores() {
+    if (bestScoresWindow_ && bestScoresWindow_->reloadWhenChanged()) bestScoresFrames_ = kMainWindowFramesPerChange;
+}
+
+void TolvarAppDelegate::toggleSymbols() {
+    const bool shown = !view_->symbolsShown();
+    view_->showSymbols(shown);
+    // The choice holds for this run even when it cannot be remembered.
+    if (const auto error = settings_.setFlag(kSymbolsSetting, shown))
+        std::fprintf(stderr, "%s: symbols on pieces cannot be remembered (%s)\n", error->path.c_str(),
+                     error->reason.c_str());
+    mainFrames_ = popupFrames_ = kMainWindowFramesPerChange;
+    // The board (or the score screen) as it stands, drawn again at once with or without them.
+    if (gameWindow && gameWindow->isVisible()) {
+        gameWindow->makeCurrentContext();
+        view_->redrawLastFrame(shownGame_);
+        drawAlertPanel();
+    }
 }
 
 namespace {

@@ -13,6 +13,8 @@ ProgramCommand programCommandForKey(SDL_Keycode key, Uint16 modifiers, bool inGa
             case SDLK_n: return ProgramCommand::NewGame;
             case SDLK_z: return shift ? ProgramCommand::Redo : ProgramCommand::Undo;
             case SDLK_y: return ProgramCommand::Redo;
+            case SDLK_b: return ProgramCommand::BestScores;
+            case SDLK_m: return ProgramCommand::Symbols;
             default: return ProgramCommand::None;
         }
     }
@@ -38,16 +40,20 @@ bool GameMenuState::enabled(ProgramCommand command) const {
         case ProgramCommand::Undo: return undo;
         case ProgramCommand::Redo: return redo;
         case ProgramCommand::Hint: return hint;
+        case ProgramCommand::BestScores:
+        case ProgramCommand::Symbols: return true;
         default: return false;
     }
 }
 
-const std::array<GameMenuItem, 4>& gameMenuItems() {
-    static const std::array<GameMenuItem, 4> items = {{
+const std::array<GameMenuItem, 6>& gameMenuItems() {
+    static const std::array<GameMenuItem, 6> items = {{
         {"New Game", "F2", ProgramCommand::NewGame},
         {"Undo", "Ctrl+Z", ProgramCommand::Undo},
         {"Redo", "Ctrl+Shift+Z", ProgramCommand::Redo},
         {"Hint", "H", ProgramCommand::Hint},
+        {"Best Scores\xE2\x80\xA6", "Ctrl+B", ProgramCommand::BestScores},
+        {"Symbols on Pieces", "Ctrl+M", ProgramCommand::Symbols},
     }};
     return items;
 }
@@ -62,6 +68,8 @@ const std::vector<std::pair<std::string, std::string>>& programKeysHelp() {
         {"Esc, F2, Ctrl+N", "New game"},
         {"F1", "Help"},
         {"F11", "Full screen on and off"},
+        {"Ctrl+B", "Best scores of every game"},
+        {"Ctrl+M", "Symbols on the pieces on and off"},
         {"Ctrl+W", "Back to the main window"},
         {"Ctrl+Q", "Quit"},
     };

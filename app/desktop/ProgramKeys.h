@@ -1,5 +1,5 @@
 // The program's own keys (undo, redo, hint, help, new game, full screen, the keyboard cursor,
-// leaving the game, quitting). Keys the running game's rules bind are looked up before these.
+// the best scores, symbols on the pieces, leaving the game, quitting). Keys the running game's rules bind are looked up before these.
 #pragma once
 
 #include <SDL.h>
@@ -23,6 +23,8 @@ enum class ProgramCommand {
     WritingGames,
     About,
     Fullscreen,
+    BestScores,
+    Symbols,  // symbols on the pieces, on and off
 };
 
 // The command of a key pressed in the game window (inGame) or the main window; cursorShown:
@@ -41,9 +43,11 @@ struct GameMenuState {  // what can be done now
     bool undo = false;
     bool redo = false;
     bool hint = false;
+    bool symbols = false;  // the pieces show their colour's symbol: the item is checked
     bool enabled(ProgramCommand command) const;
+    bool checked(ProgramCommand command) const { return command == ProgramCommand::Symbols && symbols; }
 };
-const std::array<GameMenuItem, 4>& gameMenuItems();
+const std::array<GameMenuItem, 6>& gameMenuItems();
 
 // The program's keys as the help lists them: (keys, what they do).
 const std::vector<std::pair<std::string, std::string>>& programKeysHelp();

@@ -1,7 +1,5 @@
 #include "desktop/RulesWatch.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 
 #include "core/DataFolder.h"
@@ -16,23 +14,6 @@ RulesWatch::RulesWatch(std::string file) : path_(std::move(file)) {
     }
 }
 
-bool RulesWatch::Stamp::operator==(const Stamp& o) const {
-    return exists == o.exists && device == o.device && inode == o.inode && size == o.size &&
-           modified.tv_sec == o.modified.tv_sec && modified.tv_nsec == o.modified.tv_nsec;
-}
-
-RulesWatch::Stamp RulesWatch::stampOf(const std::string& path) {
-    Stamp s;
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) return s;
-    s.exists = true;
-    s.device = info.st_dev;
-    s.inode = info.st_ino;
-    s.size = info.st_size;
-    s.modified = info.st_mtim;
-    return s;
-}
-
 void RulesWatch::load(GameLibrary& library) {
     const std::string chosen = library.selectedTitle();
     // A fresh library: a file that can no longer be read offers no game.
@@ -40,7 +21,7 @@ void RulesWatch::load(GameLibrary& library) {
     if (ownFile_ && !loaded_) library.setupGameSelections();
     else library.loadRulesFromFile(path_);
     loaded_ = true;
-    stamp_ = stampOf(path_);
+    stamp_ = FileStamp::of(path_);
     if (library.rulesNotWritten().empty()) {
         report_ = checker::checkRulesFile(path_);
     } else {
@@ -55,7 +36,7 @@ void RulesWatch::load(GameLibrary& library) {
     library.selectGame(std::find(titles.begin(), titles.end(), chosen) != titles.end() ? chosen : "None");
 }
 
-bool RulesWatch::changedOnDisk() const { return !(stampOf(path_) == stamp_); }
+bool RulesWatch::changedOnDisk() const { return !(FileStamp::of(path_) == stamp_); }
 
 bool RulesWatch::refuses(const std::string& title) const {
     for (const checker::Problem& p : report_.problemsOf(title))

@@ -3,12 +3,10 @@
 // renamed over the old file); the next look sees it.
 #pragma once
 
-#include <sys/types.h>
-
-#include <ctime>
 #include <string>
 
 #include "checker/RulesChecker.h"
+#include "desktop/FileStamp.h"
 #include "rules/GameLibrary.h"
 
 namespace tolvar {
@@ -31,20 +29,10 @@ public:
     bool refuses(const std::string& title) const;
 
 private:
-    struct Stamp {
-        bool exists = false;
-        dev_t device = 0;
-        ino_t inode = 0;
-        off_t size = 0;
-        timespec modified{};
-        bool operator==(const Stamp& o) const;
-    };
-    static Stamp stampOf(const std::string& path);
-
     std::string path_;
     bool ownFile_ = false;  // the data folder's file, written once when missing
     bool loaded_ = false;
-    Stamp stamp_;
+    FileStamp stamp_;
     checker::CheckReport report_;
 };
 

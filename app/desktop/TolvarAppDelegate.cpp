@@ -43,6 +43,7 @@ TolvarAppDelegate::~TolvarAppDelegate() {
     recorder_.reset();
     if (gameWindow) gameWindow->makeCurrentContext();
     view_.reset();
+    bestScoresWindow_.reset();
     helpWindow_.reset();
     popup_.reset();
     window.reset();
@@ -78,6 +79,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     callbacks.random = [this] { return engine_->random().next(); };
     callbacks.displayScale = displayScale();
     view_ = std::make_unique<GameView>(*this, std::move(callbacks));
+    view_->showSymbols(settings_.flag(kSymbolsSetting, false));
     recorder_ = std::make_unique<ShowRecorder>(show_, *view_, *this);
     engine_ = std::make_unique<Engine>(*recorder_, *this);
     engine_->seedBoardPicks(seed);
@@ -188,7 +190,7 @@ void TolvarAppDelegate::runLoop() {
             const int showMs = static_cast<int>(std::ceil(untilShown * 1000.0));
             timeoutMs = timeoutMs < 0 ? showMs : std::min(timeoutMs, showMs);
         }
-        if (mainFrames_ > 0 || popupFrames_ > 0 || helpFrames_ > 0) timeoutMs = 0;
+        if (mainFrames_ > 0 || popupFrames_ > 0 || helpFrames_ > 0 || bestScoresFrames_ > 0) timeoutMs = 0;
 
         SDL_Event event;
         const int got = timeoutMs < 0 ? SDL_WaitEvent(&event) : SDL_WaitEventTimeout(&event, timeoutMs);
@@ -241,6 +243,11 @@ void TolvarAppDelegate::drawWindows() {
         if (helpWindow_->isOpen() && !helpWindow_->draw()) closeHelp();
         if (gameWindow) gameWindow->makeCurrentContext();
     }
+    if (bestScoresWindow_ && bestScoresFrames_ > 0) {
+        --bestScoresFrames_;
+        if (bestScoresWindow_->isOpen() && !bestScoresWindow_->draw()) closeBestScores();
+        if (gameWindow) gameWindow->makeCurrentContext();
+    }
     if (popupFrames_ > 0) {
         --popupFrames_;
         if (popup_ && popup_->isOpen()) {
@@ -285,7 +292,7 @@ std::string TolvarAppDelegate::menuSignature() const {
     s += canContinue() ? 'c' : '-';
     s += continueText() + continueProblem();
     const GameMenuState game = gameMenuState();
-    for (const bool possible : {game.newGame, game.undo, game.redo, game.hint}) s += possible ? '+' : '-';
+    for (const bool possible : {game.newGame, game.undo, game.redo, game.hint, game.symbols}) s += possible ? '+' : '-';
     return s + std::to_string(shownBoardNumber());
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "desktop/BestScoresWindow.h"
 #include "desktop/HelpWindow.h"
 #include "desktop/MainWindow.h"
 #include "desktop/MyWindow.h"
@@ -121,6 +122,13 @@ private:
     void saveGameOnQuit();
     void openHelpWindow();
     void showHelp();
+    // The best scores of every game in a window of their own, read again while open when the
+    // file changes (the kernel tells); Escape, Ctrl+B or its button put it away.
+    void showBestScores();
+    void closeBestScores();
+    void lookAtBestScores();
+    // Symbols on the pieces on and off, remembered in the settings; the board shows it at once.
+    void toggleSymbols();
     void showAbout();
     // Help > Writing Games: the rules author's page in the desktop's viewer; when it cannot be
     // opened, the help window tells why and where the page is.
@@ -180,6 +188,9 @@ private:
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<ActionsPopup> popup_;
     std::unique_ptr<HelpWindow> helpWindow_;
+    std::unique_ptr<BestScoresWindow> bestScoresWindow_;
+    std::unique_ptr<FileWatch> bestScoresWatch_;  // while bestScoresWindow_ is open
+    SettingsFile settings_{tolvarFolderPath()};
     PageOpener pageOpener_;
     std::string writingGamesPath_;  // the page given to the viewer last
 
@@ -209,7 +220,9 @@ private:
     int mainFrames_ = 0;   // frames of the main window still to draw
     int popupFrames_ = 0;  // frames of the "Actions" pop-up still to draw
     int helpFrames_ = 0;   // frames of the help window still to draw
+    int bestScoresFrames_ = 0;  // frames of the best-score window still to draw
     static constexpr float kInterfaceFontPixels = 17.0f;
+    static constexpr const char* kSymbolsSetting = "Symbols";  // the settings' switch of symbols on pieces
     static constexpr int kMainWindowFramesPerChange = 3;  // ImGui settles hover and click states in a few frames
     std::string lastMenuSignature_;
 };

@@ -14,6 +14,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     const Uint32 mainID = window ? window->surface().windowID() : 0;
     const Uint32 popupID = popup_ ? popup_->surface().windowID() : 0;
     const Uint32 helpID = helpWindow_ ? helpWindow_->surface().windowID() : 0;
+    const Uint32 scoresID = bestScoresWindow_ ? bestScoresWindow_->surface().windowID() : 0;
 
     if (event.type == SDL_QUIT) {
         terminate();
@@ -21,6 +22,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
     }
     if (event.type == FileWatch::changedEventType()) {
         reloadRulesWhenChanged();
+        lookAtBestScores();
         return;
     }
     if (event.type == PageOpener::endedEventType()) {
@@ -68,6 +70,7 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         else if (windowID == mainID) terminate();
         else if (windowID == popupID && popup_) closePopup();
         else if (windowID == helpID && helpWindow_) closeHelp();
+        else if (windowID == scoresID && bestScoresWindow_) closeBestScores();
         return;
     }
     // The help window reads like a page: Escape or F1 closes it.
@@ -77,6 +80,25 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
             return;
         }
         if (helpWindow_->surface().processEvent(event)) helpFrames_ = kMainWindowFramesPerChange;
+        return;
+    }
+
+    // The best scores read like a page too: Escape or Ctrl+B closes them; the other program keys
+    // with Ctrl work there as in the other windows.
+    if (windowID == scoresID && bestScoresWindow_) {
+        if (event.type == SDL_KEYDOWN) {
+            const ProgramCommand command =
+                programCommandForKey(event.key.keysym.sym, event.key.keysym.mod, false, false);
+            if (event.key.keysym.sym == SDLK_ESCAPE) {
+                closeBestScores();
+                return;
+            }
+            if (translateKey(event.key).kind == KeyTranslation::Kind::Command && command != ProgramCommand::None) {
+                runProgramCommand(command);
+                return;
+            }
+        }
+        if (bestScoresWindow_->surface().processEvent(event)) bestScoresFrames_ = kMainWindowFramesPerChange;
         return;
     }
 

@@ -108,6 +108,11 @@ public:
     void drawAlert(const AlertLayout& alert);
     void showMotion(bool shown) override;
 
+    // Symbols on the pieces (off at first): each colour's own symbol over its pieces, flat
+    // figures and models alike. Marks the whole window for the next frame.
+    void showSymbols(bool shown);
+    bool symbolsShown() const { return symbolsShown_; }
+
     // Marks the whole window for the next frame of the board (something else was drawn there,
     // or the window was shown again); without it a frame redraws only the cells that changed.
     void setNeedsDisplay();
@@ -177,6 +182,7 @@ private:
     // Set when "Spikes" could not be read, so a board does not try again on every frame.
     bool pieceModelMissing_ = false;
     bool motionShown_ = true;  // false: no frame of the board is drawn, no flash or fall held
+    bool symbolsShown_ = false;
 
     // The score screen: the highlighted row (kept between games) and its 20 models, element 0
     // heading the list the others are linked into by `next`.

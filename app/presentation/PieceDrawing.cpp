@@ -11,6 +11,7 @@
 #include "DXFtoSprite.h"
 #include "engine/BoardLayout.h"
 #include "presentation/DrawingHelpers.h"
+#include "presentation/PieceSymbols.h"
 #include "presentation/ShowQueue.h"
 #include "presentation/ShownBoard.h"
 
@@ -167,6 +168,7 @@ void GameView::drawPiece(const BoardPiece* piece, float X, float Y, float width,
     } else {
         drawFigure(*piece, X, Y, W, H);
     }
+    if (symbolsShown_) drawColourSymbol(piece->colorIndex, X, Y, W, H);
 
     if (piece->selected) {
         // The outline shows the select colour itself, unlit, whatever normal the model left behind.
@@ -236,6 +238,7 @@ void GameView::drawIndividualPiece(const GameInfo& game, const BoardPiece* piece
         } else {
             drawFigure(*piece, X, Y, W, H);
         }
+        if (symbolsShown_) drawColourSymbol(piece->colorIndex, X, Y, W, H);
     }
 
     glDisable(GL_LIGHTING);
@@ -263,6 +266,11 @@ void GameView::drawFallStep(const GameInfo& game, const BoardPiece& piece, std::
     moving.x = toX;
     moving.y = toY;
     drawIndividualPiece(game, &moving);
+}
+
+void GameView::showSymbols(bool shown) {
+    symbolsShown_ = shown;
+    setNeedsDisplay();
 }
 
 void GameView::clearPieceSprites(int forget) {

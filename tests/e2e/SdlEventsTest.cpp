@@ -154,6 +154,9 @@ TEST(ProgramKeys, CommandsOfTheKeysInEitherWindow) {
         {SDLK_KP_ENTER, KMOD_NONE, true, false, C::ReturnToMain}, {SDLK_RETURN, KMOD_NONE, true, true, C::None},
         {SDLK_RETURN, KMOD_NONE, false, false, C::None}, {SDLK_LEFT, KMOD_NONE, true, false, C::None},
         {SDLK_F3, KMOD_NONE, true, false, C::None}, {SDLK_ESCAPE, KMOD_NONE, true, false, C::None},
+        {SDLK_b, KMOD_CTRL, false, false, C::BestScores}, {SDLK_b, KMOD_CTRL, true, true, C::BestScores},
+        {SDLK_b, KMOD_NONE, true, false, C::None}, {SDLK_m, KMOD_CTRL, true, false, C::Symbols},
+        {SDLK_m, KMOD_CTRL, false, false, C::Symbols}, {SDLK_m, KMOD_NONE, true, false, C::None},
     };
     for (const Case& c : cases)
         EXPECT_EQ(programCommandForKey(c.key, c.mod, c.inGame, c.cursorShown), c.command)
