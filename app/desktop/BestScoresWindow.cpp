@@ -2,6 +2,7 @@
 
 #include <imgui.h>
 
+#include "desktop/DisplayScale.h"
 #include "rules/ShownText.h"
 
 namespace tolvar {
@@ -17,7 +18,7 @@ constexpr float kCloseButtonWidth = 120.0f;
 
 BestScoresWindow::BestScoresWindow(const std::string& fontFile, float fontPixels)
     : surface_("Best Scores - Tolvar", 660, 80, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI | SDL_WINDOW_RESIZABLE,
-               fontFile, fontPixels) {}
+               fontFile, fontPixels, displayScale()) {}
 
 void BestScoresWindow::open(const std::string& path, std::vector<std::string> gameNames) {
     path_ = path;
@@ -44,10 +45,10 @@ void BestScoresWindow::drawTable(const BestScoreTable& table) {
     }
     const ImGuiTableFlags flags = ImGuiTableFlags_RowBg | ImGuiTableFlags_BordersInnerH | ImGuiTableFlags_SizingFixedFit;
     if (!ImGui::BeginTable(("##" + table.name).c_str(), 4, flags)) return;
-    ImGui::TableSetupColumn("Rank", ImGuiTableColumnFlags_WidthFixed, kRankColumnWidth);
-    ImGui::TableSetupColumn("Score", ImGuiTableColumnFlags_WidthFixed, kScoreColumnWidth);
+    ImGui::TableSetupColumn("Rank", ImGuiTableColumnFlags_WidthFixed, kRankColumnWidth * surface_.scale());
+    ImGui::TableSetupColumn("Score", ImGuiTableColumnFlags_WidthFixed, kScoreColumnWidth * surface_.scale());
     ImGui::TableSetupColumn("Date", ImGuiTableColumnFlags_WidthStretch);
-    ImGui::TableSetupColumn("", ImGuiTableColumnFlags_WidthFixed, kNewestColumnWidth);
+    ImGui::TableSetupColumn("", ImGuiTableColumnFlags_WidthFixed, kNewestColumnWidth * surface_.scale());
     ImGui::TableHeadersRow();
     for (const BestScoreRow& row : table.rows) {
         ImGui::TableNextRow();
@@ -101,8 +102,8 @@ bool BestScoresWindow::draw() {
     }
     ImGui::EndChild();
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());
-    ImGui::SetCursorPosX(ImGui::GetWindowContentRegionMax().x - kCloseButtonWidth);
-    if (ImGui::Button("Close", ImVec2(kCloseButtonWidth, 0))) keepOpen = false;
+    ImGui::SetCursorPosX(ImGui::GetWindowContentRegionMax().x - kCloseButtonWidth * surface_.scale());
+    if (ImGui::Button("Close", ImVec2(kCloseButtonWidth * surface_.scale(), 0))) keepOpen = false;
     ImGui::End();
     surface_.endFrame();
     return keepOpen;

@@ -190,7 +190,6 @@ private:
     std::unique_ptr<HelpWindow> helpWindow_;
     std::unique_ptr<BestScoresWindow> bestScoresWindow_;
     std::unique_ptr<FileWatch> bestScoresWatch_;  // while bestScoresWindow_ is open
-    SettingsFile settings_{tolvarFolderPath()};
     PageOpener pageOpener_;
     std::string writingGamesPath_;  // the page given to the viewer last
 

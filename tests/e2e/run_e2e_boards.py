@@ -28,10 +28,9 @@ def board_colours(t):
     return lay.colours(t.wait_shot(lambda s: full(lay.colours(s)), "a piece in every cell"))
 
 
-def choose_play_board_number(t, row=1):
-    """Game > Play Board Number...: the menu bar's title before Help, then the item that can be chosen in row
-    `row` from 0 (with no game: New Game, then Play Board Number...; Undo, Redo, Hint and Copy Board Number
-    are grey)."""
+def choose_play_board_number(t):
+    """Game > Play Board Number...: the menu bar's title before Help, then the last item that can be chosen
+    (with no game, Copy Board Number below it is grey, as are Undo, Redo and Hint)."""
     mx, my = t.geometry(t.main)
 
     def dark(p):
@@ -44,9 +43,9 @@ def choose_play_board_number(t, row=1):
     t.click((game[0] + game[1]) / 2, my + MENU_BAR_H / 2)
 
     def items(s):
-        return ink_runs([y for y in range(my + MENU_BAR_H + 4, my + 240)
+        return ink_runs([y for y in range(my + MENU_BAR_H + 4, my + 420)
                          if any(dark(s.pixel(x, y)) for x in range(game[0], game[0] + 150))], 4)
-    item = items(t.wait_shot(lambda s: len(items(s)) > row, "the Game menu's items"))[row]
+    item = items(t.wait_shot(lambda s: len(items(s)) > 1, "the Game menu's items"))[-1]
     t.click(game[0] + 40, (item[0] + item[1]) / 2)
 
 
