@@ -33,7 +33,7 @@ void BoardActions::performActionCollapseInDirection(int direction) {
     if (direction != kDirectionDown) return;
     Board b = board();
     const int w = b.width(), h = b.height();
-    bool moved = true;
+    bool moved = true, landed = false;
     while (moved) {  // one pass per wave of moves, until nothing moves
         moved = false;
         for (int x = 0; x < w; ++x) {
@@ -53,18 +53,20 @@ void BoardActions::performActionCollapseInDirection(int direction) {
                                            static_cast<std::uint32_t>(y));
                     wholeMove(b.getBoardPieceAtX(x, y), source);
                     source.pieceID = 0;
-                    moved = true;
+                    moved = landed = true;
                     break;
                 }
                 y = k + 3;
             }
         }
     }
+    if (landed) ctx_.sound(kSoundLanding);
 }
 
 void BoardActions::performActionCollapseEmptyRows(int direction) {
     Board b = board();
     const int w = b.width(), h = b.height();
+    bool landed = false;
     if (direction == kDirectionLeft) {
         for (int x = 0; x < w - 1; ++x) {
             bool empty = true;
@@ -84,6 +86,7 @@ void BoardActions::performActionCollapseEmptyRows(int direction) {
                 last.pieceID = 0;
             }
             if (movedPiece) --x;  // the columns that slid in may be empty too
+            landed = landed || movedPiece;
         }
     } else if (direction == kDirectionDown) {
         for (int y = 0; y < h; ++y) {
@@ -104,14 +107,17 @@ void BoardActions::performActionCollapseEmptyRows(int direction) {
                 top.pieceID = 0;
             }
             if (movedPiece) --y;
+            landed = landed || movedPiece;
         }
     }
+    if (landed) ctx_.sound(kSoundLanding);
 }
 
 void BoardActions::performActionCollapseFullRows(int direction) {
     if (direction != kDirectionDown) return;
     Board b = board();
     const int w = b.width(), h = b.height();
+    bool landed = false;
     for (int y = 0; y < h; ++y) {
         bool full = true;
         for (int x = 0; x < w && full; ++x) full = b.getBoardPieceAtX(x, y).pieceID != 0;
@@ -124,10 +130,12 @@ void BoardActions::performActionCollapseFullRows(int direction) {
             top.y = static_cast<std::uint32_t>(h - 1);
             top.pieceID = 0;
         }
+        landed = true;
         // The row that came down is examined again; a board of full rows empties from the top,
         // so this ends once the top row (now empty) comes down.
         --y;
     }
+    if (landed) ctx_.sound(kSoundLanding);
 }
 
 void BoardActions::performActionSelectColor(const GameAction& action) {
@@ -155,6 +163,7 @@ void BoardActions::performActionSelectColor(const GameAction& action) {
                 swapGame = u->userEventType == kUserEventSwapAdjacent;
             if (swapGame && ctx_.downPiece && ctx_.upPiece) {
                 swapAppearance(*ctx_.downPiece, *ctx_.upPiece);
+                ctx_.sound(kSoundSwap);  // back, as no line was made
                 ctx_.downPiece->selected = 0;
                 ctx_.upPiece->selected = 0;
             }
@@ -204,6 +213,7 @@ bool BoardActions::emptySelectedPieces(EngineContext& ctx, bool printed) {
                               static_cast<int>(piece.x), static_cast<int>(piece.y));
             piece.pieceID = 0;
             piece.selected = 0;
+            if (!any) ctx.sound(kSoundRemoval);
             any = true;
             if (!tally) continue;
             ++tally->pieces;
@@ -233,6 +243,7 @@ void BoardActions::performActionFillSpacesRandomly() {
     std::size_t nextFree = 1;
     const long colors = game.numColors ? game.numColors : 1;
     const long shapes = game.numShapes ? game.numShapes : 1;
+    bool filled = false;
     for (int x = 0; x < b.width(); ++x) {
         for (int y = 0; y < b.height(); ++y) {
             BoardPiece& piece = b.getBoardPieceAtX(x, y);
@@ -245,8 +256,10 @@ void BoardActions::performActionFillSpacesRandomly() {
             piece.shapeIndex = static_cast<std::uint8_t>(static_cast<long>(ctx_.random.next()) % shapes + 1);
             piece.selected = 0;
             setPieceColor(game, piece);
+            filled = true;
         }
     }
+    if (filled) ctx_.sound(kSoundRefill);
 }
 
 void BoardActions::performActionResolveMatches() {

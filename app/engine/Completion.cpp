@@ -201,9 +201,11 @@ void BestScores::performActionCheckBestScores(const GameAction& action) {
         return at;
     });
 
+    ctx_.sound(kSoundEnd);
     ctx_.view.displayScores(entered.table, entered.place);
 
     if (entered.place != -1) {
+        ctx_.sound(kSoundBestScore);
         if (const auto& error = entered.saveError) {
             std::fprintf(stderr, "%s: the best score could not be saved (%s)\n", error->path.c_str(),
                          error->reason.c_str());

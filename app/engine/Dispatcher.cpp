@@ -57,6 +57,8 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
     const std::shared_ptr<GameAction> actions = event.actions;
     for (const GameAction* a = actions.get(); a; a = a->next.get()) {
         ctx_.out.print("action %d\n", static_cast<int>(a->actionID));
+        if (a->sound) ctx_.view.playSound(*a->sound);
+        ctx_.actionSound = a->sound ? &*a->sound : nullptr;
         const std::uint64_t amount = static_cast<std::uint64_t>(static_cast<std::int64_t>(a->amount));
         switch (a->actionType) {
             case kActionAddScore:
@@ -116,6 +118,7 @@ void Dispatcher::processEvent(const SupportedEvent& event) {
                 if (!isInertActionType(a->actionType)) ctx_.out.print("unknown action specified.\n");
                 break;
         }
+        ctx_.actionSound = nullptr;
     }
 }
 

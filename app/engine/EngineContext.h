@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/Board.h"
@@ -15,6 +17,7 @@
 #include "rules/GameInfo.h"
 #include "rules/GameOptions.h"
 #include "rules/GameOutput.h"
+#include "rules/SoundNames.h"
 
 namespace tolvar {
 
@@ -56,6 +59,14 @@ struct EngineContext {
     GameOptions options;
     // Kept only on a copy that tries a move: the played game counts nothing.
     std::optional<RemovalTally> tally;
+    // The sound of the action running, when its rules name one: it stands in for the sounds the
+    // action makes by itself.
+    const std::string* actionSound = nullptr;
+
+    // The game makes the sound named name (rules/SoundNames.h), unless the running action names its own.
+    void sound(std::string_view name) const {
+        if (!actionSound) view.playSound(std::string(name));
+    }
 
     bool hasGame() const { return gameInfo != nullptr; }
     GameInfo& game() const { return *gameInfo; }

@@ -1,5 +1,5 @@
 // A desktop that shows nothing, for the headless runner, the balance bench, the fuzz targets and
-// the tests: it keeps count of what the engine asks of the view and the host, records the alerts,
+// the tests: it keeps count of what the engine asks of the view and the host, records the alerts and sounds,
 // and, given a stream, prints the alerts ("alert: MESSAGE [BUTTON]") and score screens
 // ("scores highlight=H: S1 S2 ...") there as lines. Best scores go to the store given, or to one
 // in memory.
@@ -61,11 +61,13 @@ public:
     void clearPieceSprites(int) override { ++spriteClears; }
     void pauseForFlash() override { flashFrames += motionShown; }
     void showMotion(bool shown) override { motionShown = shown; }
+    void playSound(const std::string& sound) override { sounds.push_back(sound); }
 
     int draws = 0, flashFrames = 0, spriteClears = 0, scoreScreens = 0;
     bool motionShown = true;
     bool recordMoves = false;
     std::vector<std::string> moves;
+    std::vector<std::string> sounds;  // every sound asked for, in order
     std::function<void()> onDraw;  // called at every frame
 
 private:

@@ -122,6 +122,7 @@ void UserInput::processUserEvent(const SupportedUserEvent& u) {
                 ((trigger->actionCriteria & kCriteriaSwapShapesDiffer) && a->shapeIndex != b->shapeIndex);
             if (adjacent && allowed) {
                 BoardActions::swapAppearance(*a, *b);
+                ctx_.sound(kSoundSwap);
                 done = true;
             }
             a->selected = 0;
@@ -136,10 +137,12 @@ void UserInput::processUserEvent(const SupportedUserEvent& u) {
             if (n >= u.minimumPieces) {
                 done = true;
                 flags.clear();
-                if (ctx_.upPiece->selected == 0)
+                const bool selecting = ctx_.upPiece->selected == 0;
+                if (selecting)
                     board.selectRegionColorPieces(*ctx_.upPiece, flags);
                 else
                     board.deSelectRegionColorPieces(*ctx_.upPiece, flags);
+                ctx_.sound(selecting ? kSoundSelect : kSoundDeselect);
                 ctx_.view.drawBoard(ctx_.game());
             }
             break;

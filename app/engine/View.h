@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "core/PropertyList.h"
 #include "rules/GameInfo.h"
@@ -28,6 +29,9 @@ public:
     // false while a chain of events runs on past what any real game's does: its flashes and falls
     // are then not held on screen, so a chain that never settles reaches the runaway bound at once.
     virtual void showMotion(bool shown) = 0;
+    // A sound that goes with what is drawn next (a game sound's name, or a sound file beside the
+    // rules file): the window plays it as it shows that.
+    virtual void playSound(const std::string& sound) = 0;
 };
 
 }  // namespace tolvar

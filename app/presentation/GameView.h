@@ -107,6 +107,8 @@ public:
     // An alert's panel over what the window shows.
     void drawAlert(const AlertLayout& alert);
     void showMotion(bool shown) override;
+    // The painter is silent: the desktop plays the sounds recorded with the steps it paints.
+    void playSound(const std::string&) override {}
 
     // Symbols on the pieces (off at first): each colour's own symbol over its pieces, flat
     // figures and models alike. Marks the whole window for the next frame.

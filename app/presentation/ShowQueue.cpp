@@ -1,6 +1,7 @@
 #include "presentation/ShowQueue.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tolvar {
@@ -33,6 +34,13 @@ void ShowQueue::append(ShowStep step) {
     if (steps_.empty() && !answering_) started_ = false;  // the first step plays at once
     const bool overdrawn = !steps_.empty() && steps_.back().kind == ShowStep::Kind::Board &&
                            steps_.back().holdSeconds <= 0.0 && step.kind == ShowStep::Kind::Board;
+    // The frame drawn over hands its sounds on: they play with the frame that shows.
+    std::vector<std::string> sounds = overdrawn ? std::move(steps_.back().sounds) : std::vector<std::string>();
+    sounds.insert(sounds.end(), std::make_move_iterator(pendingSounds_.begin()),
+                  std::make_move_iterator(pendingSounds_.end()));
+    sounds.insert(sounds.end(), std::make_move_iterator(step.sounds.begin()), std::make_move_iterator(step.sounds.end()));
+    pendingSounds_.clear();
+    step.sounds = std::move(sounds);
     if (overdrawn) steps_.back() = std::move(step);
     else steps_.push_back(std::move(step));
 }
@@ -84,6 +92,7 @@ std::vector<ShowStep> ShowQueue::takeAll() {
     for (ShowStep& step : steps_)
         if (step.kind != ShowStep::Kind::Alert) taken.push_back(std::move(step));
     steps_.clear();
+    pendingSounds_.clear();
     answering_ = false;
     started_ = false;
     return taken;

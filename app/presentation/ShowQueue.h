@@ -73,6 +73,7 @@ struct ShowStep {
     Value scores;
     int highlight = -1;
     AlertText alert;
+    std::vector<std::string> sounds;  // played as the step shows, in order
 };
 
 class ShowQueue {
@@ -82,6 +83,8 @@ public:
     void append(ShowStep step);
     // The last step appended is held for seconds (a frame of the flash); nothing without one.
     void holdLast(double seconds);
+    // A sound that goes with the next step appended.
+    void addSound(std::string sound) { pendingSounds_.push_back(std::move(sound)); }
 
     // The steps to show at time now, in order: every step whose turn has come. An alert ends
     // the list; it then stays up (alert()) and nothing follows until answer().
@@ -109,6 +112,7 @@ private:
     double dueAt_ = 0.0;    // when the first step of steps_ is due
     bool answering_ = false;
     AlertText shownAlert_;
+    std::vector<std::string> pendingSounds_;  // for the next step appended
 };
 
 }  // namespace tolvar

@@ -90,6 +90,9 @@ struct GameAction {
     std::uint32_t variableID = 0;
     std::uint32_t lowerIsBetter = 0;
     std::optional<std::string> message;
+    // Played when the action runs, in place of the sounds the action makes by itself: a game
+    // sound's name or a sound file beside the rules file.
+    std::optional<std::string> sound;
     std::unique_ptr<GameAction> next;
 
     GameAction() = default;

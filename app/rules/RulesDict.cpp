@@ -58,6 +58,7 @@ std::unique_ptr<GameAction> makeAction(const Dictionary& dict, const GameOutput&
     }
     if (dict.find(rulekeys::kDirection)) action->direction = readNumberOr(dict, rulekeys::kDirection, 0);
     if (const std::string* message = readString(dict, rulekeys::kMessage)) action->message = *message;
+    if (const std::string* sound = readString(dict, rulekeys::kSound)) action->sound = *sound;
     if (dict.find(rulekeys::kVariableID))
         action->variableID = static_cast<std::uint32_t>(readNumberOr(dict, rulekeys::kVariableID, 0));
     return action;

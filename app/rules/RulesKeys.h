@@ -56,6 +56,7 @@ inline constexpr const char* kDirection = "Direction";
 inline constexpr const char* kLowerIsBetter = "LowerIsBetter";
 inline constexpr const char* kMessage = "Message";
 inline constexpr const char* kVariableID = "VariableID";
+inline constexpr const char* kSound = "Sound";  // a sound the action plays (rules/SoundNames.h)
 // A user event.
 inline constexpr const char* kUserEventID = "UserEventID";
 inline constexpr const char* kUserEventType = "UserEventType";
@@ -107,6 +108,7 @@ inline constexpr Key kActionKeys[] = {
     {kDirection, Kind::Number, 0},
     {kMessage, Kind::String, 0},
     {kVariableID, Kind::Number, 0},
+    {kSound, Kind::String, 0},
 };
 
 inline constexpr Key kUserEventKeys[] = {
