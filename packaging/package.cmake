@@ -27,6 +27,7 @@ if(TOLVAR_HOMEPAGE)
   set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${TOLVAR_HOMEPAGE}")
 endif()
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The libraries, SDL2_mixer's for the sounds among them, come from dpkg-shlibdeps.
 # The main window and text drawn into images use fonts found through fontconfig: the URW fonts
 # give "Helvetica" and a sans-serif face.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-urw-base35")

@@ -96,7 +96,8 @@ struct UserEventModel {
 
 class GameChecker {
 public:
-    GameChecker(const Located& root, Reporter& report) : root_(root), report_(report) {}
+    GameChecker(const Located& root, Reporter& report, const std::string& folder)
+        : root_(root), report_(report), folder_(folder) {}
 
     void run();
 
@@ -113,6 +114,7 @@ private:
 
     const Located& root_;
     Reporter& report_;
+    const std::string& folder_;  // the rules file's, where its sound files are
     std::vector<EventModel> events_;          // in the file's order
     std::vector<UserEventModel> userEvents_;  // in the file's order
     std::vector<std::pair<Located, std::uint32_t>> completions_;
@@ -170,6 +172,9 @@ ActionModel GameChecker::readAction(const Located& dict) {
     if (a.type == kActionShowMessage && !(dict.dict() && dict.dict()->find(keys::kMessage) &&
                           dict.dict()->find(keys::kMessage)->isString()))
         report_.add(Severity::Warning, dict, keys::kMessage, typeText + " shows an empty alert; expected a Message");
+    if (const Located sound = dict.field(keys::kSound); sound.value && sound.value->isString())
+        if (const std::string problem = soundProblem(*sound.value->asString(), folder_); !problem.empty())
+            report_.add(Severity::Warning, sound, keys::kSound, problem + "; the action plays no sound");
     if (a.type == kActionAddVariableToScore || a.type == kActionGetRemainingPieceCount)
         variableUses_.emplace_back(place(dict, keys::kVariableID),
                                    static_cast<std::uint32_t>(number(dict, keys::kVariableID)));
@@ -385,7 +390,7 @@ void GameChecker::run() {
 }  // namespace
 
 std::vector<Problem> checkGame(const std::string& title, const Value& rules, const XmlPositions* positions,
-                               XmlPositions::Node node) {
+                               XmlPositions::Node node, const std::string& folder) {
     std::vector<Problem> problems;
     Reporter report(title, problems);
     Located root;
@@ -400,7 +405,7 @@ std::vector<Problem> checkGame(const std::string& title, const Value& rules, con
                    "the game is " + kindName(rules) + ", expected a dictionary of rules; it plays with every default");
         return problems;
     }
-    GameChecker(root, report).run();
+    GameChecker(root, report, folder).run();
     std::stable_sort(problems.begin(), problems.end(), [](const Problem& a, const Problem& b) {
         return a.at.line != b.at.line ? a.at.line < b.at.line : a.at.column < b.at.column;
     });

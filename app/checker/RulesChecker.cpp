@@ -1,6 +1,7 @@
 #include "checker/RulesChecker.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <variant>
 
 #include "RegularFile.h"
@@ -76,7 +77,7 @@ Problem fileProblem(TextPosition at, std::string message, Severity severity = Se
 
 }  // namespace
 
-CheckReport checkRulesText(const std::string& bytes) {
+CheckReport checkRulesText(const std::string& bytes, const std::string& folder) {
     CheckReport report;
     const bool binary = isBinary(bytes);
     // The reader goes first: its node tree is gone before the positions are scanned, so the two
@@ -122,7 +123,7 @@ CheckReport checkRulesText(const std::string& bytes) {
         const XmlPositions::Node node = !index ? XmlPositions::kNone
                                         : index->keyIs(rootNode, i, title) ? index->item(rootNode, i)
                                                                             : index->valueOf(rootNode, title);
-        for (Problem& p : checkGame(title, rules, index, node)) report.problems.push_back(std::move(p));
+        for (Problem& p : checkGame(title, rules, index, node, folder)) report.problems.push_back(std::move(p));
     }
     report.rules = std::move(root);
     return report;
@@ -130,7 +131,8 @@ CheckReport checkRulesText(const std::string& bytes) {
 
 CheckReport checkRulesFile(const std::string& path) {
     auto read = readRegularFile(path, kMaxRulesFileSize);
-    if (auto* bytes = std::get_if<std::string>(&read)) return checkRulesText(*bytes);
+    if (auto* bytes = std::get_if<std::string>(&read))
+        return checkRulesText(*bytes, std::filesystem::path(path).parent_path().string());
     CheckReport report;
     report.problems.push_back(fileProblem({}, std::get<ReadRefusal>(read).reason));
     return report;

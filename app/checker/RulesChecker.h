@@ -34,13 +34,18 @@ struct CheckReport {
     std::vector<Problem> fileProblems() const;
 };
 
-// Checks the bytes of a rules file (an XML or binary property list).
-CheckReport checkRulesText(const std::string& bytes);
+// Checks the bytes of a rules file (an XML or binary property list); the sound files it names are
+// looked for in folder (the rules file's; empty: the current folder).
+CheckReport checkRulesText(const std::string& bytes, const std::string& folder = {});
 // Reads and checks the file at path; a file that cannot be read is one problem.
 CheckReport checkRulesFile(const std::string& path);
-// Checks one game's rules; node of positions, when known, says where its parts stand in the text.
+// Checks one game's rules; node of positions, when known, says where its parts stand in the text;
+// folder is where its sound files are.
 std::vector<Problem> checkGame(const std::string& title, const Value& rules, const XmlPositions* positions,
-                               XmlPositions::Node node);
+                               XmlPositions::Node node, const std::string& folder = {});
+// Why an action's "Sound" cannot play (a name that is no sound of the game and no readable sound
+// file in folder), or nothing.
+std::string soundProblem(const std::string& sound, const std::string& folder);
 
 // "FILE:LINE:COLUMN: error: GAME: KEY: message", or with the path of keys in place of the line
 // and column when the file has no lines. Parts with nothing to say are left out.

@@ -8,6 +8,7 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>

@@ -68,6 +68,7 @@ void TolvarAppDelegate::runProgramCommand(ProgramCommand command) {
             else showBestScores();
             break;
         case ProgramCommand::Symbols: toggleSymbols(); break;
+        case ProgramCommand::ToggleSound: toggleSound(); break;
     }
 }
 
@@ -82,6 +83,7 @@ GameMenuState TolvarAppDelegate::gameMenuState() const {
     state.redo = engine_ && engine_->canRedo();
     state.hint = playing();
     state.symbols = view_ && view_->symbolsShown();
+    state.soundOn = sound_ && sound_->on();
     return state;
 }
 

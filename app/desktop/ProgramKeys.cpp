@@ -28,6 +28,7 @@ ProgramCommand programCommandForKey(SDL_Keycode key, Uint16 modifiers, bool inGa
     switch (key) {
         case SDLK_F11: return ProgramCommand::Fullscreen;
         case SDLK_h: return shift ? ProgramCommand::None : ProgramCommand::Hint;
+        case SDLK_m: return shift ? ProgramCommand::None : ProgramCommand::ToggleSound;
         case SDLK_RETURN:
         case SDLK_KP_ENTER: return cursorShown ? ProgramCommand::None : ProgramCommand::ReturnToMain;
         default: return ProgramCommand::None;
@@ -41,19 +42,21 @@ bool GameMenuState::enabled(ProgramCommand command) const {
         case ProgramCommand::Redo: return redo;
         case ProgramCommand::Hint: return hint;
         case ProgramCommand::BestScores:
-        case ProgramCommand::Symbols: return true;
+        case ProgramCommand::Symbols:
+        case ProgramCommand::ToggleSound: return true;
         default: return false;
     }
 }
 
-const std::array<GameMenuItem, 6>& gameMenuItems() {
-    static const std::array<GameMenuItem, 6> items = {{
+const std::array<GameMenuItem, 7>& gameMenuItems() {
+    static const std::array<GameMenuItem, 7> items = {{
         {"New Game", "F2", ProgramCommand::NewGame},
         {"Undo", "Ctrl+Z", ProgramCommand::Undo},
         {"Redo", "Ctrl+Shift+Z", ProgramCommand::Redo},
         {"Hint", "H", ProgramCommand::Hint},
         {"Best Scores\xE2\x80\xA6", "Ctrl+B", ProgramCommand::BestScores},
         {"Symbols on Pieces", "Ctrl+M", ProgramCommand::Symbols},
+        {"Sound", "M", ProgramCommand::ToggleSound},
     }};
     return items;
 }
@@ -65,6 +68,7 @@ const std::vector<std::pair<std::string, std::string>>& programKeysHelp() {
         {"Ctrl+Z", "Undo"},
         {"Ctrl+Shift+Z, Ctrl+Y", "Redo"},
         {"H", "Hint: outline a move"},
+        {"M", "Sound on and off"},
         {"Esc, F2, Ctrl+N", "New game"},
         {"F1", "Help"},
         {"F11", "Full screen on and off"},

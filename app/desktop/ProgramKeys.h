@@ -1,5 +1,6 @@
-// The program's own keys (undo, redo, hint, help, new game, full screen, the keyboard cursor,
-// the best scores, symbols on the pieces, leaving the game, quitting). Keys the running game's rules bind are looked up before these.
+// The program's own keys (undo, redo, hint, help, new game, full screen, sound, the keyboard
+// cursor, the best scores, symbols on the pieces, leaving the game, quitting). Keys the running
+// game's rules bind are looked up before these.
 #pragma once
 
 #include <SDL.h>
@@ -25,6 +26,7 @@ enum class ProgramCommand {
     Fullscreen,
     BestScores,
     Symbols,  // symbols on the pieces, on and off
+    ToggleSound,
 };
 
 // The command of a key pressed in the game window (inGame) or the main window; cursorShown:
@@ -44,10 +46,13 @@ struct GameMenuState {  // what can be done now
     bool redo = false;
     bool hint = false;
     bool symbols = false;  // the pieces show their colour's symbol: the item is checked
+    bool soundOn = false;  // the sounds play: the item is checked
     bool enabled(ProgramCommand command) const;
-    bool checked(ProgramCommand command) const { return command == ProgramCommand::Symbols && symbols; }
+    bool checked(ProgramCommand command) const {
+        return (command == ProgramCommand::Symbols && symbols) || (command == ProgramCommand::ToggleSound && soundOn);
+    }
 };
-const std::array<GameMenuItem, 6>& gameMenuItems();
+const std::array<GameMenuItem, 7>& gameMenuItems();
 
 // The program's keys as the help lists them: (keys, what they do).
 const std::vector<std::pair<std::string, std::string>>& programKeysHelp();

@@ -1,7 +1,10 @@
 // Playing what the engine showed: the run loop hands the game window each step when its turn
 // comes (a frame, a frame of the flash held 0.1 s, a falling piece's cells, the score screen,
-// an alert over the board held until the player answers it). No step waits inside a call.
+// an alert over the board held until the player answers it), with the sounds that go with each.
+// No step waits inside a call.
 #include <cstdio>
+#include <set>
+#include <string>
 
 #include "desktop/TolvarAppDelegate.h"
 
@@ -16,12 +19,15 @@ void TolvarAppDelegate::playShow() {
 }
 
 void TolvarAppDelegate::paintSteps(const std::vector<ShowStep>& steps) {
+    std::set<std::string> played;  // steps handed over at once sound each of their sounds once
     for (const ShowStep& step : steps) {
         // A preview holds for the board it was worked out on, and only while nothing plays over it
         // (the boards are compared only while one shows).
         if (previewShown() && (step.kind != ShowStep::Kind::Board || step.board.score != shownGame_.score ||
                              step.board.board != shownGame_.board))
             forgetPreview();
+        for (const std::string& sound : step.sounds)
+            if (played.insert(sound).second) sound_->play(sound);
         switch (step.kind) {
             case ShowStep::Kind::Board:
                 step.board.into(shownGame_);

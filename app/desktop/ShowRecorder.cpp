@@ -38,6 +38,10 @@ void ShowRecorder::pauseForFlash() {
     if (motionShown_) queue_.holdLast(kFlashFrameSeconds);
 }
 
+void ShowRecorder::playSound(const std::string& sound) {
+    if (motionShown_) queue_.addSound(sound);
+}
+
 void ShowRecorder::showMotion(bool shown) {
     motionShown_ = shown;
     if (shown && skippedFrame_) {  // the board as the chain left it

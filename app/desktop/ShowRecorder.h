@@ -26,6 +26,8 @@ public:
     void clearPieceSprites(int forget) override { painter_.clearPieceSprites(forget); }
     void pauseForFlash() override;
     void showMotion(bool shown) override;
+    // Goes with the next step recorded; none while a chain's motion is left out.
+    void playSound(const std::string& sound) override;
 
 private:
     ShowQueue& queue_;

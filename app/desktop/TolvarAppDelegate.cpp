@@ -11,7 +11,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 
+#include "FileIO.h"
 #include "Textures.h"
 #include "TextPixels.h"
 #include "engine/RandomSequence.h"
@@ -25,6 +27,7 @@ namespace {
 constexpr double kEventTimerInterval = 0.033;
 constexpr double kScoresTimerInterval = 0.033;
 constexpr double kRulesLookInterval = 1.0;  // how soon a saved rules file shows
+constexpr const char* kSoundSetting = "Sound";  // the settings' switch of the sound effects
 
 std::string interfaceFontFile() {
     std::string file = text::fontFileFor("sans-serif");
@@ -90,6 +93,11 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     rules_.load(library_);
     watchRulesFile();
     readSavedGame();
+    // 5. The sounds, on or off as the player left them; a rules file's own are beside it.
+    const std::string resources = resourceFolder();
+    sound_ = std::make_unique<SoundEffects>((resources.empty() ? std::string("resources") : resources) + "/sounds",
+                                            settings_.flag(kSoundSetting, true));
+    sound_->setRulesFolder(std::filesystem::path(rules_.path()).parent_path().string());
 
     // Only the main window is made before it shows; the game window follows once it is up
     // (initWindow), and the "Actions" pop-up when it is first opened.
@@ -292,7 +300,8 @@ std::string TolvarAppDelegate::menuSignature() const {
     s += canContinue() ? 'c' : '-';
     s += continueText() + continueProblem();
     const GameMenuState game = gameMenuState();
-    for (const bool possible : {game.newGame, game.undo, game.redo, game.hint, game.symbols}) s += possible ? '+' : '-';
+    for (const bool possible : {game.newGame, game.undo, game.redo, game.hint, game.symbols, game.soundOn})
+        s += possible ? '+' : '-';
     return s + std::to_string(shownBoardNumber());
 }
 
@@ -429,5 +438,12 @@ void TolvarAppDelegate::eventTick() {
     }
 }
 
+
+void TolvarAppDelegate::toggleSound() {
+    sound_->setOn(!sound_->on());
+    if (const auto error = settings_.setFlag(kSoundSetting, sound_->on()))
+        std::fprintf(stderr, "tolvar: sound %s for this run only: %s cannot be written (%s)\n",
+                     sound_->on() ? "on" : "off", error->path.c_str(), error->reason.c_str());
+}
 
 }  // namespace tolvar

@@ -15,6 +15,7 @@
 #include "desktop/MyWindow.h"
 #include "desktop/RulesWatch.h"
 #include "desktop/ShowRecorder.h"
+#include "desktop/SoundEffects.h"
 #include "engine/BoardLayout.h"
 #include "engine/Engine.h"
 #include "engine/Host.h"
@@ -81,6 +82,8 @@ private:
     // cursor and the "Actions" shortcuts.
     bool keyShortcuts(const SDL_Event& event, const CurrentEvent& key, Uint32 windowID);
     void runProgramCommand(ProgramCommand command);
+    // Sound on and off (the M key, the Game menu), remembered in the settings.
+    void toggleSound();
     GameMenuState gameMenuState() const;
     bool playing() const;
     // The engine's running game, or nullptr.
@@ -173,6 +176,8 @@ private:
     std::unique_ptr<GameView> view_;
     ShowQueue show_;
     std::unique_ptr<ShowRecorder> recorder_;
+    SettingsFile settings_{tolvarFolderPath()};
+    std::unique_ptr<SoundEffects> sound_;  // made at start-up, with the audio device
     GameInfo shownGame_;  // the last frame of the board painted
     std::unique_ptr<Engine> engine_;
     GameLibrary library_;

@@ -44,7 +44,7 @@ def check_files(prefix, args):
     icons = "share/icons/hicolor/%s/apps/" + args.app_id
     wanted = ["share/man/man6/%s.6.gz" % p for p in args.programs] + [icons % "%dx%d" % (s, s) + ".png"
                                                                       for s in args.icon_sizes] + [
-        "share/tolvar/Nebula.png", "share/tolvar/Spikes.dxf", icons % "scalable" + ".svg",
+        "share/tolvar/Nebula.png", "share/tolvar/Spikes.dxf", "share/tolvar/sounds/removal.wav", icons % "scalable" + ".svg",
         icons % "symbolic" + "-symbolic.svg", DOCS + "/copyright", DOCS + "/changelog.gz"]
     missing = [f for f in wanted if not os.path.isfile(os.path.join(prefix, f))]
     check(not missing, "not installed: %s" % missing)

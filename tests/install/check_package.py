@@ -34,6 +34,7 @@ def check_package(deb, args):
     check("example." not in control.get("Homepage", ""), "the package's home page is %r" % control.get("Homepage"))
     depends = [d.split()[0] for d in control.get("Depends", "").split(", ")]
     check("libc6" in depends, "Depends is not computed from the programs' libraries: %s" % control.get("Depends"))
+    check(any(d.startswith("libsdl2-mixer") for d in depends), "Depends lacks the sound library: %s" % depends)
     # On a fresh machine, apt brings the OpenGL driver, which the game loads without naming it.
     status, tree = output("apt-cache", "depends", "--recurse", "--no-recommends", "--no-suggests", "--no-conflicts",
                           "--no-breaks", "--no-replaces", "--no-enhances", *depends)
@@ -42,7 +43,8 @@ def check_package(deb, args):
     status, listing = output("dpkg-deb", "--contents", deb)
     files = {line.split()[-1].lstrip(".") for line in listing.splitlines()}
     wanted = ["/usr/games/%s" % p for p in args.programs] + [
-        "/usr/share/tolvar/Nebula.png", "/usr/share/tolvar/Spikes.dxf", "/usr/share/doc/tolvar/copyright"]
+        "/usr/share/tolvar/Nebula.png", "/usr/share/tolvar/Spikes.dxf", "/usr/share/tolvar/sounds/removal.wav",
+        "/usr/share/doc/tolvar/copyright"]
     check(all(f in files for f in wanted), "the package lacks %s" % [f for f in wanted if f not in files])
     check(not any(f.startswith("/usr/bin/") for f in files), "programs left in /usr/bin")
     print("size: %d bytes" % os.path.getsize(deb))
