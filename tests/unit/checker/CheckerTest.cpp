@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <vector>
 
 #include "checker/RulesChecker.h"
@@ -266,6 +268,69 @@ TEST(CheckerSuggestions, TheLocaleDoesNotChangeTheNearestKey) {
                                              "MinimumPieces?"),
               std::string::npos)
         << describe(report.problems);
+}
+
+// An action's Sound: a game sound, or a sound file beside the rules file. Files are made in a
+// folder of the test's own, and the rules file is checked as if it were there.
+TEST(CheckerSound, NamesThatCannotPlayAreWarnedAtTheirValue) {
+    const std::string folder = ::testing::TempDir() + "tolvar-sounds";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder + "/a folder");
+    const auto write = [&](const std::string& name, const std::string& bytes) {
+        std::ofstream(folder + "/" + name, std::ios::binary) << bytes;
+    };
+    std::string wav = std::string("RIFF") + std::string(4, '\0') + "WAVEfmt " + std::string(20, '\0') + "data";
+    wav += std::string(4, '\0') + std::string(100, '\x10');
+    write("chime.wav", wav);
+    write("notes.txt", "not a sound\n");
+    write("cut.wav", "RIFF\x10\0\0\0WAVE");
+    write("tune.ogg", "OggS" + std::string(60, '\0'));
+    const struct {
+        const char* sound;
+        const char* words;  // nullptr: no finding
+    } cases[] = {
+        {"removal", nullptr},
+        {"best-score", nullptr},
+        {"chime.wav", nullptr},
+        {"tune.ogg", nullptr},
+        {"Removal", "\"Removal\" is no sound of the game, and as a file beside the rules file it is not there; "
+                    "expected one of the game's sounds (select, deselect, removal, landing, swap, refill, end, "
+                    "best-score)"},
+        {"notes.txt", "\"notes.txt\" beside the rules file is not a sound file; expected WAV"},
+        {"cut.wav", "\"cut.wav\" beside the rules file is not a sound file"},
+        {"a folder", "it is a folder, not a file"},
+        {"../chime.wav", "\"../chime.wav\" is not a file name"},
+        {"", "\"\" is not a file name"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.sound);
+        std::vector<std::string> lines = cleanFile();
+        lines[10] = "<dict><key>EventType</key><integer>8</integer><key>ActionList</key><array><dict><key>ActionType"
+                    "</key><integer>21</integer><key>Sound</key><string>" + std::string(c.sound) +
+                    "</string></dict></array></dict>";
+        const CheckReport report = checkRulesText(join(lines), folder);
+        const auto match = std::find_if(report.problems.begin(), report.problems.end(),
+                                        [](const Problem& p) { return p.key == "Sound"; });
+        if (!c.words) {
+            EXPECT_EQ(match, report.problems.end()) << describe(report.problems);
+            continue;
+        }
+        ASSERT_NE(match, report.problems.end()) << describe(report.problems);
+        EXPECT_NE(match->message.find(c.words), std::string::npos) << match->message;
+        EXPECT_NE(match->message.find("the action plays no sound"), std::string::npos) << match->message;
+        EXPECT_EQ(match->severity, Severity::Warning) << "a game with a silent action can still be played";
+        EXPECT_EQ(match->at.line, 11);
+        EXPECT_EQ(match->at.column, static_cast<int>(lines[10].find("<string>")) + 1);
+    }
+    // A rules file read from disk looks beside itself.
+    std::vector<std::string> lines = cleanFile();
+    lines[10] = "<dict><key>EventType</key><integer>8</integer><key>ActionList</key><array><dict><key>ActionType"
+                "</key><integer>21</integer><key>Sound</key><string>chime.wav</string></dict></array></dict>";
+    write("Rules.dict", join(lines));
+    const std::vector<Problem> found = checkRulesFile(folder + "/Rules.dict").problems;
+    EXPECT_TRUE(std::none_of(found.begin(), found.end(), [](const Problem& p) { return p.key == "Sound"; }))
+        << describe(found);
+    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

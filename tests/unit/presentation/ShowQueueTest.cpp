@@ -142,5 +142,29 @@ TEST(BoardPicture, CarriesWhatTheFrameDrawsAndItsLayout) {
     }
 }
 
+TEST(ShowQueueSounds, GoWithTheNextStepAndOutliveAFrameDrawnOver) {
+    ShowQueue q;
+    q.append(board(1, 0.1));
+    q.addSound("removal");
+    q.append(board(2));  // held for no time: drawn over by the next frame, its sound kept
+    q.addSound("landing");
+    q.append(board(3));
+    q.addSound("best-score");
+    q.append(alert("best"));
+    q.addSound("select");  // nothing follows: kept for the next step
+    const std::vector<ShowStep> steps = q.takeUntilAlert();
+    ASSERT_EQ(names(steps), "b1 b3 a:best");
+    EXPECT_TRUE(steps[0].sounds.empty());
+    EXPECT_EQ(steps[1].sounds, (std::vector<std::string>{"removal", "landing"}));
+    EXPECT_EQ(steps[2].sounds, (std::vector<std::string>{"best-score"}));
+    q.answer(0.0);
+    q.append(board(4));
+    EXPECT_EQ(q.takeAll().at(0).sounds, (std::vector<std::string>{"select"}));
+    q.addSound("end");
+    q.takeAll();  // the window went away: what was to sound goes with it
+    q.append(board(5));
+    EXPECT_TRUE(q.takeAll().at(0).sounds.empty());
+}
+
 }  // namespace
 }  // namespace tolvar
