@@ -17,7 +17,7 @@ MAIN_PAD_X, MAIN_PAD_Y, FONT_PX, ITEM_SPACING_Y = 16, 14, 17, 10
 FRAME_H = FONT_PX + 2 * 6   # a button or the pop-up: the font and its frame padding
 MENU_BAR_H = FRAME_H - 2    # the menu bar, less its own inset
 POPUP_W, POPUP_PAD, POPUP_ROW = 260, 6, 30  # the game window's menu: the bound actions, the "Game" items, "Return..."
-POPUP_ACTIONS, POPUP_GAME_ITEMS = 1, 6  # the actions the games played bind (Vexamor's "Remove Selection"); Game's
+POPUP_ACTIONS, POPUP_GAME_ITEMS = 1, 7  # the actions the games played bind (Vexamor's "Remove Selection"); Game's
 POPUP_H = 2 * POPUP_PAD + (POPUP_ACTIONS + POPUP_GAME_ITEMS + 1) * POPUP_ROW + 2 * 9  # ... a separator before each
 HELP_W, HELP_H = 560, 620
 COLOURS = ("red", "green", "blue", "purple")
@@ -203,7 +203,8 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         try:
             self.xvfb, self.display, self.dpy = start_xvfb()  # the connection is for screenshots
             self.env = dict(os.environ, DISPLAY=self.display, XDG_DATA_HOME=os.path.dirname(self.folder),
-                            TOLVAR_SEED=str(seed), LC_ALL="C", SDL_VIDEODRIVER="x11")
+                            TOLVAR_SEED=str(seed), LC_ALL="C", SDL_VIDEODRIVER="x11",
+                            SDL_AUDIODRIVER="dummy")  # the sounds play to no device of the machine's
             self.launch()
         except BaseException:
             self.close()

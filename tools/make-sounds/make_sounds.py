@@ -30,7 +30,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 from tool_version import add_version_option  # noqa: E402
 
 RATE = 44100
-PEAK = 0.3            # of full scale: the loudest sample of any sound
+PEAK = 0.25           # of full scale: the loudest sample of any sound, two at once still under half
 ATTACK = 0.006        # seconds of the rise at each note's start
 FULL_SCALE = 32767
 
