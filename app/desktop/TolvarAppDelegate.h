@@ -187,7 +187,6 @@ private:
     std::string startTitle_;  // the game to start at once
     std::optional<std::uint32_t> startBoard_;  // and its board
     BestScoresFile bestScores_{tolvarFolderPath()};
-    SettingsFile settings_{tolvarFolderPath()};
     GameOptionsPanel gameOptions_{settings_};  // each game's board choices, remembered in settings_
     ActionsMenu menu_;
     std::unique_ptr<MainWindow> window;

@@ -156,7 +156,7 @@ TEST(ProgramKeys, CommandsOfTheKeysInEitherWindow) {
         {SDLK_F3, KMOD_NONE, true, false, C::None}, {SDLK_ESCAPE, KMOD_NONE, true, false, C::None},
         {SDLK_b, KMOD_CTRL, false, false, C::BestScores}, {SDLK_b, KMOD_CTRL, true, true, C::BestScores},
         {SDLK_b, KMOD_NONE, true, false, C::None}, {SDLK_m, KMOD_CTRL, true, false, C::Symbols},
-        {SDLK_m, KMOD_CTRL, false, false, C::Symbols}, {SDLK_m, KMOD_NONE, true, false, C::None},
+        {SDLK_m, KMOD_CTRL, false, false, C::Symbols}, {SDLK_m, KMOD_NONE, true, false, C::ToggleSound},
     };
     for (const Case& c : cases)
         EXPECT_EQ(programCommandForKey(c.key, c.mod, c.inGame, c.cursorShown), c.command)
