@@ -1,9 +1,8 @@
 #include "desktop/ImGuiSurface.h"
 
-#include <SDL_opengl.h>
 #include <imgui.h>
-#include <backends/imgui_impl_opengl2.h>
 #include <backends/imgui_impl_sdl.h>
+#include <backends/imgui_impl_sdlrenderer.h>
 
 #include <cmath>
 #include <cstdio>
@@ -12,28 +11,28 @@
 
 namespace tolvar {
 
+namespace {
+// The colour behind the windows' pages, as the style's window background.
+constexpr SDL_Color kPageColour{240, 240, 242, 255};
+}  // namespace
+
 ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, int height, Uint32 flags,
                            const std::string& fontFile, float fontPixels, float scale)
     : scale_(scale) {
     const auto scaled = [scale](int v) { return static_cast<int>(std::lround(static_cast<float>(v) * scale)); };
-    SDL_GL_ResetAttributes();
-    SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_COMPATIBILITY);
-    SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
-    SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);
     window_.reset(SDL_CreateWindow(title.c_str(), scaled(x), scaled(y), scaled(width), scaled(height),
-                                   SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN | flags));
+                                   SDL_WINDOW_HIDDEN | flags));
     if (!window_) {
         std::fprintf(stderr, "tolvar: could not make the window \"%s\": %s\n", title.c_str(), SDL_GetError());
         return;
     }
-    context_.reset(SDL_GL_CreateContext(window_.get()));
-    if (!context_) {
-        std::fprintf(stderr, "tolvar: could not make the OpenGL context of \"%s\": %s\n", title.c_str(),
-                     SDL_GetError());
+    // Pages of text and buttons need no OpenGL: drawn in software, the window shows without the
+    // graphics driver being loaded and compiled for, and keeps none of its buffers.
+    renderer_.reset(SDL_CreateRenderer(window_.get(), -1, SDL_RENDERER_SOFTWARE));
+    if (!renderer_) {
+        std::fprintf(stderr, "tolvar: could not make the renderer of \"%s\": %s\n", title.c_str(), SDL_GetError());
         return;
     }
-    SDL_GL_MakeCurrent(window_.get(), context_.get());
-    SDL_GL_SetSwapInterval(0);
 
     ImGuiContext* previous = ImGui::GetCurrentContext();
     imgui_ = ImGui::CreateContext();
@@ -85,21 +84,20 @@ ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, in
     style.Colors[ImGuiCol_ButtonHovered] = ImVec4(0.80f, 0.87f, 0.97f, 1.0f);
     style.Colors[ImGuiCol_ButtonActive] = ImVec4(0.62f, 0.76f, 0.95f, 1.0f);
 
-    ImGui_ImplSDL2_InitForOpenGL(window_.get(), context_.get());
-    ImGui_ImplOpenGL2_Init();
+    ImGui_ImplSDL2_InitForSDLRenderer(window_.get());
+    ImGui_ImplSDLRenderer_Init(renderer_.get());
     if (previous) ImGui::SetCurrentContext(previous);
 }
 
 ImGuiSurface::~ImGuiSurface() {
     if (imgui_) {
-        if (window_ && context_) SDL_GL_MakeCurrent(window_.get(), context_.get());
         ImGui::SetCurrentContext(imgui_);
-        ImGui_ImplOpenGL2_Shutdown();
+        ImGui_ImplSDLRenderer_Shutdown();  // the font's texture goes with the renderer still there
         ImGui_ImplSDL2_Shutdown();
         ImGui::DestroyContext(imgui_);
         imgui_ = nullptr;
     }
-    context_.reset();
+    renderer_.reset();
     window_.reset();
 }
 
@@ -150,9 +148,8 @@ bool ImGuiSurface::processEvent(const SDL_Event& event) {
 }
 
 void ImGuiSurface::beginFrame() {
-    SDL_GL_MakeCurrent(window_.get(), context_.get());
     ImGui::SetCurrentContext(imgui_);
-    ImGui_ImplOpenGL2_NewFrame();
+    ImGui_ImplSDLRenderer_NewFrame();
     ImGui_ImplSDL2_NewFrame();
     // The mouse as this window's own events left it, focused or not.
     ImGuiIO& io = ImGui::GetIO();
@@ -166,15 +163,12 @@ void ImGuiSurface::beginFrame() {
 
 void ImGuiSurface::endFrame() {
     ImGui::Render();
-    ImGuiIO& io = ImGui::GetIO();
-    glViewport(0, 0, static_cast<int>(io.DisplaySize.x), static_cast<int>(io.DisplaySize.y));
-    glDisable(GL_SCISSOR_TEST);  // the whole window, whatever the game's picture left set
-    glClearColor(0.94f, 0.94f, 0.95f, 1.0f);
-    glClear(GL_COLOR_BUFFER_BIT);
-    ImGui_ImplOpenGL2_RenderDrawData(ImGui::GetDrawData());
+    SDL_SetRenderDrawColor(renderer_.get(), kPageColour.r, kPageColour.g, kPageColour.b, kPageColour.a);
+    SDL_RenderClear(renderer_.get());
+    ImGui_ImplSDLRenderer_RenderDrawData(ImGui::GetDrawData());
     // The font's pixels live on in the texture made for the first frame.
-    io.Fonts->ClearTexData();
-    SDL_GL_SwapWindow(window_.get());
+    ImGui::GetIO().Fonts->ClearTexData();
+    SDL_RenderPresent(renderer_.get());
 }
 
 void ImGuiSurface::show() {

@@ -1,6 +1,7 @@
-// A window drawn with Dear ImGui: its own SDL window, double-buffered OpenGL context, ImGui
-// context and interface font. Mouse input is tracked per window from the window's own events, so
-// the window answers clicks whether or not it holds the keyboard.
+// A window drawn with Dear ImGui: its own SDL window, drawn by SDL's renderer (no OpenGL: the
+// software renderer unless SDL_RENDER_DRIVER names another), ImGui context and interface font. Mouse
+// input is tracked per window from the window's own events, so the window answers clicks whether or
+// not it holds the keyboard.
 #pragma once
 
 #include <SDL.h>
@@ -26,7 +27,7 @@ public:
     ImGuiSurface(const ImGuiSurface&) = delete;
     ImGuiSurface& operator=(const ImGuiSurface&) = delete;
 
-    bool valid() const { return window_ && context_ && imgui_; }
+    bool valid() const { return window_ && renderer_ && imgui_; }
     SDL_Window* sdlWindow() const { return window_.get(); }
     Uint32 windowID() const;
     bool isVisible() const;
@@ -38,7 +39,7 @@ public:
     // Feeds an event of this window to ImGui. Returns true when the window should be redrawn.
     bool processEvent(const SDL_Event& event);
 
-    // Makes this window's contexts current and starts a frame; endFrame renders and shows it.
+    // Makes this window's ImGui context current and starts a frame; endFrame renders and shows it.
     void beginFrame();
     void endFrame();
 
@@ -52,7 +53,7 @@ public:
 
 private:
     SdlWindowPtr window_;
-    SdlGlContextPtr context_;
+    SdlRendererPtr renderer_;
     ImGuiContext* imgui_ = nullptr;  // owned: destroyed with ImGui::DestroyContext
     float scale_ = 1.0f;
     bool interfaceFont_ = false;

@@ -1,4 +1,4 @@
-// Owning handles for an SDL window and its OpenGL context.
+// Owning handles for an SDL window, its OpenGL context or its renderer.
 #pragma once
 
 #include <SDL.h>
@@ -13,7 +13,11 @@ struct SdlWindowDeleter {
 struct SdlGlContextDeleter {
     void operator()(void* context) const { SDL_GL_DeleteContext(context); }
 };
+struct SdlRendererDeleter {
+    void operator()(SDL_Renderer* renderer) const { SDL_DestroyRenderer(renderer); }
+};
 using SdlWindowPtr = std::unique_ptr<SDL_Window, SdlWindowDeleter>;
 using SdlGlContextPtr = std::unique_ptr<void, SdlGlContextDeleter>;
+using SdlRendererPtr = std::unique_ptr<SDL_Renderer, SdlRendererDeleter>;
 
 }  // namespace tolvar
