@@ -131,6 +131,11 @@ std::string ResourceTextures::runOpenPanel() const {
     return panels_.openPanel ? panels_.openPanel() : openPanelWithZenity();
 }
 
+TextureSize uploadSize(int imageWidth, int imageHeight, int neededWidth, int neededHeight) {
+    const auto side = [](int image, int needed) { return needed > 0 ? std::max(1, std::min(image, needed)) : image; };
+    return {side(imageWidth, neededWidth), side(imageHeight, neededHeight)};
+}
+
 std::uint32_t truncPowerOf2(std::uint32_t n) {
     std::uint32_t shifts = 0;
     while ((n >>= 1) != 0) ++shifts;

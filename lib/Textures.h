@@ -33,6 +33,16 @@ struct ResourcePanels {
     TextureOpenPanelHook openPanel;
 };
 
+// The size an image of imageWidth x imageHeight goes up at to fill a picture of neededWidth x
+// neededHeight pixels: the needed size, never larger than the image's own in either direction. A
+// needed size of 0 (or less) asks for the image's own.
+struct TextureSize {
+    int width = 0;
+    int height = 0;
+    bool operator==(const TextureSize&) const = default;
+};
+TextureSize uploadSize(int imageWidth, int imageHeight, int neededWidth, int neededHeight);
+
 // The image route: the largest power-of-two block at the image's lower-left corner, rows turned
 // bottom-up. 24-bit RGB and 32-bit RGBA only; other depths change nothing.
 void TextureFromNSImage(const Image& image, std::uint32_t* textureName, int* textureWidth,

@@ -64,7 +64,7 @@ void MyWindow::makeCurrentContext() {
     if (!valid()) return;
     SDL_GL_MakeCurrent(window_.get(), context_.get());
     // The picture's units map onto its place in the window; nothing is drawn on the bars.
-    const PictureFit fit = fitInPixels(window_.get(), pictureWidth_, pictureHeight_, true);
+    const PictureFit fit = pictureFitInPixels();
     glViewport(fit.x, fit.y, fit.width, fit.height);
     glScissor(fit.x, fit.y, fit.width, fit.height);
     glEnable(GL_SCISSOR_TEST);
@@ -73,6 +73,11 @@ void MyWindow::makeCurrentContext() {
 PictureFit MyWindow::pictureFit() const {
     if (!window_) return PictureFit::within(0, 0, pictureWidth_, pictureHeight_);
     return fitInPixels(window_.get(), pictureWidth_, pictureHeight_, false);
+}
+
+PictureFit MyWindow::pictureFitInPixels() const {
+    if (!window_) return PictureFit::within(0, 0, pictureWidth_, pictureHeight_);
+    return fitInPixels(window_.get(), pictureWidth_, pictureHeight_, true);
 }
 
 void MyWindow::takeNewSize() {

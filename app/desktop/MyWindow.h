@@ -35,6 +35,8 @@ public:
     void makeCurrentContext();
     // Where the picture lies in the window now (in the window's points, for the mouse).
     PictureFit pictureFit() const;
+    // The same in the drawable's pixels (more than points on a high-density screen).
+    PictureFit pictureFitInPixels() const;
     // After the window changed size: the context's buffers follow it, and the whole window is
     // black, so the bars beside the picture are clean. The picture is to be drawn again.
     void takeNewSize();

@@ -154,10 +154,16 @@ bool TolvarAppDelegate::initWindow() {
     view_->initWindowState();
     gameWindow->fitToUsableArea();
     gameWindow->center();
-    // The background.
-    view_->loadBGTexture();
+    // The background, at the size the window shows it.
+    const PictureFit fit = gameWindow->pictureFitInPixels();
+    view_->loadBGTexture(fit.width, fit.height);
     // Named once it is ready to show a game.
     nameWindows();
+    // What the start-up decoded and read (the background's pixels, the rules file's reading) goes
+    // back to the system instead of staying with the allocator.
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
     return true;
 }
 

@@ -59,8 +59,11 @@ void TolvarAppDelegate::dispatch(const SDL_Event& event) {
         return;
     }
     if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_SIZE_CHANGED && windowID == gameID) {
-        // A new size: bars cleared, the picture drawn whole at its new scale.
+        // A new size: bars cleared, the picture drawn whole at its new scale, over a background
+        // that has the detail the new size shows.
         gameWindow->takeNewSize();
+        if (const PictureFit fit = gameWindow->pictureFitInPixels(); view_->bgTextureTooSmallFor(fit.width, fit.height))
+            view_->loadBGTexture(fit.width, fit.height);
         view_->redrawLastFrame(shownGame_);
         drawAlertPanel();
         return;

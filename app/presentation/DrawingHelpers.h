@@ -10,10 +10,6 @@
 
 namespace tolvar::drawing {
 
-// The background image is 1920 x 1200 texels stretched over the window.
-constexpr float kBackgroundTexelsWide = 1920.0f;
-constexpr float kBackgroundTexelsHigh = 1200.0f;
-
 // Text in the 18-point Helvetica bitmap font, from the raster position (x, y).
 inline void drawText(float x, float y, const std::string& text) {
     glRasterPos2f(x, y);

@@ -39,8 +39,6 @@ using SurfacePtr = std::unique_ptr<SDL_Surface, SurfaceDeleter>;
 }  // namespace
 
 using drawing::drawText;
-using drawing::kBackgroundTexelsHigh;
-using drawing::kBackgroundTexelsWide;
 
 GameView::GameView(Host& host, Window window) : host_(host), window_(std::move(window)) {
     texts_.setDisplayScale(window_.displayScale);
@@ -98,13 +96,24 @@ void GameView::initWindowState() {
     glPushAttrib(GL_ALL_ATTRIB_BITS);
 }
 
-void GameView::loadBGTexture() {
+void GameView::loadBGTexture(int pixelsWide, int pixelsHigh) {
     const std::string folder = resourceFolder();
-    loadBGTextureFromFile(folder.empty() ? std::string("resources/Nebula.png") : folder + "/Nebula.png");
+    loadBGTextureFromFile(folder.empty() ? std::string("resources/Nebula.png") : folder + "/Nebula.png", pixelsWide,
+                          pixelsHigh);
 }
 
-void GameView::loadBGTextureFromFile(const std::string& path) {
+bool GameView::bgTextureTooSmallFor(int pixelsWide, int pixelsHigh) const {
+    return bgTexture_ != 0 && !(uploadSize(bgImageSize_.width, bgImageSize_.height, pixelsWide, pixelsHigh) ==
+                                uploadSize(bgSize_.width, bgSize_.height, pixelsWide, pixelsHigh));
+}
+
+void GameView::loadBGTextureFromFile(const std::string& path, int pixelsWide, int pixelsHigh) {
+    if (bgTexture_ != 0) {
+        const GLuint old = bgTexture_;
+        glDeleteTextures(1, &old);
+    }
     bgTexture_ = 0;
+    bgSize_ = bgImageSize_ = TextureSize{};
     // The header is checked against the image limits before anything is decoded.
     std::vector<std::uint8_t> bytes;
     tolvar::images::Header header;
@@ -115,17 +124,28 @@ void GameView::loadBGTextureFromFile(const std::string& path) {
         return;
     }
     SurfacePtr image(IMG_Load_RW(SDL_RWFromConstMem(bytes.data(), static_cast<int>(bytes.size())), 1));
+    bytes = {};
     if (!image) {
         std::fprintf(stderr, "%s: cannot read the background image (%s); the background stays black\n",
                      path.c_str(), IMG_GetError());
         return;
     }
-    // Bytes in R, G, B (and A) order go up as they are; any other layout is converted first, so
-    // the decoded image is not copied once more on its way to the texture.
+    // At the window's size: a texture larger than the picture shows would only cost memory. Bytes
+    // in R, G, B (and A) order at the image's size go up as they are; anything else is converted
+    // to RGBA first (which the stretch needs too).
+    const TextureSize size = uploadSize(image->w, image->h, pixelsWide, pixelsHigh);
     const Uint32 layout = image->format->format;
-    const bool direct = layout == SDL_PIXELFORMAT_RGB24 || layout == SDL_PIXELFORMAT_RGBA32;
-    SurfacePtr converted(direct ? nullptr : SDL_ConvertSurfaceFormat(image.get(), SDL_PIXELFORMAT_RGBA32, 0));
-    SDL_Surface* pixels = direct ? image.get() : converted.get();
+    const bool scaled = size.width != image->w || size.height != image->h;
+    const bool direct = !scaled && (layout == SDL_PIXELFORMAT_RGB24 || layout == SDL_PIXELFORMAT_RGBA32);
+    SurfacePtr converted(direct || layout == SDL_PIXELFORMAT_RGBA32
+                             ? nullptr
+                             : SDL_ConvertSurfaceFormat(image.get(), SDL_PIXELFORMAT_RGBA32, 0));
+    SDL_Surface* rgba = direct || layout == SDL_PIXELFORMAT_RGBA32 ? image.get() : converted.get();
+    SurfacePtr stretched(scaled && rgba ? SDL_CreateRGBSurfaceWithFormat(0, size.width, size.height, 32,
+                                                                        SDL_PIXELFORMAT_RGBA32)
+                                        : nullptr);
+    if (stretched && SDL_SoftStretchLinear(rgba, nullptr, stretched.get(), nullptr) != 0) stretched.reset();
+    SDL_Surface* pixels = scaled ? stretched.get() : rgba;
     if (!pixels || pixels->w <= 0 || pixels->h <= 0) {
         std::fprintf(stderr, "%s: cannot convert the background image to RGBA (%s); the background stays black\n",
                      path.c_str(), SDL_GetError());
@@ -150,6 +170,8 @@ void GameView::loadBGTextureFromFile(const std::string& path) {
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
     if (SDL_MUSTLOCK(pixels)) SDL_UnlockSurface(pixels);
     bgTexture_ = name;
+    bgSize_ = size;
+    bgImageSize_ = TextureSize{image->w, image->h};
 }
 
 void GameView::drawBackground(float z) {
@@ -163,11 +185,12 @@ void GameView::drawBackground(float z) {
     glBegin(GL_QUADS);
     glTexCoord2f(0.0f, 0.0f);
     glVertex3f(0.0f, 0.0f, z);
-    glTexCoord2f(kBackgroundTexelsWide, 0.0f);
+    const auto texelsWide = static_cast<float>(bgSize_.width), texelsHigh = static_cast<float>(bgSize_.height);
+    glTexCoord2f(texelsWide, 0.0f);
     glVertex3f(winWidth, 0.0f, z);
-    glTexCoord2f(kBackgroundTexelsWide, kBackgroundTexelsHigh);
+    glTexCoord2f(texelsWide, texelsHigh);
     glVertex3f(winWidth, winHeight, z);
-    glTexCoord2f(0.0f, kBackgroundTexelsHigh);
+    glTexCoord2f(0.0f, texelsHigh);
     glVertex3f(0.0f, winHeight, z);
     glEnd();
     glDisable(GL_TEXTURE_RECTANGLE_ARB);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "3DSpriteLib.h"
+#include "Textures.h"
 #include "engine/Board.h"
 #include "engine/Host.h"
 #include "engine/RandomSequence.h"
@@ -86,12 +87,19 @@ public:
     // The fixed OpenGL state of the game window (projection, rectangle textures, lights,
     // material, depth test), set once right after the context is made current.
     void initWindowState();
-    // loadBGTexture: the "Nebula" resource as a rectangle texture; 0 when it cannot be read.
-    void loadBGTexture();
+    // loadBGTexture: the "Nebula" resource as a rectangle texture; 0 when it cannot be read. It
+    // goes up at the size the window shows it, pixelsWide x pixelsHigh (0: the image's own), never
+    // above the image's own; the decoded pixels are not kept.
+    void loadBGTexture(int pixelsWide = 0, int pixelsHigh = 0);
     // The same from an image file; a missing or unreadable file leaves bgTexture 0 and says so
     // on standard error.
-    void loadBGTextureFromFile(const std::string& path);
+    void loadBGTextureFromFile(const std::string& path, int pixelsWide = 0, int pixelsHigh = 0);
     std::uint32_t bgTexture() const { return bgTexture_; }
+    // The background's texture size (0 x 0 without one).
+    TextureSize bgTextureSize() const { return bgSize_; }
+    // Whether a picture of pixelsWide x pixelsHigh shows the background at a coarser scale than
+    // its image has: the window grew past the size it went up at.
+    bool bgTextureTooSmallFor(int pixelsWide, int pixelsHigh) const;
 
     // View
     void drawBoard(const GameInfo& game) override;
@@ -170,6 +178,8 @@ private:
     Frame lastFrame_ = Frame::None;
     Value lastScores_;
     std::uint32_t bgTexture_ = 0;
+    TextureSize bgSize_;        // its texels
+    TextureSize bgImageSize_;   // the image's pixels
     std::array<SpritePtr, 11> pieceSprites;
     // Sprites whose slots were marked empty without being released; freed with the view.
     std::vector<SpritePtr> forgottenSprites_;

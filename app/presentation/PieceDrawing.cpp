@@ -18,8 +18,6 @@
 namespace tolvar {
 
 using drawing::half;
-using drawing::kBackgroundTexelsHigh;
-using drawing::kBackgroundTexelsWide;
 using drawing::third;
 
 Sprite* GameView::pieceSprite(float W) {
@@ -208,8 +206,8 @@ void GameView::drawIndividualPiece(const GameInfo& game, const BoardPiece* piece
         glBindTexture(GL_TEXTURE_RECTANGLE_ARB, bgTexture_);
         glBegin(GL_QUADS);
         for (int i = 0; i < 4; ++i) {
-            glTexCoord2f(static_cast<float>((xs[i] / winWidth) * static_cast<double>(kBackgroundTexelsWide)),
-                         static_cast<float>((ys[i] / winHeight) * static_cast<double>(kBackgroundTexelsHigh)));
+            glTexCoord2f(static_cast<float>((xs[i] / winWidth) * static_cast<double>(bgSize_.width)),
+                         static_cast<float>((ys[i] / winHeight) * static_cast<double>(bgSize_.height)));
             glVertex2f(xs[i], ys[i]);
         }
         glEnd();

@@ -250,6 +250,29 @@ TEST_F(GameViewTest, NebulaIsStretchedOverTheWindowUnflipped) {
                       "stays black\n");
 }
 
+TEST_F(GameViewTest, NebulaGoesUpAtTheWindowsSizeAndLooksTheSame) {
+    view.loadBGTexture();
+    ASSERT_NE(view.bgTexture(), 0u);
+    makeGame(5, 5, 2);
+    view.drawBoard(*gameInfo);
+    const std::pair<int, int> points[] = {{30, 30}, {60, 400}, {100, 700}, {950, 50}, {990, 380}, {920, 600}};
+    std::vector<Rgb> full;
+    for (auto [x, y] : points) full.push_back(pixelAt(x, y));
+
+    view.loadBGTexture(1024, 768);  // the picture's own size in the window
+    EXPECT_EQ(view.bgTextureSize(), (TextureSize{1024, 768}));
+    EXPECT_FALSE(view.bgTextureTooSmallFor(800, 600)) << "a smaller window needs no new upload";
+    EXPECT_TRUE(view.bgTextureTooSmallFor(1280, 960)) << "a larger one shows more of the image's detail";
+    view.setNeedsDisplay();
+    view.drawBoard(*gameInfo);
+    for (std::size_t i = 0; i < full.size(); ++i) {
+        const auto [x, y] = points[i];
+        EXPECT_TRUE(near(pixelAt(x, y), full[i].r, full[i].g, full[i].b, 40)) << x << "," << y;
+    }
+    view.loadBGTexture(1920, 1200);
+    EXPECT_FALSE(view.bgTextureTooSmallFor(4000, 3000)) << "the image has no more to give";
+}
+
 TEST_F(GameViewTest, SpikyPiecesTurnAndTheirModelIsReleasedOnce) {
     makeGame(4, 4, 1);
     const std::int64_t rot = view.rotValue;
