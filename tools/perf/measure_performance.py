@@ -4,7 +4,10 @@ first board, processor use (and, at rest, the main thread's wake-ups) over 10 s 
 of 3 spiky pieces selected; the score screen; the game hidden behind the main window), the peak
 resident memory with a board showing, and the time of a full frame and of a one-cell redraw.
 
-    measure_performance.py --program build/bin/tolvar [--bench build/bin/bench_presentation] [--runs 5]
+    measure_performance.py --program build/bin/tolvar [--bench build/bin/bench_presentation] [--runs 5] [--peers]
+
+--peers adds the table of Tolvar beside the other puzzle games installed (peers.py), measured in the
+same run, interleaved.
 
 Every figure is the median of --runs runs, with the lowest and highest in brackets.
 """
@@ -21,6 +24,8 @@ import time
 # The program is driven by the end-to-end tests' driver.
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "e2e"))
 from tolvar_driver import Layout, Tolvar  # noqa: E402
+
+import peers  # noqa: E402  (beside this script)
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
 from tool_version import add_version_option  # noqa: E402
@@ -118,6 +123,7 @@ def main():
     parser.add_argument("--seconds", type=float, default=10.0)
     parser.add_argument("--runs", type=int, default=3)
     parser.add_argument("--seed", type=int, default=7)
+    parser.add_argument("--peers", action="store_true", help="also measure the other puzzle games installed")
     add_version_option(parser)
     args = parser.parse_args()
     with open("/proc/loadavg") as f:
@@ -136,6 +142,8 @@ def main():
         print("| %s | %.1f | %.1f - %.1f | %d |" % (key, statistics.median(values), min(values), max(values),
                                                    len(values)))
     print("\nload average before: %s, after: %s" % (" ".join(load[:3]), " ".join(load[3:])))
+    if args.peers:
+        peers.compare(args.program, args.runs, args.seconds)
     return 0
 
 
