@@ -80,6 +80,7 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     callbacks.marks = [this] { return boardMarks(); };
     callbacks.game = [this] { return runningGame(); };
     callbacks.random = [this] { return engine_->random().next(); };
+    callbacks.boardNumber = [this] { return engine_->boardNumber(); };
     callbacks.displayScale = displayScale();
     view_ = std::make_unique<GameView>(*this, std::move(callbacks));
     view_->showSymbols(settings_.flag(kSymbolsSetting, false));

@@ -332,7 +332,7 @@ void GameView::drawBoardPicture(const GameInfo& game, const BoardLayout& L, cons
     glDisable(GL_LIGHTING);
     drawMarks(L, marks);
     // The texts last, over anything that reaches beside the board.
-    texts_.drawBoardTexts(L, game.gameName, game.score, patch);
+    texts_.drawBoardTexts(L, game.gameName, window_.boardNumber ? window_.boardNumber() : 0, game.score, patch);
     if (labelShown_ && (!patch || patch->intersects(*labelShown_))) label_.draw(labelX_, labelY_);
 }
 

@@ -76,6 +76,8 @@ public:
         // from (so a board dealt after a score screen is the one the game would deal). None: the
         // view's own sequence.
         std::function<std::int32_t()> random;
+        // The number of the board being played, shown under the game's name; 0 for none.
+        std::function<std::uint32_t()> boardNumber;
         // The display's density against a 1080-line screen: the window's texts are never smaller
         // than a readable size times it.
         float displayScale = 1.0f;

@@ -31,6 +31,10 @@ std::string movePreviewText(std::int64_t points, std::uint64_t pieces) {
                               pieces == 1 ? "piece" : "pieces");
 }
 
+std::string boardNumberText(std::uint32_t boardNumber) {
+    return boardNumber == 0 ? std::string() : "Board " + std::to_string(boardNumber);
+}
+
 std::string boardGameNameText(const std::string& gameName) {
     std::size_t length = gameName.size();
     if (length < kGameNameSize) return gameName;

@@ -26,6 +26,10 @@ std::string movePreviewText(std::int64_t points, std::uint64_t pieces);
 // The game's name cut to 63 bytes, never in the middle of a UTF-8 character.
 std::string boardGameNameText(const std::string& gameName);
 
+// The line under the name that says which board is played: "Board 123456"; empty for no number
+// (a game saved before boards had numbers).
+std::string boardNumberText(std::uint32_t boardNumber);
+
 // A date as "Mon dd, yyyy HH:mm" in the user's time locale (local time); empty for no date.
 std::string scoreDateText(const Date* date);
 

@@ -73,12 +73,15 @@ WindowTexts::Picture WindowTexts::currentPicture() {
     return picture;
 }
 
-void WindowTexts::drawBoardTexts(const BoardLayout& L, const std::string& gameName, std::uint64_t score,
-                                 const PixelRect* patch) {
-    BoardKey key{currentPicture(), L.left, boardGameNameText(gameName), boardScoreText(score), displayScale_};
+void WindowTexts::drawBoardTexts(const BoardLayout& L, const std::string& gameName, std::uint32_t boardNumber,
+                                 std::uint64_t score, const PixelRect* patch) {
+    BoardKey key{currentPicture(), L.left, boardGameNameText(gameName), boardNumberText(boardNumber),
+                 boardScoreText(score), displayScale_};
     if (!(key == boardKey_)) {
         const BoardTextRoom room = boardTextRoom(L, key.picture.width, key.picture.height, displayScale_);
-        board_ = layoutBoardTexts(room, {{key.name, 1.0f, TextTone::Heading}},
+        std::vector<StackedText> name{{key.name, 1.0f, TextTone::Heading}};
+        if (!key.number.empty()) name.push_back({key.number, kScoreLabelShare, TextTone::Label});
+        board_ = layoutBoardTexts(room, name,
                                   {{"Score", kScoreLabelShare, TextTone::Label}, {key.score, 1.0f, TextTone::Figure}},
                                   boardFontMeasure());
         boardKey_ = std::move(key);

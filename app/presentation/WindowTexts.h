@@ -39,10 +39,10 @@ public:
     // times it.
     void setDisplayScale(float scale) { displayScale_ = scale; }
 
-    // The name and the score beside the board the layout L places; within patch (picture
-    // units) only the panels that reach into it.
-    void drawBoardTexts(const BoardLayout& L, const std::string& gameName, std::uint64_t score,
-                        const PixelRect* patch);
+    // The name (with the board's number under it, smaller) and the score beside the board the
+    // layout L places; within patch (picture units) only the panels that reach into it.
+    void drawBoardTexts(const BoardLayout& L, const std::string& gameName, std::uint32_t boardNumber,
+                        std::uint64_t score, const PixelRect* patch);
     // The score screen's tables over what is drawn.
     void drawScoreTables(const ScoreScreenTexts& texts);
 
@@ -63,7 +63,7 @@ private:
     struct BoardKey {
         Picture picture;
         float left = 0.0f;
-        std::string name, score;
+        std::string name, number, score;
         float scale = 0.0f;
         bool operator==(const BoardKey&) const = default;
     };

@@ -17,6 +17,8 @@ TEST(GameTexts, ScoresRowsNamesAndDatesAreFormattedAndCut) {
     const Date d = Date::fromUnixTime(1700000000.0), early = Date::fromUnixTime(1704070800.0), absurd{1.0e300};
     const std::pair<std::string, std::string> cases[] = {
         {boardScoreText(7), "0007"},
+        {boardNumberText(123456), "Board 123456"},
+        {boardNumberText(0), ""},  // a game saved before boards had numbers
         {boardScoreText(123456789012345ull), "12345678901"},
         {boardScoreText(static_cast<std::uint64_t>(-5)), "-005"},  // printed signed
         {lastScoreText(0x100000005ull), "0005"},                    // low 32 bits
