@@ -1,5 +1,4 @@
 // Tolvar: start-up and the run loop.
-#include <GL/freeglut.h>
 #include <SDL.h>
 
 #include <clocale>
@@ -65,8 +64,6 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "tolvar: cannot start the display: %s\n", SDL_GetError());
         return 1;
     }
-    // The board and score text use GLUT's bitmap font.
-    glutInit(&argc, argv);
     int status = 1;
     {
         tolvar::TolvarAppDelegate delegate;

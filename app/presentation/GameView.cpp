@@ -2,11 +2,11 @@
 
 #include <GL/gl.h>
 #include <GL/glext.h>
-#include <GL/freeglut.h>
 #include <SDL.h>
 #include <SDL_image.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -17,6 +17,7 @@
 #include "FileIO.h"
 #include "ImageFile.h"
 #include "engine/BoardLayout.h"
+#include "TextPixels.h"
 #include "presentation/DrawingHelpers.h"
 #include "presentation/ShownBoard.h"
 
@@ -38,7 +39,6 @@ using SurfacePtr = std::unique_ptr<SDL_Surface, SurfaceDeleter>;
 
 }  // namespace
 
-using drawing::drawText;
 
 GameView::GameView(Host& host, Window window) : host_(host), window_(std::move(window)) {
     texts_.setDisplayScale(window_.displayScale);
@@ -381,8 +381,7 @@ void GameView::drawMarks(const BoardLayout& L, const BoardMarks& marks) {
 }
 
 float alertTextWidth(const std::string& text) {
-    return static_cast<float>(
-        glutBitmapLength(GLUT_BITMAP_HELVETICA_18, reinterpret_cast<const unsigned char*>(text.c_str())));
+    return static_cast<float>(text::measureText(text, kBoardFontFamily, kAlertTextPixels).width);
 }
 
 void GameView::pauseForFlash() {}  // the window's run loop holds the frames it plays
@@ -406,14 +405,23 @@ void GameView::drawAlert(const AlertLayout& a) {
     };
     box(a.panel, kAlertPanelColor, kAlertEdgeColor);
     box(a.button, kAlertButtonColor, kAlertEdgeColor);
-    glColor3fv(kAlertTextColor);
-    float baseline = a.firstBaseline;
-    for (const std::string& line : a.lines) {
-        drawText(a.textX, baseline, line);
-        baseline -= a.lineHeight;
-    }
-    drawText(a.labelX, a.labelBaseline, a.label);
     glPopAttrib();
+    // The text as sharp as the window shows the picture: drawn at its pixels, a texel a pixel.
+    GLint viewport[4] = {0, 0, 0, 0};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    const float pixelsPerUnit = viewport[2] > 0 ? static_cast<float>(viewport[2]) / winWidth : 1.0f;
+    const int pixels = static_cast<int>(std::lround(kAlertTextPixels * pixelsPerUnit));
+    const float colour[4] = {kAlertTextColor[0], kAlertTextColor[1], kAlertTextColor[2], 1.0f};
+    alertLines_.resize(a.lines.size() + 1);
+    const auto drawLine = [&](TextLabel& label, const std::string& text, float x, float baseline) {
+        label.set(text, kBoardFontFamily, pixels);
+        const float below = static_cast<float>(label.height() - label.ascent()) / pixelsPerUnit;
+        label.draw(x, baseline - below, 1.0f / pixelsPerUnit, colour);
+    };
+    float baseline = a.firstBaseline;
+    for (std::size_t i = 0; i < a.lines.size(); ++i, baseline -= a.lineHeight)
+        drawLine(alertLines_[i], a.lines[i], a.textX, baseline);
+    drawLine(alertLines_.back(), a.label, a.labelX, a.labelBaseline);
     glFlush();
     if (window_.flushBuffer) window_.flushBuffer();
     shown_.forget();  // the next frame of the board covers the panel whole

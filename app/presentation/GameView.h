@@ -57,9 +57,10 @@ inline constexpr float kAlertPanelColor[3] = {0.93f, 0.93f, 0.95f};
 inline constexpr float kAlertButtonColor[3] = {0.78f, 0.84f, 0.95f};
 inline constexpr float kAlertEdgeColor[3] = {0.2f, 0.2f, 0.3f};
 inline constexpr float kAlertTextColor[3] = {0.05f, 0.05f, 0.1f};
-// The line height of the panel's text (the board's 18-point font).
+// The panel's text: the window's scalable font at 18 pixels of the picture, 24 a line.
+inline constexpr int kAlertTextPixels = 18;
 inline constexpr float kAlertLineHeight = 24.0f;
-// A text's width in that font, for laying out the panel.
+// A text's width in that font, in the picture's units, for laying out the panel.
 float alertTextWidth(const std::string& text);
 
 class GameView : public View {
@@ -188,6 +189,7 @@ private:
     // What the window shows of the board.
     ShownBoard shown_;
     WindowTexts texts_;
+    std::vector<TextLabel> alertLines_;  // an alert's lines of text, then its button's label
     // The board's line of text, its lower left corner and the pixels it covers on the board's
     // frames (none while there is no line).
     LabelTexture label_;

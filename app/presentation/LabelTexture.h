@@ -1,21 +1,17 @@
 // A short line of light text on a dark backing, drawn over whatever the game window shows, so it
 // reads over the background, the pieces and their colours alike. All the drawing of such a line
-// is here: the text becomes a texture once, when it changes.
+// is here; its text is a TextLabel, made again only when it changes.
 #pragma once
 
-#include <cstdint>
 #include <string>
+
+#include "presentation/TextLabel.h"
 
 namespace tolvar {
 
 class LabelTexture {
 public:
-    LabelTexture() = default;
-    // The texture belongs to the game window's context, which must be current when it goes.
-    ~LabelTexture();
-    LabelTexture(const LabelTexture&) = delete;
-    LabelTexture& operator=(const LabelTexture&) = delete;
-
+    // The text's texture belongs to the game window's context, which must be current when it goes.
     // The line to draw (in the game window's context); empty for none. Nothing happens when it
     // is the line already held.
     void setText(const std::string& text);
@@ -27,11 +23,8 @@ public:
     void draw(float x, float y) const;
 
 private:
-    void release();
-
     std::string text_;
-    std::uint32_t texture_ = 0;
-    int textWidth_ = 0, textHeight_ = 0;
+    TextLabel label_;
 };
 
 }  // namespace tolvar

@@ -17,9 +17,9 @@ TextLabel& TextLabel::operator=(TextLabel&& other) noexcept {
     if (this == &other) return *this;
     release();
     text_ = std::move(other.text_), family_ = std::move(other.family_);
-    pixels_ = other.pixels_, width_ = other.width_, height_ = other.height_;
+    pixels_ = other.pixels_, width_ = other.width_, height_ = other.height_, ascent_ = other.ascent_;
     texture_ = std::exchange(other.texture_, 0u);
-    other.pixels_ = other.width_ = other.height_ = 0;
+    other.pixels_ = other.width_ = other.height_ = other.ascent_ = 0;
     return *this;
 }
 
@@ -29,7 +29,7 @@ void TextLabel::release() {
         glDeleteTextures(1, &name);
     }
     texture_ = 0;
-    width_ = height_ = 0;
+    width_ = height_ = ascent_ = 0;
 }
 
 bool TextLabel::set(const std::string& text, const std::string& family, int pixels) {
@@ -55,7 +55,7 @@ bool TextLabel::set(const std::string& text, const std::string& family, int pixe
     glPopClientAttrib();
     glPopAttrib();
     texture_ = name;
-    width_ = drawn.width, height_ = drawn.height;
+    width_ = drawn.width, height_ = drawn.height, ascent_ = drawn.ascent;
     return true;
 }
 

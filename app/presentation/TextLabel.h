@@ -23,6 +23,7 @@ public:
 
     int width() const { return width_; }  // the texture's pixels
     int height() const { return height_; }
+    int ascent() const { return ascent_; }  // the baseline's row, from the top
     bool empty() const { return texture_ == 0; }
 
     // Draws it with its lower left corner at (x, y) in the current units, one of its pixels
@@ -35,7 +36,7 @@ private:
     std::string text_, family_;
     int pixels_ = 0;
     std::uint32_t texture_ = 0;
-    int width_ = 0, height_ = 0;
+    int width_ = 0, height_ = 0, ascent_ = 0;
 };
 
 }  // namespace tolvar

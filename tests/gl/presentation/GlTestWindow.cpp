@@ -1,7 +1,6 @@
 #include "GlTestWindow.h"
 #include "GlWindow.h"
 
-#include <GL/freeglut.h>
 #include <GL/gl.h>
 #include <SDL.h>
 #include <SDL_image.h>
@@ -18,10 +17,6 @@ namespace {
 std::string openedWindow() {
     std::string failure = glWindowFailure();
     if (!failure.empty()) return failure;
-    static char name[] = "presentation_gl_tests";
-    static char* argv[] = {name, nullptr};
-    int argc = 1;
-    glutInit(&argc, argv);
     glDrawBuffer(GL_BACK);
     glReadBuffer(GL_BACK);
     for (int i = 0; i < 10; ++i) {  // let the window be mapped
