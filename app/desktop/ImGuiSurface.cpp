@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <set>
 
 #include "desktop/WindowPlacement.h"
 
@@ -128,6 +129,11 @@ bool ImGuiSurface::processEvent(const SDL_Event& event) {
             }
             return true;
         }
+        case SDL_KEYDOWN:
+        case SDL_KEYUP:
+        case SDL_TEXTINPUT:
+            keyboard_.push_back(event);
+            return true;
         case SDL_WINDOWEVENT:
             if (placing_ && framed(window_.get())) {
                 placing_ = false;
@@ -147,8 +153,28 @@ bool ImGuiSurface::processEvent(const SDL_Event& event) {
     return true;
 }
 
+void ImGuiSurface::feedKeyboard() {
+    std::set<SDL_Scancode> pressed, released;
+    bool typed = false;  // a key press or a text given to this frame
+    while (!keyboard_.empty()) {
+        SDL_Event& event = keyboard_.front();
+        if (event.type == SDL_KEYUP) {
+            if (pressed.count(event.key.keysym.scancode) != 0) break;
+            released.insert(event.key.keysym.scancode);
+        } else {
+            if (typed) break;
+            if (event.type == SDL_KEYDOWN && released.count(event.key.keysym.scancode) != 0) break;
+            if (event.type == SDL_KEYDOWN) pressed.insert(event.key.keysym.scancode);
+            typed = true;
+        }
+        ImGui_ImplSDL2_ProcessEvent(&event);
+        keyboard_.pop_front();
+    }
+}
+
 void ImGuiSurface::beginFrame() {
     ImGui::SetCurrentContext(imgui_);
+    feedKeyboard();
     ImGui_ImplSDLRenderer_NewFrame();
     ImGui_ImplSDL2_NewFrame();
     // The mouse as this window's own events left it, focused or not.

@@ -6,6 +6,7 @@
 
 #include <SDL.h>
 
+#include <deque>
 #include <memory>
 #include <string>
 
@@ -38,6 +39,9 @@ public:
 
     // Feeds an event of this window to ImGui. Returns true when the window should be redrawn.
     bool processEvent(const SDL_Event& event);
+    // Keys and typed text wait in order for the frames that take them (see feedKeyboard): while
+    // some wait, the window needs another frame.
+    bool keyboardWaiting() const { return !keyboard_.empty(); }
 
     // Makes this window's ImGui context current and starts a frame; endFrame renders and shows it.
     void beginFrame();
@@ -63,6 +67,12 @@ private:
     float mouseX_ = -1.0e30f, mouseY_ = -1.0e30f;
     bool buttonDown_[3] = {false, false, false};
     bool buttonClicked_[3] = {false, false, false};  // pressed since the last frame
+    // A frame sees each key as down or up, so a key pressed and released between two frames (a
+    // quick typist, a busy machine) would never be seen: the keyboard's events are given to the
+    // frames in order, at most one key press or typed text a frame, and a release in the frame
+    // after its press.
+    void feedKeyboard();
+    std::deque<SDL_Event> keyboard_;
 };
 
 }  // namespace tolvar

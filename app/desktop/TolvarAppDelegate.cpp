@@ -244,6 +244,7 @@ void TolvarAppDelegate::drawWindows() {
     }
     if (window && mainFrames_ > 0) {
         --mainFrames_;
+        if (window->surface().keyboardWaiting()) ++mainFrames_;
         if (window->surface().isVisible()) {
             const bool running = gameWindow && gameWindow->isVisible();
             std::vector<ShellCommand> commands = window->draw(library_, menu_, gameMenuState(), running, rules_,
@@ -255,16 +256,19 @@ void TolvarAppDelegate::drawWindows() {
     }
     if (helpWindow_ && helpFrames_ > 0) {
         --helpFrames_;
+        if (helpWindow_->surface().keyboardWaiting()) ++helpFrames_;
         if (helpWindow_->isOpen() && !helpWindow_->draw()) closeHelp();
         if (gameWindow) gameWindow->makeCurrentContext();
     }
     if (bestScoresWindow_ && bestScoresFrames_ > 0) {
         --bestScoresFrames_;
+        if (bestScoresWindow_->surface().keyboardWaiting()) ++bestScoresFrames_;
         if (bestScoresWindow_->isOpen() && !bestScoresWindow_->draw()) closeBestScores();
         if (gameWindow) gameWindow->makeCurrentContext();
     }
     if (popupFrames_ > 0) {
         --popupFrames_;
+        if (popup_ && popup_->surface().keyboardWaiting()) ++popupFrames_;
         if (popup_ && popup_->isOpen()) {
             const ActionsPopup::Choice chosen = popup_->draw(menu_, gameMenuState());
             gameWindow->makeCurrentContext();
