@@ -3,6 +3,7 @@
 #include <imgui.h>
 
 #include "desktop/DisplayScale.h"
+#include "core/Translate.h"
 #include "rules/ShownText.h"
 
 namespace tolvar {
@@ -157,7 +158,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, ImVec2(12 * scale, 10 * scale));
     ImGui::BeginChild("##description", ImVec2(0, -buttonsHeight), true, ImGuiWindowFlags_AlwaysUseWindowPadding);
     std::vector<Paragraph> page;
-    if (!library.descriptionText().empty()) page.push_back({library.descriptionText()});
+    if (const std::string& d = library.descriptionText(messagesLocale()); !d.empty()) page.push_back({d});
     addFindings(page, library, rules);
     if (!note.empty()) page.push_back({note, kErrorColour});
     description_.draw(std::move(page));

@@ -82,10 +82,16 @@ void GameLibrary::selectGame(const std::string& title) {
     if (!rules) return;
     // A game whose rules are not a dictionary plays like one with no keys: every default.
     currentRules_ = rules->isDictionary() ? *rules : Value::dictionary();
-    const Value* description = currentRules_->asDictionary()->find("GameDescription");
-    const std::string* text = description ? description->asString() : nullptr;
+    descriptions_ = gameDescriptions(*currentRules_->asDictionary());
     // Only what the main window shows is kept: a description can be any length in the file.
-    descriptionText_ = text ? shownDescription(*text) : std::string("Unknown");
+    for (Description& d : descriptions_) d.text = shownDescription(d.text);
+    if (!descriptionFor(descriptions_, "C")) descriptions_.push_back({"", "Unknown"});
+}
+
+const std::string& GameLibrary::descriptionText(std::string_view locale) const {
+    static const std::string kNone;
+    const Description* d = descriptionFor(descriptions_, locale);
+    return d ? d->text : kNone;
 }
 
 }  // namespace tolvar

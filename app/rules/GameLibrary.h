@@ -3,9 +3,11 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/PropertyList.h"
+#include "rules/GameDescriptions.h"
 
 namespace tolvar {
 
@@ -24,13 +26,14 @@ public:
 
     // selectGame: with a title of the game menu; "None" (or an unknown title) empties
     // currentRules and leaves the description text as it was. The description text is the game's
-    // as the main window shows it (see shownDescription).
+    // as the main window shows it (see shownDescription), in the language of locale when the game
+    // has a description in it (see descriptionFor); "Unknown" when the game has none.
     void selectGame(const std::string& title);
 
     const std::vector<std::string>& gameMenu() const { return gameMenu_; }
     const Value* allGameRules() const { return allGameRules_ ? &*allGameRules_ : nullptr; }
     const Value* currentRules() const { return currentRules_ ? &*currentRules_ : nullptr; }
-    const std::string& descriptionText() const { return descriptionText_; }
+    const std::string& descriptionText(std::string_view locale = "C") const;
     const std::string& selectedTitle() const { return selectedTitle_; }
     // Why setupGameSelections could not write the missing rules file (empty when it could, or
     // did not have to): the built-in games are then played from memory.
@@ -42,7 +45,7 @@ private:
     std::optional<Value> allGameRules_;
     std::optional<Value> currentRules_;
     std::vector<std::string> gameMenu_;
-    std::string descriptionText_;
+    std::vector<Description> descriptions_;
     std::string rulesNotWritten_;
     std::string selectedTitle_ = "None";
 };

@@ -309,6 +309,22 @@ TEST_F(DataHome, TheFolderFollowsAnAbsoluteXdgDataHomeOrHomeAndAFailureToMakeItI
     }
 }
 
+TEST_F(DataHome, TheDescriptionIsShownInTheLanguageAsked) {
+    const std::string longGerman(kShownDescriptionCharacters + 5, 'w');
+    writeRules(toXmlPropertyList(dict({{"Game", dict({{"GameDescription", str("Remove regions")},
+                                                      {"GameDescription.de", str(longGerman)}})},
+                                       {"German", dict({{"GameDescription.de", str("Nur Deutsch")}})}})));
+    GameLibrary library;
+    setup(library);
+    library.selectGame("Game");
+    EXPECT_EQ(library.descriptionText(), "Remove regions");
+    EXPECT_EQ(library.descriptionText("de_DE.UTF-8"), shownDescription(longGerman));
+    EXPECT_EQ(library.descriptionText("es_ES.UTF-8"), "Remove regions");
+    library.selectGame("German");
+    EXPECT_EQ(library.descriptionText("de_DE.UTF-8"), "Nur Deutsch");
+    EXPECT_EQ(library.descriptionText("fr_FR.UTF-8"), "Unknown");
+}
+
 TEST_F(DataHome, GamesAreOfferedInFileOrderAndChoosingOneShowsItsDescription) {
     const std::string longText(kShownDescriptionCharacters + 5, 'w');
     writeRules(toXmlPropertyList(dict({{"Zeta", createTestGameTwo()}, {"Number", num(5)}, {"Listless", str("")},
