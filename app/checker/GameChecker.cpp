@@ -7,6 +7,7 @@
 #include <set>
 
 #include "checker/Located.h"
+#include "core/Translate.h"
 #include "engine/BoardLayout.h"
 #include "engine/Engine.h"
 #include "engine/GameLimits.h"
@@ -37,7 +38,8 @@ std::string actionTypesText() {
         std::size_t j = i;
         while (j + 1 < n && kActionTypes[j + 1] == kActionTypes[j] + 1) ++j;
         if (j >= i + 2) {
-            runs.push_back(std::to_string(kActionTypes[i]) + " to " + std::to_string(kActionTypes[j]));
+            // TRANSLATORS: a run of action types, "19 to 23".
+            runs.push_back(trf("%s to %s", std::to_string(kActionTypes[i]), std::to_string(kActionTypes[j])));
         } else {
             for (std::size_t k = i; k <= j; ++k) runs.push_back(std::to_string(kActionTypes[k]));
         }
@@ -45,7 +47,8 @@ std::string actionTypesText() {
     }
     std::string text;
     for (std::size_t i = 0; i < runs.size(); ++i)
-        text += (i == 0 ? "" : i + 1 == runs.size() ? " or " : ", ") + runs[i];
+        // TRANSLATORS: "1, 2, 8" and "10 or 19 to 23": the separators of a list of action types.
+        text = i == 0 ? runs[i] : i + 1 == runs.size() ? trf("%s or %s", text, runs[i]) : trf("%s, %s", text, runs[i]);
     return text;
 }
 
@@ -70,7 +73,7 @@ Located place(const Located& dict, const char* key) {
 std::string keyText(std::int8_t c) {
     const int code = static_cast<unsigned char>(c);
     if (code > 32 && code < 127) return "'" + std::string(1, static_cast<char>(c)) + "' (" + std::to_string(code) + ")";
-    if (code == 32) return "the space bar (32)";
+    if (code == 32) return tr("the space bar (32)");
     return std::to_string(code);
 }
 
@@ -131,8 +134,8 @@ void GameChecker::eachEntry(const char* key, const rulekeys::Level& level, Visit
         const Located entry = list.item(i);
         if (!entry.dict()) {
             report_.add(Severity::Error, entry, key,
-                        "an entry is " + kindName(*entry.value) + ", expected a dictionary for " + level.what +
-                            "; every key takes its default");
+                        trf("an entry is %s, expected a dictionary for %s; every key takes its default",
+                            kindName(*entry.value), tr(level.what)));
         }
         checkKeys(entry, level, report_);
         visit(entry);
@@ -147,16 +150,19 @@ ActionModel GameChecker::readAction(const Located& dict) {
     a.removePieces = number(dict, keys::kRemovePieces);
     const Located typeAt = place(dict, keys::kActionType);
     const std::string typeText = "ActionType " + std::to_string(a.type);
+    const std::string expected = actionTypesText();
     switch (actionEffect(a.type)) {
         case ActionEffect::Unknown:
             report_.add(Severity::Error, typeAt, keys::kActionType,
-                        (present(dict, keys::kActionType) ? typeText : "no ActionType") +
-                            " is not an action the engine knows: it prints \"unknown action specified.\" and "
-                            "does nothing; expected " + actionTypesText());
+                        present(dict, keys::kActionType)
+                            ? trf("%s is not an action the engine knows: it prints \"unknown action specified.\" and "
+                                  "does nothing; expected %s", typeText, expected)
+                            : trf("no ActionType is not an action the engine knows: it prints \"unknown action "
+                                  "specified.\" and does nothing; expected %s", expected));
             break;
         case ActionEffect::Inert:
             report_.add(Severity::Warning, typeAt, keys::kActionType,
-                        typeText + " does nothing; expected " + actionTypesText());
+                        trf("%s does nothing; expected %s", typeText, expected));
             break;
         case ActionEffect::Active:
             break;
@@ -167,14 +173,16 @@ ActionModel GameChecker::readAction(const Located& dict) {
                                       : true;
     if (!moves)
         report_.add(Severity::Warning, place(dict, keys::kDirection), keys::kDirection,
-                    "Direction " + std::to_string(direction) + " moves nothing for " + typeText + "; expected 2" +
-                        (a.type == kActionCollapseEmptyRows ? " (down) or 3 (left)" : " (down)"));
+                    a.type == kActionCollapseEmptyRows
+                        ? trf("Direction %s moves nothing for %s; expected 2 (down) or 3 (left)",
+                              std::to_string(direction), typeText)
+                        : trf("Direction %s moves nothing for %s; expected 2 (down)", std::to_string(direction), typeText));
     if (a.type == kActionShowMessage && !(dict.dict() && dict.dict()->find(keys::kMessage) &&
                           dict.dict()->find(keys::kMessage)->isString()))
-        report_.add(Severity::Warning, dict, keys::kMessage, typeText + " shows an empty alert; expected a Message");
+        report_.add(Severity::Warning, dict, keys::kMessage, trf("%s shows an empty alert; expected a Message", typeText));
     if (const Located sound = dict.field(keys::kSound); sound.value && sound.value->isString())
         if (const std::string problem = soundProblem(*sound.value->asString(), folder_); !problem.empty())
-            report_.add(Severity::Warning, sound, keys::kSound, problem + "; the action plays no sound");
+            report_.add(Severity::Warning, sound, keys::kSound, trf("%s; the action plays no sound", problem));
     if (a.type == kActionAddVariableToScore || a.type == kActionGetRemainingPieceCount)
         variableUses_.emplace_back(place(dict, keys::kVariableID),
                                    static_cast<std::uint32_t>(number(dict, keys::kVariableID)));
@@ -188,7 +196,7 @@ void GameChecker::checkSettings() {
         // The reason names the rule first, between quotes.
         const std::size_t open = reason.find('"'), close = reason.find('"', open + 1);
         const std::string key = reason.substr(open + 1, close - open - 1);
-        report_.add(Severity::Error, place(root_, key.c_str()), key, "the game cannot be played: " + reason);
+        report_.add(Severity::Error, place(root_, key.c_str()), key, trf("the game cannot be played: %s", reason));
         return;
     }
     if (info.squareShapes) {
@@ -197,10 +205,11 @@ void GameChecker::checkSettings() {
         if (span > winWidth) {
             const unsigned fit = widestSquareBoard(info);
             report_.add(Severity::Warning, place(root_, keys::kBoardWidth), keys::kBoardWidth,
-                        std::to_string(info.boardWidth) + " square columns of " +
-                            std::to_string(info.boardHeight) + " rows are " + std::to_string(static_cast<int>(span)) +
-                            " pixels wide, and the window " + std::to_string(static_cast<int>(winWidth)) +
-                            ": the board runs off the window; expected at most " + std::to_string(fit) + " columns");
+                        trf("%s square columns of %s rows are %s pixels wide, and the window %s: the board runs "
+                            "off the window; expected at most %s columns",
+                            std::to_string(info.boardWidth), std::to_string(info.boardHeight),
+                            std::to_string(static_cast<int>(span)), std::to_string(static_cast<int>(winWidth)),
+                            std::to_string(fit)));
         }
     }
     if (const unsigned drawn = colorRange(info).most; info.numColors > drawn)
@@ -216,18 +225,19 @@ void GameChecker::checkEventTypes() {
         const Located typeAt = place(e.at, keys::kEventType);
         if (e.type != kEventGameStarted && e.type != kEventNoMovesLeft && e.type != kEventPiecesRemoved) {
             report_.add(Severity::Error, typeAt, keys::kEventType,
-                        (present(e.at, keys::kEventType) ? "EventType " + std::to_string(e.type) : "no EventType") +
-                            " is not an event the engine raises, so this event never runs; expected 8 (the game "
-                            "has started), 11 (no move is left) or 12 (pieces were removed)");
+                        trf("%s is not an event the engine raises, so this event never runs; expected 8 (the game "
+                            "has started), 11 (no move is left) or 12 (pieces were removed)",
+                            present(e.at, keys::kEventType) ? "EventType " + std::to_string(e.type)
+                                                            : std::string(tr("no EventType"))));
             continue;
         }
         // Lists run last to first: the last event of a type is the one found.
         for (std::size_t j = i + 1; j < events_.size(); ++j)
             if (events_[j].type == e.type) {
                 report_.add(Severity::Warning, typeAt, keys::kEventType,
-                            "another event of type " + std::to_string(e.type) + " listed after this one (EventID " +
-                                std::to_string(number(events_[j].at, keys::kEventID)) +
-                                ") runs in its place, so this one never runs; expected one event per type");
+                            trf("another event of type %s listed after this one (EventID %s) runs in its place, so "
+                                "this one never runs; expected one event per type",
+                                std::to_string(e.type), std::to_string(number(events_[j].at, keys::kEventID))));
                 break;
             }
     }
@@ -240,9 +250,9 @@ void GameChecker::checkUserEvents() {
         // The engine knows the user-event types that title a menu item.
         if (!ActionsMenu::titleForUserEventType(u.type))
             report_.add(Severity::Error, typeAt, keys::kUserEventType,
-                        (present(u.at, keys::kUserEventType) ? "UserEventType " + std::to_string(u.type)
-                                                              : std::string("no UserEventType")) +
-                            " is not a user event the engine knows; expected 1 to 10");
+                        trf("%s is not a user event the engine knows; expected 1 to 10",
+                            present(u.at, keys::kUserEventType) ? "UserEventType " + std::to_string(u.type)
+                                                                : std::string(tr("no UserEventType"))));
         const bool mouse = u.type == kUserEventSwapAdjacent || u.type == kUserEventSelectColorRegion;
         // The mouse goes to the last click or drag user event of the list, a key to the last one bound to it.
         const UserEventModel* mouseTaker = nullptr;
@@ -254,18 +264,18 @@ void GameChecker::checkUserEvents() {
         }
         if (keyTaker)
             report_.add(Severity::Warning, place(u.at, keys::kUserEventCharacter), keys::kUserEventCharacter,
-                        "the key " + keyText(u.character) + " is also bound to the user event listed after this one "
-                        "(UserEventID " + std::to_string(keyTaker->id) + "), which takes it; expected one user "
-                        "event per key");
+                        trf("the key %s is also bound to the user event listed after this one (UserEventID %s), "
+                            "which takes it; expected one user event per key",
+                            keyText(u.character), std::to_string(keyTaker->id)));
         const bool byKey = u.character != 0 && !keyTaker;
         const bool byMouse = mouse && !mouseTaker;
         if (byKey || byMouse || keyTaker) continue;
-        std::string why = mouse ? "the mouse goes to the click or drag user event listed after it (UserEventID " +
-                                      std::to_string(mouseTaker->id) + ")"
-                                : "only user events of types 3 and 4 take the mouse";
+        const std::string why =
+            mouse ? trf("the mouse goes to the click or drag user event listed after it (UserEventID %s)",
+                        std::to_string(mouseTaker->id))
+                  : std::string(tr("only user events of types 3 and 4 take the mouse"));
         report_.add(Severity::Warning, place(u.at, keys::kUserEventCharacter), keys::kUserEventCharacter,
-                    "no input reaches this user event: " + why + ", and it has no key; expected a "
-                    "UserEventCharacter");
+                    trf("no input reaches this user event: %s, and it has no key; expected a UserEventCharacter", why));
     }
 }
 
@@ -296,20 +306,20 @@ void GameChecker::checkReach() {
     }
     for (const auto& [type, event] : runs) {
         if (queued.count(type) || (type != kEventNoMovesLeft && type != kEventPiecesRemoved)) continue;
-        const std::string why =
+        const char* why =
             type == kEventNoMovesLeft
-                ? "no event or user event that runs has action 21 (test whether the game is over), so the game "
-                  "never ends; expected action 21 in the event of type 8 or 12"
-                : "no input or action removes pieces; expected a user event of type 9, an action 10 with "
-                  "RemovePieces, or an action 29 in a game whose swap removes";
+                ? tr("no event or user event that runs has action 21 (test whether the game is over), so the game "
+                     "never ends; expected action 21 in the event of type 8 or 12")
+                : tr("no input or action removes pieces; expected a user event of type 9, an action 10 with "
+                     "RemovePieces, or an action 29 in a game whose swap removes");
         report_.add(Severity::Warning, place(event->at, keys::kEventType), keys::kEventType,
-                    "nothing ever queues this event of type " + std::to_string(type) + " and its " +
-                        std::to_string(event->actions.size()) + " actions: " + why);
+                    trf("nothing ever queues this event of type %s and its %s actions: %s", std::to_string(type),
+                        std::to_string(event->actions.size()), why));
     }
     if (!runs.count(kEventNoMovesLeft))
         report_.add(Severity::Warning, place(root_, keys::kSupportedEvents), keys::kSupportedEvents,
-                    "the game never ends: there is no event of type 11 (no move is left); expected one that "
-                    "enters the score (action 22)");
+                    tr("the game never ends: there is no event of type 11 (no move is left); expected one that "
+                       "enters the score (action 22)"));
     // The completion test inside the no-move-left event finds no move again and queues it again.
     if (auto it = runs.find(kEventNoMovesLeft); it != runs.end() && queued.count(kEventNoMovesLeft)) {
         const auto& actions = it->second->actions;
@@ -318,9 +328,9 @@ void GameChecker::checkReach() {
         for (const ActionModel& a : actions)
             if (a.type == kActionCheckForGameCompletion && !refills)
                 report_.add(Severity::Error, place(a.at, keys::kActionType), keys::kActionType,
-                            "action 21 in the event of type 11 queues that event again while no move is left, "
-                            "so the events queue each other without end; expected action 21 only in events of "
-                            "type 8 or 12");
+                            tr("action 21 in the event of type 11 queues that event again while no move is left, "
+                               "so the events queue each other without end; expected action 21 only in events of "
+                               "type 8 or 12"));
     }
 }
 
@@ -330,21 +340,21 @@ void GameChecker::checkCompletion() {
         if (type == kCompletionNoMovesLeft) judged = true;
         else
             report_.add(Severity::Warning, place(at, keys::kCompletionType), keys::kCompletionType,
-                        "CompletionType " + std::to_string(type) + " is skipped by the completion test; expected 7 "
-                        "(no move is left)");
+                        trf("CompletionType %s is skipped by the completion test; expected 7 (no move is left)",
+                            std::to_string(type)));
     }
     bool tests = false;
     for (const EventModel& e : events_)
         for (const ActionModel& a : e.actions) tests = tests || a.type == kActionCheckForGameCompletion;
     if (tests && !judged)
         report_.add(Severity::Warning, place(root_, keys::kCompletionCriteria), keys::kCompletionCriteria,
-                    "no criterion of type 7, so the first completion test (action 21) ends the game; expected a "
-                    "CompletionType 7");
+                    tr("no criterion of type 7, so the first completion test (action 21) ends the game; expected a "
+                       "CompletionType 7"));
     for (const auto& [at, id] : variableUses_)
         if (!variables_.count(id))
             report_.add(Severity::Warning, at, keys::kVariableID,
-                        "VariableID " + std::to_string(id) + " names no variable of VariableList, so the action "
-                        "does nothing; expected the VariableID of a variable");
+                        trf("VariableID %s names no variable of VariableList, so the action does nothing; expected "
+                            "the VariableID of a variable", std::to_string(id)));
 }
 
 void GameChecker::run() {
@@ -360,8 +370,8 @@ void GameChecker::run() {
                 const Located action = list.item(i);
                 if (!action.dict())
                     report_.add(Severity::Error, action, keys::kActionList,
-                                "an entry is " + kindName(*action.value) +
-                                    ", expected a dictionary for an action; every key takes its default");
+                                trf("an entry is %s, expected a dictionary for %s; every key takes its default",
+                                    kindName(*action.value), tr(keys::kActionLevel.what)));
                 e.actions.push_back(readAction(action));
             }
         events_.push_back(std::move(e));
@@ -402,7 +412,7 @@ std::vector<Problem> checkGame(const std::string& title, const Value& rules, con
     root.at = root.keyAt = known ? positions->at(node) : TextPosition{};
     if (!rules.isDictionary()) {
         report.add(Severity::Error, root, "",
-                   "the game is " + kindName(rules) + ", expected a dictionary of rules; it plays with every default");
+                   trf("the game is %s, expected a dictionary of rules; it plays with every default", kindName(rules)));
         return problems;
     }
     GameChecker(root, report, folder).run();

@@ -8,6 +8,8 @@
 #include <cstdlib>
 
 #include "checker/Located.h"
+#include "core/Translate.h"
+#include "rules/GameDescriptions.h"
 #include "rules/TextLimits.h"
 
 namespace tolvar::checker {
@@ -53,16 +55,16 @@ void Reporter::add(Severity severity, const Located& where, const std::string& k
 
 std::string kindName(const Value& value) {
     switch (value.kind()) {
-        case Value::Kind::Boolean: return "a boolean";
-        case Value::Kind::Integer: return "an integer";
-        case Value::Kind::Real: return "a real";
-        case Value::Kind::String: return "a string";
-        case Value::Kind::Date: return "a date";
-        case Value::Kind::Data: return "data";
-        case Value::Kind::Array: return "an array";
-        case Value::Kind::Dictionary: return "a dictionary";
+        case Value::Kind::Boolean: return tr("a boolean");
+        case Value::Kind::Integer: return tr("an integer");
+        case Value::Kind::Real: return tr("a real");
+        case Value::Kind::String: return tr("a string");
+        case Value::Kind::Date: return tr("a date");
+        case Value::Kind::Data: return tr("data");
+        case Value::Kind::Array: return tr("an array");
+        case Value::Kind::Dictionary: return tr("a dictionary");
     }
-    return "a value";
+    return tr("a value");
 }
 
 namespace {
@@ -109,10 +111,10 @@ std::string suggestion(const std::string& name, const rulekeys::Level& level) {
         }
     }
     if (best && bestDistance <= std::max<std::size_t>(2, name.size() / 4))
-        return "; did you mean " + std::string(best->name) + "?";
+        return trf("; did you mean %s?", best->name);
     for (const rulekeys::Level& other : rulekeys::kLevels)
         if (other.what != level.what && rulekeys::findKey(other.keys, name.c_str()))
-            return "; it is a key of " + std::string(other.what) + ", not of " + level.what;
+            return trf("; it is a key of %s, not of %s", tr(other.what), tr(level.what));
     return "";
 }
 
@@ -123,15 +125,14 @@ std::size_t characterCount(const std::string& s) {
 }
 
 // A text longer than its window shows whole.
-void checkShownLength(const Located& at, const Key& key, Reporter& report) {
-    const std::size_t limit = textlimits::shownLength(key.name);
+void checkShownLength(const Located& at, std::size_t limit, Reporter& report) {
     const std::string* text = at.value->asString();
     if (!limit || !text) return;
     const std::size_t length = characterCount(*text);
     if (length > limit)
-        report.add(Severity::Warning, at, key.name,
-                   "the text is " + std::to_string(length) + " characters long; the window shows " +
-                       std::to_string(limit) + " at ease, and a longer text is cut or scrolled");
+        report.add(Severity::Warning, at, at.key,
+                   trf("the text is %s characters long; the window shows %s at ease, and a longer text is cut or "
+                       "scrolled", std::to_string(length), std::to_string(limit)));
 }
 
 std::string realText(double d) {
@@ -147,25 +148,25 @@ void checkNumber(const Located& at, const Key& key, Reporter& report) {
     const std::string name = key.name;
     if (!read) {
         report.add(Severity::Error, at, name,
-                   "expected a number, found " + kindName(v) + "; the default " + std::to_string(key.fallback) +
-                       " is used");
+                   trf("expected a number, found %s; the default %s is used", kindName(v),
+                       std::to_string(key.fallback)));
         return;
     }
     const std::string readAs = std::to_string(*read);
     if (const std::int64_t* i = v.asInteger(); i && *i != *read) {
         report.add(Severity::Error, at, name,
-                   std::to_string(*i) + " is read as " + readAs + ": a number keeps only its low 32 bits");
+                   trf("%s is read as %s: a number keeps only its low 32 bits", std::to_string(*i), readAs));
         return;
     }
     if (const double* d = v.asReal()) {
         if (std::isnan(*d) || std::fabs(*d) >= 2147483648.0) {
             report.add(Severity::Error, at, name,
-                       realText(*d) + " is read as " + readAs + ": expected a number from -2147483648 to 2147483647");
+                       trf("%s is read as %s: expected a number from -2147483648 to 2147483647", realText(*d), readAs));
             return;
         }
         if (*d != std::trunc(*d))
             report.add(Severity::Warning, at, name,
-                       realText(*d) + " is cut to " + readAs + ": expected a whole number");
+                       trf("%s is cut to %s: expected a whole number", realText(*d), readAs));
     }
     if (const std::string* s = v.asString()) {
         std::size_t a = 0, b = s->size();
@@ -177,25 +178,38 @@ void checkNumber(const Located& at, const Key& key, Reporter& report) {
                                                       [](char c) { return c >= '0' && c <= '9'; });
         if (!whole) {
             report.add(Severity::Warning, at, name,
-                       "the text \"" + *s + "\" is read as " + readAs + ": expected a number");
+                       trf("the text \"%s\" is read as %s: expected a number", *s, readAs));
         } else {
             errno = 0;
             const long long written = std::strtoll(s->c_str() + a, nullptr, 10);
             if (errno == ERANGE || written != *read)
                 report.add(Severity::Error, at, name,
-                           "the text \"" + *s + "\" is read as " + readAs +
-                               ": expected a number from -2147483648 to 2147483647");
+                           trf("the text \"%s\" is read as %s: expected a number from -2147483648 to 2147483647",
+                               *s, readAs));
         }
     }
     if (key.kind == Kind::Byte && (*read < 0 || *read > 255))
         report.add(Severity::Error, at, name,
-                   readAs + " is read as " + std::to_string(static_cast<std::uint32_t>(*read) & 0xFFu) +
-                       ": expected a number from 0 to 255");
+                   trf("%s is read as %s: expected a number from 0 to 255", readAs,
+                       std::to_string(static_cast<std::uint32_t>(*read) & 0xFFu)));
     if (key.kind == Kind::Character && (*read < -128 || *read > 255))
         report.add(Severity::Error, at, name,
-                   readAs + " is read as " +
-                       std::to_string(static_cast<std::int8_t>(static_cast<std::uint32_t>(*read) & 0xFFu)) +
-                       ": expected a character code from 1 to 255");
+                   trf("%s is read as %s: expected a character code from 1 to 255", readAs,
+                       std::to_string(static_cast<std::int8_t>(static_cast<std::uint32_t>(*read) & 0xFFu))));
+}
+
+// GameDescription.TAG: a description in the language TAG, a text like GameDescription itself.
+void checkDescriptionInLanguage(const Located& at, std::string_view language, Reporter& report) {
+    if (!looksLikeLanguageTag(language))
+        report.add(Severity::Warning, at, at.key,
+                   trf("\"%s\" does not look like a language tag, so no player's language picks this "
+                       "description; expected a language such as de, fr, es or pt_BR",
+                       std::string(language)),
+                   true);
+    if (!at.value->isString())
+        report.add(Severity::Error, at, at.key,
+                   trf("expected a string, found %s; the key counts as absent", kindName(*at.value)));
+    checkShownLength(at, textlimits::kGameDescriptionShown, report);
 }
 
 }  // namespace
@@ -206,9 +220,13 @@ void checkKeys(const Located& dict, const rulekeys::Level& level, Reporter& repo
     for (const auto& [name, value] : d->entries()) {
         const Located at = dict.field(name);
         const Key* key = rulekeys::findKey(level.keys, name.c_str());
+        if (const auto language = descriptionLanguage(name); !key && language && level.what == rulekeys::kGameLevel.what) {
+            checkDescriptionInLanguage(at, *language, report);
+            continue;
+        }
         if (!key) {
             report.add(Severity::Warning, at, name,
-                       "not a key of " + std::string(level.what) + ", so it is ignored" + suggestion(name, level),
+                       trf("not a key of %s, so it is ignored", tr(level.what)) + suggestion(name, level),
                        true);
             continue;
         }
@@ -221,19 +239,18 @@ void checkKeys(const Located& dict, const rulekeys::Level& level, Reporter& repo
             case Kind::String:
                 if (!value.isString())
                     report.add(Severity::Error, at, name,
-                               "expected a string, found " + kindName(value) + "; the key counts as absent");
-                checkShownLength(at, *key, report);
+                               trf("expected a string, found %s; the key counts as absent", kindName(value)));
+                checkShownLength(at, textlimits::shownLength(key->name), report);
                 break;
             case Kind::Array:
                 if (!value.isArray())
                     report.add(Severity::Error, at, name,
-                               "expected an array, found " + kindName(value) + "; the key counts as absent");
+                               trf("expected an array, found %s; the key counts as absent", kindName(value)));
                 break;
             case Kind::Dictionary:
                 if (!value.isDictionary())
                     report.add(Severity::Error, at, name,
-                               "expected a dictionary, found " + kindName(value) +
-                                   "; it reads as an empty dictionary");
+                               trf("expected a dictionary, found %s; it reads as an empty dictionary", kindName(value)));
                 break;
         }
     }

@@ -6,6 +6,7 @@
 
 #include "RegularFile.h"
 #include "checker/Located.h"
+#include "core/Translate.h"
 #include "core/PlistFile.h"
 #include "core/Utf8.h"
 
@@ -62,7 +63,7 @@ void addFindings(const std::string& text, bool binary, const PlistFindings& find
     }
     if (findings.count > findings.kept.size()) {
         Problem more;
-        more.message = std::to_string(findings.count - findings.kept.size()) + " more like the errors above";
+        more.message = trf("%s more like the errors above", std::to_string(findings.count - findings.kept.size()));
         report.problems.push_back(std::move(more));
     }
 }
@@ -93,15 +94,15 @@ CheckReport checkRulesText(const std::string& bytes, const std::string& folder) 
     if (const PlistError* error = std::get_if<PlistError>(&parsed)) {
         // The scanner knows the line where the text goes wrong; the reader says what it makes of it.
         if (xmlProblem)
-            report.problems.push_back(fileProblem(xmlProblem->at, "not well formed: " + xmlProblem->message));
+            report.problems.push_back(fileProblem(xmlProblem->at, trf("not well formed: %s", xmlProblem->message)));
         else
             report.problems.push_back(fileProblem(binary ? TextPosition{} : TextPosition{1, 1}, error->reason));
         return report;
     }
     if (xmlProblem)
         report.problems.push_back(fileProblem(xmlProblem->at,
-                                              "not well formed, though the game reads it: " + xmlProblem->message +
-                                                  "; the lines of later findings are unknown",
+                                              trf("not well formed, though the game reads it: %s; the lines of later "
+                                                  "findings are unknown", xmlProblem->message),
                                               Severity::Warning));
     addFindings(bytes, binary, std::get<ReadPropertyList>(parsed).findings, report);
     Value& root = std::get<ReadPropertyList>(parsed).value;
@@ -110,12 +111,12 @@ CheckReport checkRulesText(const std::string& bytes, const std::string& folder) 
     const TextPosition rootAt = index ? index->at(rootNode) : TextPosition{binary ? 0 : 1, 1};
     const Dictionary* games = root.asDictionary();
     if (!games) {
-        report.problems.push_back(fileProblem(rootAt, "the top level is " + kindName(root) +
-                                                          ", expected a dictionary of games; no game is offered"));
+        report.problems.push_back(fileProblem(
+            rootAt, trf("the top level is %s, expected a dictionary of games; no game is offered", kindName(root))));
         return report;
     }
     if (games->empty())
-        report.problems.push_back(fileProblem(rootAt, "the file holds no game; expected a dictionary of games"));
+        report.problems.push_back(fileProblem(rootAt, tr("the file holds no game; expected a dictionary of games")));
     const auto& entries = games->entries();
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const auto& [title, rules] = entries[i];

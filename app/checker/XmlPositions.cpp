@@ -1,5 +1,6 @@
 #include "checker/XmlPositions.h"
 
+#include "core/Translate.h"
 #include "core/Utf8.h"
 
 #include <algorithm>
@@ -107,8 +108,8 @@ private:
     }
     XmlProblem problem(TextPosition where, std::string message) const { return {where, std::move(message)}; }
     static std::string describe(const Frame& f) {
-        return "<" + std::string(f.name) + "> opened at line " + std::to_string(f.at.line) + ", column " +
-               std::to_string(f.at.column);
+        return trf("<%s> opened at line %s, column %s", std::string(f.name), std::to_string(f.at.line),
+                   std::to_string(f.at.column));
     }
     Node newElement(std::size_t offset) {
         out_.elements_.push_back({});
@@ -140,13 +141,13 @@ std::optional<XmlProblem> XmlScanner::readContent(std::string_view name, std::st
             if (at("<![CDATA[")) {
                 const std::size_t start = pos_ + 9;
                 const TextPosition opened = here();
-                if (!skipPast("]]>")) return problem(opened, "a CDATA section is never closed");
+                if (!skipPast("]]>")) return problem(opened, tr("a CDATA section is never closed"));
                 if (out) out->append(t_, start, pos_ - 3 - start);
                 continue;
             }
             if (at("<!--")) {
                 const TextPosition opened = here();
-                if (!skipPast("-->")) return problem(opened, "a comment is never closed");
+                if (!skipPast("-->")) return problem(opened, tr("a comment is never closed"));
                 continue;
             }
             if (at(endTag.c_str())) {
@@ -154,16 +155,16 @@ std::optional<XmlProblem> XmlScanner::readContent(std::string_view name, std::st
                 moveTo(pos_ + endTag.size());
                 while (pos_ < t_.size() && isSpace(t_[pos_])) moveTo(pos_ + 1);
                 if (pos_ >= t_.size() || t_[pos_] != '>')
-                    return problem(where, "the end tag </" + std::string(name) + "> is not closed with '>'");
+                    return problem(where, trf("the end tag </%s> is not closed with '>'", std::string(name)));
                 moveTo(pos_ + 1);
                 return std::nullopt;
             }
-            return problem(here(), "an element inside <" + std::string(name) + ">, which holds only text");
+            return problem(here(), trf("an element inside <%s>, which holds only text", std::string(name)));
         }
         if (c == '&') {
             const std::size_t semi = t_.find(';', pos_);
             if (semi == std::string::npos || semi - pos_ > 12)
-                return problem(here(), "an '&' that starts no character reference");
+                return problem(here(), tr("an '&' that starts no character reference"));
             const std::string ref = t_.substr(pos_ + 1, semi - pos_ - 1);
             std::string resolved;
             if (ref == "lt") resolved = "<";
@@ -176,10 +177,10 @@ std::optional<XmlProblem> XmlScanner::readContent(std::string_view name, std::st
                 const std::string digits = ref.substr(hex ? 2 : 1);
                 if (digits.empty() || digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "0123456789") !=
                                           std::string::npos)
-                    return problem(here(), "the character reference &" + ref + "; is not a number");
+                    return problem(here(), trf("the character reference &%s; is not a number", ref));
                 resolved = utf8(static_cast<char32_t>(std::stoul(digits, nullptr, hex ? 16 : 10) & 0x1FFFFF));
             } else {
-                return problem(here(), "an unknown entity &" + ref + ";");
+                return problem(here(), trf("an unknown entity &%s;", ref));
             }
             if (out) *out += resolved;
             moveTo(semi + 1);
@@ -190,20 +191,20 @@ std::optional<XmlProblem> XmlScanner::readContent(std::string_view name, std::st
         if (out) out->append(t_, pos_, next - pos_);
         moveTo(next);
     }
-    return problem(here(), "the text ends inside <" + std::string(name) + ">");
+    return problem(here(), trf("the text ends inside <%s>", std::string(name)));
 }
 
 std::optional<XmlProblem> XmlScanner::addValue(TextPosition where, Node node) {
     if (stack_.empty()) {
-        if (root_ != XmlPositions::kNone) return problem(where, "a second value after the root value");
+        if (root_ != XmlPositions::kNone) return problem(where, tr("a second value after the root value"));
         root_ = node;
         return std::nullopt;
     }
     Frame& parent = stack_.back();
     if (parent.name == "plist") {
-        if (!parent.items.empty()) return problem(where, "<plist> holds more than one value");
+        if (!parent.items.empty()) return problem(where, tr("<plist> holds more than one value"));
     } else if (parent.name == "dict") {
-        if (!parent.hasKey) return problem(where, "a value without a <key> before it in <dict>");
+        if (!parent.hasKey) return problem(where, tr("a value without a <key> before it in <dict>"));
         XmlPositions::Element& e = out_.elements_[node];
         e.keyOffset = parent.keyOffset;
         // A key written as plain text is found again in the text; one with references is kept.
@@ -217,7 +218,7 @@ std::optional<XmlProblem> XmlScanner::addValue(TextPosition where, Node node) {
         parent.key.clear();
         parent.hasKey = false;
     } else if (parent.name != "array") {
-        return problem(where, "a value inside <" + std::string(parent.name) + ">");
+        return problem(where, trf("a value inside <%s>", std::string(parent.name)));
     }
     parent.items.push_back(node);
     return std::nullopt;
@@ -226,7 +227,7 @@ std::optional<XmlProblem> XmlScanner::addValue(TextPosition where, Node node) {
 std::optional<XmlProblem> XmlScanner::openElement(TextPosition where, std::size_t offset, std::string_view name,
                                                   bool empty) {
     if (name == "plist") {
-        if (!stack_.empty() || root_ != XmlPositions::kNone) return problem(where, "<plist> inside another element");
+        if (!stack_.empty() || root_ != XmlPositions::kNone) return problem(where, tr("<plist> inside another element"));
         if (!empty) {
             stack_.push_back(Frame{});
             stack_.back().name = name;
@@ -235,9 +236,9 @@ std::optional<XmlProblem> XmlScanner::openElement(TextPosition where, std::size_
         return std::nullopt;
     }
     if (name == "key") {
-        if (stack_.empty() || stack_.back().name != "dict") return problem(where, "<key> outside a <dict>");
+        if (stack_.empty() || stack_.back().name != "dict") return problem(where, tr("<key> outside a <dict>"));
         if (stack_.back().hasKey)
-            return problem(where, "two keys in a row in <dict>: the key \"" + stack_.back().key + "\" has no value");
+            return problem(where, trf("two keys in a row in <dict>: the key \"%s\" has no value", stack_.back().key));
         const std::size_t keyBegin = pos_;
         std::string key;
         if (!empty)
@@ -249,12 +250,12 @@ std::optional<XmlProblem> XmlScanner::openElement(TextPosition where, std::size_
         dict.keyBegin = static_cast<std::uint32_t>(empty ? offset : keyBegin);
         return std::nullopt;
     }
-    if (!isValueElement(name)) return problem(where, "an unknown element <" + std::string(name) + ">");
+    if (!isValueElement(name)) return problem(where, trf("an unknown element <%s>", std::string(name)));
     const Node node = newElement(offset);
     if (name == "dict" || name == "array") {
         if (empty) return addValue(where, node);
         if (static_cast<int>(stack_.size()) > kMaxXmlDepth)
-            return problem(where, "nested more than " + std::to_string(kMaxXmlDepth) + " levels deep");
+            return problem(where, trf("nested more than %s levels deep", std::to_string(kMaxXmlDepth)));
         stack_.push_back(Frame{});
         stack_.back().name = name;
         stack_.back().node = node;
@@ -266,22 +267,22 @@ std::optional<XmlProblem> XmlScanner::openElement(TextPosition where, std::size_
         std::string content;
         if (auto p = readContent(name, flag ? &content : nullptr)) return p;
         if (flag && content.find_first_not_of(" \t\r\n") != std::string::npos)
-            return problem(where, "<" + std::string(name) + "> holds text");
+            return problem(where, trf("<%s> holds text", std::string(name)));
     }
     return addValue(where, node);
 }
 
 std::optional<XmlProblem> XmlScanner::closeElement(TextPosition where, std::string_view name) {
-    if (stack_.empty()) return problem(where, "the end tag </" + std::string(name) + "> closes nothing");
+    if (stack_.empty()) return problem(where, trf("the end tag </%s> closes nothing", std::string(name)));
     if (stack_.back().name != name)
-        return problem(where, "the end tag </" + std::string(name) + "> where </" + std::string(stack_.back().name) +
-                                  "> closes " + describe(stack_.back()));
+        return problem(where, trf("the end tag </%s> where </%s> closes %s", std::string(name),
+                                  std::string(stack_.back().name), describe(stack_.back())));
     Frame frame = std::move(stack_.back());
     stack_.pop_back();
     if (frame.hasKey)
-        return problem(out_.positionOf(frame.keyOffset), "the key \"" + frame.key + "\" has no value before </dict>");
+        return problem(out_.positionOf(frame.keyOffset), trf("the key \"%s\" has no value before </dict>", frame.key));
     if (frame.name == "plist") {
-        if (frame.items.empty()) return problem(where, "<plist> holds no value");
+        if (frame.items.empty()) return problem(where, tr("<plist> holds no value"));
         root_ = frame.items.front();
         return std::nullopt;
     }
@@ -303,17 +304,17 @@ std::variant<XmlPositions, XmlProblem> XmlScanner::run() {
         }
         const TextPosition where = here();
         const std::size_t offset = pos_;
-        if (c != '<') return problem(where, "text where an element is expected");
+        if (c != '<') return problem(where, tr("text where an element is expected"));
         if (at("<?")) {
-            if (!skipPast("?>")) return problem(where, "a processing instruction is never closed");
+            if (!skipPast("?>")) return problem(where, tr("a processing instruction is never closed"));
             continue;
         }
         if (at("<!--")) {
-            if (!skipPast("-->")) return problem(where, "a comment is never closed");
+            if (!skipPast("-->")) return problem(where, tr("a comment is never closed"));
             continue;
         }
         if (at("<!")) {
-            if (!skipPast(">")) return problem(where, "a declaration is never closed");
+            if (!skipPast(">")) return problem(where, tr("a declaration is never closed"));
             continue;
         }
         const bool closing = at("</");
@@ -322,7 +323,7 @@ std::variant<XmlPositions, XmlProblem> XmlScanner::run() {
         while (pos_ < t_.size() && !isSpace(t_[pos_]) && t_[pos_] != '>' && t_[pos_] != '/' && t_[pos_] != '<')
             moveTo(pos_ + 1);
         const std::string_view name = std::string_view(t_).substr(nameStart, pos_ - nameStart);
-        if (name.empty()) return problem(where, "a '<' that starts no element");
+        if (name.empty()) return problem(where, tr("a '<' that starts no element"));
         // Attributes are skipped; a quoted value may hold '>'.
         char quote = 0;
         while (pos_ < t_.size() && (quote || (t_[pos_] != '>' && t_[pos_] != '<'))) {
@@ -331,14 +332,14 @@ std::variant<XmlPositions, XmlProblem> XmlScanner::run() {
             moveTo(pos_ + 1);
         }
         if (pos_ >= t_.size() || t_[pos_] != '>')
-            return problem(where, "the tag <" + std::string(name) + " is not closed with '>'");
+            return problem(where, trf("the tag <%s is not closed with '>'", std::string(name)));
         const bool empty = t_[pos_ - 1] == '/';
         moveTo(pos_ + 1);
         std::optional<XmlProblem> p = closing ? closeElement(where, name) : openElement(where, offset, name, empty);
         if (p) return *p;
     }
-    if (!stack_.empty()) return problem(here(), "the text ends before the end tag of " + describe(stack_.back()));
-    if (root_ == XmlPositions::kNone) return problem(here(), "no property-list value in the text");
+    if (!stack_.empty()) return problem(here(), trf("the text ends before the end tag of %s", describe(stack_.back())));
+    if (root_ == XmlPositions::kNone) return problem(here(), tr("no property-list value in the text"));
     // Values are numbered as they open, so the root value is the first.
     return std::move(out_);
 }

@@ -10,6 +10,7 @@
 #include "desktop/TolvarAppDelegate.h"
 #include "core/CommandLine.h"
 #include "engine/BoardNumbers.h"
+#include "core/Translate.h"
 
 namespace {
 
@@ -36,6 +37,8 @@ int usage(const std::string& why) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // The program's texts in the player's language, and dates on the score screen in its form.
+    tolvar::startInPlayersLanguage();
     if (tolvar::answerHelpOrVersion(argc, argv, "tolvar", kHelp)) return 0;
     std::string rulesFile, gameTitle, boardText;
     for (int i = 1; i < argc; ++i) {
@@ -57,9 +60,6 @@ int main(int argc, char** argv) {
     }
     // Diagnostic lines reach a pipe or a log as they are printed.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
-    // Dates on the score screen follow the player's locale.
-    std::setlocale(LC_ALL, "");
-    std::setlocale(LC_NUMERIC, "C");
     if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_EVENTS) != 0) {
         std::fprintf(stderr, "tolvar: cannot start the display: %s\n", SDL_GetError());
         return 1;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 
+#include "core/Translate.h"
 #include "rules/GameInfo.h"
 
 namespace tolvar::rulekeys {
@@ -135,12 +136,13 @@ struct Level {
     const char* what;  // "a game", "an event", ...
     std::span<const Key> keys;
 };
-inline constexpr Level kGameLevel{"a game", kGameKeys};
-inline constexpr Level kEventLevel{"an event", kEventKeys};
-inline constexpr Level kActionLevel{"an action", kActionKeys};
-inline constexpr Level kUserEventLevel{"a user event", kUserEventKeys};
-inline constexpr Level kCompletionLevel{"a completion criterion", kCompletionKeys};
-inline constexpr Level kVariableLevel{"a variable", kVariableKeys};
+// The names are marked for the catalogue; the checker shows them in the player's language.
+inline constexpr Level kGameLevel{N_("a game"), kGameKeys};
+inline constexpr Level kEventLevel{N_("an event"), kEventKeys};
+inline constexpr Level kActionLevel{N_("an action"), kActionKeys};
+inline constexpr Level kUserEventLevel{N_("a user event"), kUserEventKeys};
+inline constexpr Level kCompletionLevel{N_("a completion criterion"), kCompletionKeys};
+inline constexpr Level kVariableLevel{N_("a variable"), kVariableKeys};
 inline constexpr Level kLevels[] = {kGameLevel,      kEventLevel,      kActionLevel,
                                     kUserEventLevel, kCompletionLevel, kVariableLevel};
 

@@ -1,27 +1,31 @@
 // dxf-info FILE: reads a model as the game does and lists its vertex count, its box and every
 // face with the normal the reader gave it, so a model author can check a file before use.
 #include <cstdio>
+#include <string>
 
 #include "3DSpriteLib.h"
 #include "DXFtoSprite.h"
 #include "core/CommandLine.h"
+#include "core/Translate.h"
 
 namespace {
 
-constexpr const char* kHelp =
-    "usage: dxf-info FILE\n"
+constexpr const char* kUsage = N_("usage: dxf-info FILE\n");
+constexpr const char* kHelp = N_(
     "Reads the model FILE as the game does and lists its vertex count, its box and every\n"
     "face with its normal.\n"
     "\n"
     "  --help     show this help and exit\n"
-    "  --version  show the version and exit\n";
+    "  --version  show the version and exit\n");
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (tolvar::answerHelpOrVersion(argc, argv, "dxf-info", kHelp)) return 0;
+    tolvar::startInPlayersLanguage();
+    const std::string help = std::string(tolvar::tr(kUsage)) + tolvar::tr(kHelp);
+    if (tolvar::answerHelpOrVersion(argc, argv, "dxf-info", help)) return 0;
     if (argc != 2) {
-        fprintf(stderr, "usage: dxf-info FILE\n");
+        fputs(tolvar::tr(kUsage), stderr);
         return 2;
     }
     SpritePtr sprite = readDXFintoSprite(argv[1]);

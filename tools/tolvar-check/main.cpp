@@ -9,10 +9,11 @@
 
 #include "checker/RulesChecker.h"
 #include "core/CommandLine.h"
+#include "core/Translate.h"
 
 namespace {
 
-constexpr const char* kUsage =
+constexpr const char* kUsage = N_(
     "usage: tolvar-check [--json] FILE...\n"
     "Checks rules files and reports each problem as FILE:LINE:COLUMN: error|warning: GAME: KEY: message\n"
     "(a binary property list gives the path of keys instead of the line and column).\n"
@@ -20,12 +21,14 @@ constexpr const char* kUsage =
     "             \"path\", \"game\", \"key\", \"message\"}]}\n"
     "  --help     this text\n"
     "  --version  the version\n"
-    "Exit status: 1 when a file has an error, 0 otherwise (warnings alone pass), 2 for a wrong command line.\n";
+    "Exit status: 1 when a file has an error, 0 otherwise (warnings alone pass), 2 for a wrong command line.\n");
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar-check", kUsage)) return 0;
+    tolvar::startInPlayersLanguage();
+    const char* usage = tolvar::tr(kUsage);
+    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar-check", usage)) return 0;
     bool json = false;
     std::vector<std::string> files;
     bool optionsDone = false;
@@ -36,14 +39,14 @@ int main(int argc, char** argv) {
         } else if (!optionsDone && arg == "--json") {
             json = true;
         } else if (!optionsDone && arg.size() > 1 && arg[0] == '-') {
-            std::fprintf(stderr, "tolvar-check: unknown option %s\n%s", arg.c_str(), kUsage);
+            std::fprintf(stderr, "tolvar-check: %s\n%s", tolvar::trf("unknown option %s", arg).c_str(), usage);
             return 2;
         } else {
             files.push_back(arg);
         }
     }
     if (files.empty()) {
-        std::fprintf(stderr, "tolvar-check: no file given\n%s", kUsage);
+        std::fprintf(stderr, "tolvar-check: %s\n%s", tolvar::tr("no file given"), usage);
         return 2;
     }
     bool errors = false;

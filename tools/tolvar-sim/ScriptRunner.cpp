@@ -10,6 +10,7 @@
 
 #include "core/DataFolder.h"
 #include "engine/BoardNumbers.h"
+#include "core/Translate.h"
 #include "core/PlistFile.h"
 #include "engine/GameLimits.h"
 #include "rules/RulesDict.h"
@@ -95,7 +96,8 @@ bool keyFor(const std::string& name, std::uint16_t& code, std::string& character
 }  // namespace
 
 const char* ScriptRunner::commandHelp() {
-    return "  select TITLE       choose the game titled TITLE in the game menu\n"
+    return N_(
+           "  select TITLE       choose the game titled TITLE in the game menu\n"
            "  start              start the chosen game (Start in the main window) on a board whose\n"
            "                     number is picked from the --seed\n"
            "  board N            start the chosen game on board number N (the same N, the same board)\n"
@@ -129,7 +131,7 @@ const char* ScriptRunner::commandHelp() {
            "  board              the game's own colour dump: one line per column, bottom first\n"
            "  dump               every cell: column, row, piece number, colour, shape, selection\n"
            "  state              score, multiplier, started, paused and the board's number\n"
-           "  # ...              a comment\n";
+           "  # ...              a comment\n");
 }
 
 ScriptRunner::ScriptRunner(GameLibrary& library, ActionsMenu& menu, std::uint32_t seed)

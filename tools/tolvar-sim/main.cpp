@@ -21,15 +21,16 @@
 #include "ScriptRunner.h"
 #include "engine/RandomSequence.h"
 #include "core/CommandLine.h"
+#include "core/Translate.h"
 
 namespace {
 
-constexpr const char* kUsage =
+constexpr const char* kUsage = N_(
     "usage: tolvar-sim [--seed N] [--rules FILE] [SCRIPT]\n"
     "       tolvar-sim --autoplay N --game NAME [--player random|greedy] [--jobs J] [--csv FILE]\n"
-    "                  [--seed N] [--rules FILE]\n";
+    "                  [--seed N] [--rules FILE]\n");
 
-constexpr const char* kOptions =
+constexpr const char* kOptions = N_(
     "Plays the game engine without windows from a script of commands (standard input when no SCRIPT\n"
     "is given) and prints the engine's diagnostic lines.\n\n"
     "options:\n"
@@ -46,10 +47,10 @@ constexpr const char* kOptions =
     "  --csv FILE     also writes one line per game: game, seed, score, moves, ended, cleared\n"
     "  --help         this text\n"
     "  --version      the version\n\n"
-    "script commands:\n";
+    "script commands:\n");
 
 int usage(const std::string& why) {
-    std::fprintf(stderr, "tolvar-sim: %s\n%s", why.c_str(), kUsage);
+    std::fprintf(stderr, "tolvar-sim: %s\n%s", why.c_str(), tolvar::tr(kUsage));
     return 2;
 }
 
@@ -76,46 +77,46 @@ std::string parseCommandLine(int argc, char** argv, CommandLine& line) {
         auto value = [&]() -> const char* { return ++i < argc ? argv[i] : nullptr; };
         if (arg == "--seed") {
             const char* v = value();
-            if (!v || !parseNumber(v, line.seed)) return "--seed needs a number";
+            if (!v || !parseNumber(v, line.seed)) return tolvar::tr("--seed needs a number");
             line.seeded = true;
         } else if (arg == "--rules") {
             const char* v = value();
-            if (!v) return "--rules needs a file";
+            if (!v) return tolvar::tr("--rules needs a file");
             line.rulesFile = v;
         } else if (arg == "--autoplay") {
             const char* v = value();
             if (!v || !parseNumber(v, line.bench.games) || line.bench.games == 0)
-                return "--autoplay needs a number of games";
+                return tolvar::tr("--autoplay needs a number of games");
             line.autoplay = true;
         } else if (arg == "--game") {
             const char* v = value();
-            if (!v) return "--game needs a title";
+            if (!v) return tolvar::tr("--game needs a title");
             line.bench.title = v;
         } else if (arg == "--player") {
             const char* v = value();
             const std::string player = v ? v : "";
-            if (player != "random" && player != "greedy") return "--player needs random or greedy";
+            if (player != "random" && player != "greedy") return tolvar::tr("--player needs random or greedy");
             line.bench.player = player == "greedy" ? tolvar::sim::Player::Greedy : tolvar::sim::Player::Random;
         } else if (arg == "--jobs") {
             const char* v = value();
-            if (!v || !parseNumber(v, jobs) || jobs == 0 || jobs > 256) return "--jobs needs a number from 1 to 256";
+            if (!v || !parseNumber(v, jobs) || jobs == 0 || jobs > 256) return tolvar::tr("--jobs needs a number from 1 to 256");
             line.bench.jobs = static_cast<unsigned>(jobs);
         } else if (arg == "--csv") {
             const char* v = value();
-            if (!v) return "--csv needs a file";
+            if (!v) return tolvar::tr("--csv needs a file");
             line.bench.csvFile = v;
         } else if (arg.size() > 1 && arg[0] == '-') {
-            return "unknown option " + arg;
+            return tolvar::trf("unknown option %s", arg);
         } else if (line.scriptFile.empty()) {
             line.scriptFile = arg;
         } else {
-            return "only one script may be given";
+            return tolvar::tr("only one script may be given");
         }
     }
-    if (line.autoplay && line.bench.title.empty()) return "--autoplay needs --game NAME";
-    if (line.autoplay && !line.scriptFile.empty()) return "--autoplay plays no script";
+    if (line.autoplay && line.bench.title.empty()) return tolvar::tr("--autoplay needs --game NAME");
+    if (line.autoplay && !line.scriptFile.empty()) return tolvar::tr("--autoplay plays no script");
     if (!line.autoplay && (!line.bench.title.empty() || !line.bench.csvFile.empty() || jobs != 1))
-        return "--game, --player, --jobs and --csv go with --autoplay";
+        return tolvar::tr("--game, --player, --jobs and --csv go with --autoplay");
     return {};
 }
 
@@ -126,7 +127,9 @@ int main(int argc, char** argv) {
     // when both go to one pipe.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
 
-    const std::string help = std::string(kUsage) + "\n" + kOptions + tolvar::sim::ScriptRunner::commandHelp();
+    tolvar::startInPlayersLanguage();
+    const std::string help = std::string(tolvar::tr(kUsage)) + "\n" + tolvar::tr(kOptions) +
+                             tolvar::tr(tolvar::sim::ScriptRunner::commandHelp());
     if (tolvar::answerHelpOrVersion(argc, argv, "tolvar-sim", help)) return 0;
 
     CommandLine line;
@@ -151,7 +154,7 @@ int main(int argc, char** argv) {
     if (!line.rulesFile.empty()) {
         if (!library.loadRulesFromFile(line.rulesFile)) {
             std::fflush(stdout);
-            std::fprintf(stderr, "tolvar-sim: the rules file %s cannot be read\n", line.rulesFile.c_str());
+            std::fprintf(stderr, "tolvar-sim: %s\n", tolvar::trf("the rules file %s cannot be read", line.rulesFile).c_str());
             return 2;
         }
     } else {
@@ -165,7 +168,8 @@ int main(int argc, char** argv) {
         const auto& titles = library.gameMenu();
         if (std::find(titles.begin() + 1, titles.end(), line.bench.title) == titles.end()) {
             std::fflush(stdout);
-            std::fprintf(stderr, "tolvar-sim: no game titled \"%s\" in the game menu\n", line.bench.title.c_str());
+            std::fprintf(stderr, "tolvar-sim: %s\n",
+                         tolvar::trf("no game titled \"%s\" in the game menu", line.bench.title).c_str());
             return 2;
         }
         library.selectGame(line.bench.title);
@@ -180,15 +184,17 @@ int main(int argc, char** argv) {
         auto opened = tolvar::openRegularFile(line.scriptFile);
         if (auto* refusal = std::get_if<tolvar::ReadRefusal>(&opened)) {
             std::fflush(stdout);
-            std::fprintf(stderr, "tolvar-sim: cannot open the script %s: %s\n",
-                         tolvar::shownPath(line.scriptFile).c_str(), refusal->reason.c_str());
+            std::fprintf(stderr, "tolvar-sim: %s\n",
+                         tolvar::trf("cannot open the script %s: %s", tolvar::shownPath(line.scriptFile),
+                                     refusal->reason).c_str());
             return 2;
         }
         in = fdopen(std::get<tolvar::FileDescriptor>(opened).fd, "r");
         if (!in) {
             std::fflush(stdout);
-            std::fprintf(stderr, "tolvar-sim: cannot open the script %s: %s\n",
-                         tolvar::shownPath(line.scriptFile).c_str(), std::strerror(errno));
+            std::fprintf(stderr, "tolvar-sim: %s\n",
+                         tolvar::trf("cannot open the script %s: %s", tolvar::shownPath(line.scriptFile),
+                                     std::strerror(errno)).c_str());
             return 2;
         }
         std::get<tolvar::FileDescriptor>(opened).release();
