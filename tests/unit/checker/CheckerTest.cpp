@@ -98,6 +98,18 @@ const Finding kFindings[] = {
     // Texts longer than the windows show at ease.
     {"long name", {{6, "<key>GameName</key><string>" + std::string(61, 'N') + "</string>"}}, 6, "<string>", "GameName",
      Severity::Warning, "the text is 61 characters long; the window shows 60 at ease"},
+    // Descriptions in a language: a text, under a tag that looks like a language.
+    {"description in a language as a number", {{6, "<key>GameDescription.de</key><integer>3</integer>"}}, 6, "<integer>",
+     "GameDescription.de", Severity::Error, "expected a string, found an integer; the key counts as absent"},
+    {"description under a word", {{6, "<key>GameDescription.deutsch</key><string>Spiel</string>"}}, 6,
+     "<key>GameDescription.deutsch", "GameDescription.deutsch", Severity::Warning,
+     "\"deutsch\" does not look like a language tag"},
+    {"description under no tag", {{6, "<key>GameDescription.</key><string>x</string>"}}, 6, "<key>GameDescription.",
+     "GameDescription.", Severity::Warning, "\"\" does not look like a language tag"},
+    {"long description in a language", {{6, "<key>GameDescription.fr</key><string>" + std::string(4001, 'd') + "</string>"}},
+     6, "<string>", "GameDescription.fr", Severity::Warning, "the text is 4001 characters long; the window shows 4000"},
+    {"language tag on another level", {{11, "<dict><key>EventType</key><integer>8</integer><key>GameDescription.de</key><string>x</string></dict>"}},
+     11, "<key>GameDescription.de", "GameDescription.de", Severity::Warning, "not a key of an event, so it is ignored"},
     {"long alert", {{11, "<dict><key>EventType</key><integer>8</integer><key>ActionList</key><array><dict><key>ActionType</key><integer>21</integer><key>Message</key><string>" + std::string(1001, 'm') + "</string></dict></array></dict>"}},
      11, "<string>", "Message", Severity::Warning, "the text is 1001 characters long; the window shows 1000 at ease"},
     // Types the engine does not know.
@@ -171,6 +183,11 @@ INSTANTIATE_TEST_SUITE_P(EveryKind, CheckerFindings, ::testing::ValuesIn(kFindin
 
 TEST(CheckerClean, TheCleanGameAndTheBuiltInGamesHaveNoProblem) {
     EXPECT_TRUE(checkRulesText(join(cleanFile())).problems.empty()) << describe(checkRulesText(join(cleanFile())).problems);
+    // Descriptions in languages with and without a territory, in either spelling.
+    std::vector<std::string> described = cleanFile();
+    described[5] += "<key>GameDescription.de</key><string>Ein Spiel</string><key>GameDescription.pt-BR</key>"
+                    "<string>Um jogo</string><key>GameDescription.zh_Hant</key><string>x</string>";
+    EXPECT_TRUE(checkRulesText(join(described)).problems.empty()) << describe(checkRulesText(join(described)).problems);
     for (const Value& game : {createTestGameOne(), createTestGameTwo(), createTestGameThree()}) {
         Dictionary file;
         file.set("Game", game);
