@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "RegularFile.h"
+#include "core/Translate.h"
 #include "checker/RulesChecker.h"
 #include "rules/SoundNames.h"
 
@@ -37,15 +38,19 @@ bool isSoundFile(const std::string& bytes) {
 std::string soundProblem(const std::string& sound, const std::string& folder) {
     if (isGameSound(sound)) return {};
     const std::string named = "\"" + shownPath(sound) + "\"";
-    const std::string expected = "expected one of the game's sounds (" + gameSoundsText() + ") or a sound file beside the rules file";
+    const std::string expected =
+        trf("expected one of the game's sounds (%s) or a sound file beside the rules file", gameSoundsText());
     if (sound.empty() || sound.find('/') != std::string::npos || sound == "." || sound == "..")
-        return named + " is not a file name; " + expected;
+        return trf("%s is not a file name; %s", named, expected);
     const auto read = readRegularFile(folder.empty() ? sound : folder + "/" + sound, kMaxSoundFileBytes);
     if (const ReadRefusal* refused = std::get_if<ReadRefusal>(&read))
-        return named + " is no sound of the game, and as a file beside the rules file it " +
-               (refused->reason == "no such file" ? std::string("is not there") : refused->reason) + "; " + expected;
+        return refused->reason == "no such file"
+                   ? trf("%s is no sound of the game, and as a file beside the rules file it is not there; %s", named,
+                         expected)
+                   : trf("%s is no sound of the game, and as a file beside the rules file it %s; %s", named,
+                         refused->reason, expected);
     if (!isSoundFile(std::get<std::string>(read)))
-        return named + " beside the rules file is not a sound file; expected WAV, Ogg Vorbis, FLAC or MP3";
+        return trf("%s beside the rules file is not a sound file; expected WAV, Ogg Vorbis, FLAC or MP3", named);
     return {};
 }
 
