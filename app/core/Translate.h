@@ -2,7 +2,7 @@
 // domain "tolvar" (po/). The game's own texts (transcripts, diagnostics, what a rules file says)
 // are never translated.
 //
-// tr("text") gives the translation of a text; N_("text") marks a text of a static table for the
+// tr("text") gives the translation of a text; trn("one", "many", n) the form for a number n; N_("text") marks a text of a static table for the
 // catalogue, translated where it is shown with tr(); trf("... %s ...", args) translates a pattern
 // and fills its %s in with texts, as printf does (a translation may reorder them with %1$s, %2$s).
 // Numbers go in as texts (std::to_string): a pattern has no other conversion than %s, so no
@@ -21,6 +21,11 @@ namespace tolvar {
 inline constexpr const char* kTextDomain = "tolvar";
 
 inline const char* tr(const char* text) { return dgettext(kTextDomain, text); }
+
+// The form of a word that goes with the number n in the player's language ("1 point", "2 points").
+inline const char* trn(const char* singular, const char* plural, unsigned long n) {
+    return dngettext(kTextDomain, singular, plural, n);
+}
 
 namespace detail {
 inline const char* printfArgument(const std::string& text) { return text.c_str(); }

@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "core/BestScoresFile.h"
+#include "core/Translate.h"
 #include "core/PlistFile.h"
 #include "core/ScoreStore.h"
 #include "presentation/ScoreText.h"
@@ -55,7 +56,7 @@ BestScoresListing listBestScores(const Value& games, const std::vector<std::stri
     BestScoresListing listing;
     const Dictionary* tables = games.asDictionary();
     if (!tables) {
-        listing.problem = "not a dictionary of games";
+        listing.problem = tr("not a dictionary of games");
         return listing;
     }
     std::vector<BestScoreGroup> known(gameNames.size());
@@ -100,7 +101,7 @@ BestScoresListing readBestScores(const std::string& path, const std::vector<std:
     const auto* error = std::get_if<PlistError>(&read);
     BestScoresListing listing = error ? BestScoresListing{{}, false, error->reason, {}} : listBestScores(std::get<Value>(read), gameNames);
     if (!listing.problem.empty())
-        listing.problem = "The best scores cannot be read from " + path + ": " + listing.problem + ".";
+        listing.problem = trf("The best scores cannot be read from %s: %s.", path, listing.problem);
     return listing;
 }
 

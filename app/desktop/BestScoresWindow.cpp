@@ -2,6 +2,7 @@
 
 #include <imgui.h>
 
+#include "core/Translate.h"
 #include "desktop/DisplayScale.h"
 #include "rules/ShownText.h"
 
@@ -17,7 +18,7 @@ constexpr float kCloseButtonWidth = 120.0f;
 }  // namespace
 
 BestScoresWindow::BestScoresWindow(const std::string& fontFile, float fontPixels)
-    : surface_("Best Scores - Tolvar", 660, 80, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI | SDL_WINDOW_RESIZABLE,
+    : surface_(tr("Best Scores - Tolvar"), 660, 80, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI | SDL_WINDOW_RESIZABLE,
                fontFile, fontPixels, displayScale()) {}
 
 void BestScoresWindow::open(const std::string& path, std::vector<std::string> gameNames) {
@@ -40,14 +41,14 @@ bool BestScoresWindow::reloadWhenChanged() {
 
 void BestScoresWindow::drawTable(const BestScoreTable& table) {
     if (table.rows.empty()) {
-        ImGui::TextDisabled("No scores yet.");
+        ImGui::TextDisabled("%s", tr("No scores yet."));
         return;
     }
     const ImGuiTableFlags flags = ImGuiTableFlags_RowBg | ImGuiTableFlags_BordersInnerH | ImGuiTableFlags_SizingFixedFit;
     if (!ImGui::BeginTable(("##" + table.name).c_str(), 4, flags)) return;
-    ImGui::TableSetupColumn("Rank", ImGuiTableColumnFlags_WidthFixed, kRankColumnWidth * surface_.scale());
-    ImGui::TableSetupColumn("Score", ImGuiTableColumnFlags_WidthFixed, kScoreColumnWidth * surface_.scale());
-    ImGui::TableSetupColumn("Date", ImGuiTableColumnFlags_WidthStretch);
+    ImGui::TableSetupColumn(tr("Rank"), ImGuiTableColumnFlags_WidthFixed, kRankColumnWidth * surface_.scale());
+    ImGui::TableSetupColumn(tr("Score"), ImGuiTableColumnFlags_WidthFixed, kScoreColumnWidth * surface_.scale());
+    ImGui::TableSetupColumn(tr("Date"), ImGuiTableColumnFlags_WidthStretch);
     ImGui::TableSetupColumn("", ImGuiTableColumnFlags_WidthFixed, kNewestColumnWidth * surface_.scale());
     ImGui::TableHeadersRow();
     for (const BestScoreRow& row : table.rows) {
@@ -61,7 +62,7 @@ void BestScoresWindow::drawTable(const BestScoreTable& table) {
         ImGui::TextUnformatted(row.date.empty() ? "\xE2\x80\x94" : row.date.c_str());
         ImGui::TableNextColumn();
         if (row.newest) {
-            ImGui::TextUnformatted("newest");
+            ImGui::TextUnformatted(tr("newest"));
             ImGui::PopStyleColor();
         }
     }
@@ -82,11 +83,13 @@ bool BestScoresWindow::draw() {
     ImGui::PushTextWrapPos(0.0f);
     if (!listing_.problem.empty()) ImGui::TextColored(kProblemColour, "%s", listing_.problem.c_str());
     else if (listing_.noFile)
-        ImGui::TextUnformatted(("No best scores yet: a game's scores are kept in " + path_ + " once it ends.").c_str());
-    else if (listing_.groups.empty()) ImGui::TextUnformatted(("No best scores yet in " + path_ + ".").c_str());
+        ImGui::TextUnformatted(trf("No best scores yet: a game's scores are kept in %s once it ends.", path_).c_str());
+    else if (listing_.groups.empty()) ImGui::TextUnformatted(trf("No best scores yet in %s.", path_).c_str());
     for (const std::string& name : listing_.unreadableTables)
-        ImGui::TextColored(kProblemColour, "The table \"%s\" is not a list of scores; it is left out.",
-                           shownLine(name, kShownNameCharacters).c_str());
+        ImGui::TextColored(kProblemColour, "%s",
+                           trf("The table \"%s\" is not a list of scores; it is left out.",
+                               shownLine(name, kShownNameCharacters))
+                               .c_str());
     ImGui::PopTextWrapPos();
     for (const BestScoreGroup& group : listing_.groups) {
         if (bold) ImGui::PushFont(bold);
@@ -103,7 +106,7 @@ bool BestScoresWindow::draw() {
     ImGui::EndChild();
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());
     ImGui::SetCursorPosX(ImGui::GetWindowContentRegionMax().x - kCloseButtonWidth * surface_.scale());
-    if (ImGui::Button("Close", ImVec2(kCloseButtonWidth * surface_.scale(), 0))) keepOpen = false;
+    if (ImGui::Button(tr("Close"), ImVec2(kCloseButtonWidth * surface_.scale(), 0))) keepOpen = false;
     ImGui::End();
     surface_.endFrame();
     return keepOpen;

@@ -2,12 +2,13 @@
 
 #include <imgui.h>
 
+#include "core/Translate.h"
 #include "engine/BoardNumbers.h"
 
 namespace tolvar {
 
 namespace {
-constexpr const char* kDialogId = "Play Board Number";
+constexpr const char* kDialogId = "###boardnumber";  // the title is the player's language's
 constexpr float kButtonWidth = 100.0f;
 constexpr float kFieldWidth = 220.0f;
 const ImVec4 kRefusalColour(0.75f, 0.0f, 0.0f, 1.0f);
@@ -22,17 +23,18 @@ void BoardNumberDialog::open() {
 std::optional<std::uint32_t> BoardNumberDialog::draw() {
     if (!open_) return std::nullopt;
     if (opening_) ImGui::OpenPopup(kDialogId);
+    const std::string title = std::string(tr("Play Board Number")) + kDialogId;
     const ImGuiIO& io = ImGui::GetIO();
     ImGui::SetNextWindowPos(ImVec2(io.DisplaySize.x / 2, io.DisplaySize.y / 2), ImGuiCond_Always, ImVec2(0.5f, 0.5f));
     const ImGuiWindowFlags flags =
         ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings;
-    if (!ImGui::BeginPopupModal(kDialogId, nullptr, flags)) {
+    if (!ImGui::BeginPopupModal(title.c_str(), nullptr, flags)) {
         open_ = opening_;
         return std::nullopt;
     }
-    ImGui::TextUnformatted("The same number deals the same board.");
+    ImGui::TextUnformatted(tr("The same number deals the same board."));
     ImGui::AlignTextToFramePadding();
-    ImGui::TextUnformatted("Board number");
+    ImGui::TextUnformatted(tr("Board number"));
     ImGui::SameLine();
     if (focusField_) ImGui::SetKeyboardFocusHere();
     opening_ = focusField_ = false;
@@ -44,9 +46,9 @@ std::optional<std::uint32_t> BoardNumberDialog::draw() {
         ImGui::PopTextWrapPos();
     }
     ImGui::Spacing();
-    play |= ImGui::Button("Play", ImVec2(kButtonWidth, 0));
+    play |= ImGui::Button(tr("Play"), ImVec2(kButtonWidth, 0));
     ImGui::SameLine();
-    const bool cancel = ImGui::Button("Cancel", ImVec2(kButtonWidth, 0)) || ImGui::IsKeyPressed(ImGuiKey_Escape);
+    const bool cancel = ImGui::Button(tr("Cancel"), ImVec2(kButtonWidth, 0)) || ImGui::IsKeyPressed(ImGuiKey_Escape);
     std::optional<std::uint32_t> chosen;
     if (play) {
         chosen = parseBoardNumber(text_.data(), &refusal_);

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "desktop/TolvarAppDelegate.h"
+#include "core/Translate.h"
 #include "presentation/ScoreText.h"
 
 namespace tolvar {
@@ -27,7 +28,7 @@ const Value* TolvarAppDelegate::rulesOf(const std::string& title) const {
 void TolvarAppDelegate::readSavedGame() {
     const SavedGames read = savedGames_.read();
     if (!read.unreadable.empty()) {
-        continueNote_ = "The saved games in " + savedGames_.path() + " cannot be read: " + read.unreadable + ".";
+        continueNote_ = trf("The saved games in %s cannot be read: %s.", savedGames_.path(), read.unreadable);
         std::fprintf(stderr, "%s: cannot be read (%s); no saved game is offered\n", savedGames_.path().c_str(),
                      read.unreadable.c_str());
     }
@@ -69,15 +70,18 @@ bool TolvarAppDelegate::canContinue() const {
 std::string TolvarAppDelegate::continueText() const {
     const ContinueOffer offer = continueOffer();
     // " (board 123456)" when the board has a number (games saved by earlier versions have none).
-    auto board = [](std::uint32_t number) { return number ? " (board " + std::to_string(number) + ")" : std::string(); };
+    auto board = [](std::uint32_t number) { return number ? trf(" (board %s)", std::to_string(number)) : std::string(); };
     if (offer.kind == ContinueOffer::Kind::Kept)
-        return "Continue: the game of \"" + offer.title + "\" you left" + board(engine_->boardNumber()) + ".";
+        // TRANSLATORS: the game's name, then " (board 123456)" or nothing.
+        return trf("Continue: the game of \"%s\" you left%s.", offer.title, board(engine_->boardNumber()));
     if (offer.kind != ContinueOffer::Kind::Saved || refused_.count(offer.title)) return {};
     const Value& saved = saved_.at(offer.title);
     const Value* when = saved.asDictionary()->find(SavedGamesFile::kSavedAtKey);
     const std::string date = scoreDateText(when ? when->asDate() : nullptr);
-    return "Continue: your unfinished game of \"" + offer.title + "\"" + board(Engine::savedGameBoardNumber(saved)) +
-           (date.empty() ? "" : ", saved " + date) + ".";
+    const std::string number = board(Engine::savedGameBoardNumber(saved));
+    // TRANSLATORS: the game's name, " (board 123456)" or nothing, and the date it was saved.
+    if (!date.empty()) return trf("Continue: your unfinished game of \"%s\"%s, saved %s.", offer.title, number, date);
+    return trf("Continue: your unfinished game of \"%s\"%s.", offer.title, number);
 }
 
 std::string TolvarAppDelegate::continueProblem() const {
@@ -114,9 +118,9 @@ void TolvarAppDelegate::storeRunningGame(const std::optional<Value>& game) {
     std::optional<Value> written;
     const StoredGame stored = savedGames_.store(title, game, entryOf(known_, title), &written);
     if (stored.replacedNewer) {
-        continueNote_ = "Another copy of Tolvar saved a game of \"" + title + "\" after this one read " +
-                        savedGames_.path() + "; this copy's game replaces it, and the other is kept as " +
-                        stored.replacedKeptAs + ".";
+        continueNote_ = trf("Another copy of Tolvar saved a game of \"%s\" after this one read %s; this copy's game "
+                            "replaces it, and the other is kept as %s.",
+                            title, savedGames_.path(), stored.replacedKeptAs);
         std::fprintf(stderr, "tolvar: %s\n", continueNote_.c_str());
     }
     if (stored.error) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "core/Translate.h"
 #include "engine/GameLimits.h"
 #include "rules/RulesDict.h"
 #include "rules/RulesKeys.h"
@@ -67,7 +68,7 @@ std::optional<FileWriteError> GameOptionsPanel::draw(const std::string& title, c
     const unsigned height = value(played.boardHeight, own->boardHeight);
     const ChoiceRange anyWidth{1, kMostBoardSide};
     ImGui::AlignTextToFramePadding();
-    ImGui::TextUnformatted("Board");
+    ImGui::TextUnformatted(tr("Board"));
     ImGui::SameLine(kLabelColumn);
     bool changed = numberBox("##width", chosen.boardWidth, value(played.boardWidth, own->boardWidth),
                              widthRange(*own, height), anyWidth);
@@ -76,14 +77,14 @@ std::optional<FileWriteError> GameOptionsPanel::draw(const std::string& title, c
     ImGui::SameLine();
     changed |= numberBox("##height", chosen.boardHeight, height, heightRange(), heightRange());
     ImGui::SameLine();
-    ImGui::TextUnformatted("Colours");
+    ImGui::TextUnformatted(tr("Colours"));
     ImGui::SameLine();
     const ChoiceRange colours = colorRange(*own);
     changed |= numberBox("##colours", chosen.numColors, value(played.numColors, own->numColors),
                          ChoiceRange{colours.least, std::max<unsigned>(colours.most, own->numColors)}, colours);
     ImGui::SameLine();
     ImGui::BeginDisabled(chosen.empty());
-    if (ImGui::Button("Default")) {
+    if (ImGui::Button(tr("Default"))) {
         chosen = GameOptions{};
         changed = true;
     }

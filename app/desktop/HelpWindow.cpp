@@ -2,6 +2,7 @@
 
 #include <imgui.h>
 
+#include "core/Translate.h"
 #include "desktop/DisplayScale.h"
 #include "desktop/ProgramKeys.h"
 #include "rules/ShownText.h"
@@ -13,7 +14,7 @@
 namespace tolvar {
 
 HelpWindow::HelpWindow(const std::string& fontFile, float fontPixels)
-    : surface_("Tolvar Help", 700, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels,
+    : surface_(tr("Tolvar Help"), 700, 60, kWidth, kHeight, SDL_WINDOW_ALLOW_HIGHDPI, fontFile, fontPixels,
                displayScale()) {}
 
 void HelpWindow::showPage(const char* title) {
@@ -24,20 +25,20 @@ void HelpWindow::showPage(const char* title) {
 void HelpWindow::showGame(GameHelp help) {
     help_ = std::move(help);
     page_ = Page::Game;
-    const std::string title = titleNaming(help_.title, "Tolvar Help");
+    const std::string title = titleNaming(help_.title, tr("Tolvar Help"));
     showPage(title.c_str());
 }
 
 void HelpWindow::showAbout() {
     page_ = Page::About;
-    showPage("About Tolvar");
+    showPage(tr("About Tolvar"));
 }
 
 void HelpWindow::showWritingGames(std::string problem, std::string path) {
     problem_ = std::move(problem);
     pagePath_ = std::move(path);
     page_ = Page::WritingGames;
-    showPage("Writing Games");
+    showPage(tr("Writing Games"));
 }
 
 namespace {
@@ -52,26 +53,26 @@ void heading(ImFont* bold, const char* text) {
 
 void HelpWindow::drawGame() {
     ImFont* bold = surface_.boldFont();
-    heading(bold, help_.title.empty() ? "No game chosen" : help_.title.c_str());
-    description_.draw({{help_.title.empty() ? "Choose a game in the main window to read how it is played."
+    heading(bold, help_.title.empty() ? tr("No game chosen") : help_.title.c_str());
+    description_.draw({{help_.title.empty() ? tr("Choose a game in the main window to read how it is played.")
                                             : help_.description}});
     if (!help_.inputs.empty()) {
         ImGui::Dummy(ImVec2(0, 4));
-        heading(bold, "Playing");
+        heading(bold, tr("Playing"));
         for (const std::string& line : help_.inputs) ImGui::BulletText("%s", line.c_str());
     }
     ImGui::Dummy(ImVec2(0, 4));
-    heading(bold, "Keys");
+    heading(bold, tr("Keys"));
     if (ImGui::BeginTable("##keys", 2)) {
         ImGui::TableSetupColumn("keys", ImGuiTableColumnFlags_WidthFixed);
         ImGui::TableSetupColumn("what", ImGuiTableColumnFlags_WidthStretch);
         for (const auto& [keys, what] : programKeysHelp()) {
             ImGui::TableNextRow();
             ImGui::TableNextColumn();
-            ImGui::TextUnformatted(keys.c_str());
+            ImGui::TextUnformatted(tr(keys.c_str()));
             ImGui::TableNextColumn();
             ImGui::PushTextWrapPos(0.0f);
-            ImGui::TextUnformatted(what.c_str());
+            ImGui::TextUnformatted(tr(what.c_str()));
             ImGui::PopTextWrapPos();
         }
         ImGui::EndTable();
@@ -80,26 +81,26 @@ void HelpWindow::drawGame() {
 
 void HelpWindow::drawAbout() {
     heading(surface_.boldFont(), "Tolvar");
-    ImGui::Text("Version %s", TOLVAR_VERSION);
+    ImGui::TextUnformatted(trf("Version %s", TOLVAR_VERSION).c_str());
     ImGui::PushTextWrapPos(0.0f);
     ImGui::TextUnformatted(
-        "Puzzle games that are data: each game is a rules dictionary in RulesDict.dict, "
-        "which any text editor can change.");
+        tr("Puzzle games that are data: each game is a rules dictionary in RulesDict.dict, "
+           "which any text editor can change."));
     ImGui::PopTextWrapPos();
 }
 
 void HelpWindow::drawWritingGames() {
-    heading(surface_.boldFont(), "Writing Games");
+    heading(surface_.boldFont(), tr("Writing Games"));
     ImGui::PushTextWrapPos(0.0f);
     ImGui::TextUnformatted(problem_.c_str());
     ImGui::Dummy(ImVec2(0, 4));
-    ImGui::TextUnformatted("The page for rules authors, how to write a game of your own, is the file:");
+    ImGui::TextUnformatted(tr("The page for rules authors, how to write a game of your own, is the file:"));
     ImGui::PopTextWrapPos();
     // Read-only, but it can be selected and copied.
     ImGui::SetNextItemWidth(-1.0f);
     ImGui::InputText("##path", pagePath_.data(), pagePath_.size() + 1, ImGuiInputTextFlags_ReadOnly);
     ImGui::PushTextWrapPos(0.0f);
-    ImGui::TextUnformatted("Any text editor shows it; a Markdown viewer shows it formatted.");
+    ImGui::TextUnformatted(tr("Any text editor shows it; a Markdown viewer shows it formatted."));
     ImGui::PopTextWrapPos();
 }
 
@@ -123,7 +124,7 @@ bool HelpWindow::draw() {
     const float buttonWidth = 120.0f * scale;
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());
     ImGui::SetCursorPosX(ImGui::GetWindowContentRegionMax().x - buttonWidth);
-    if (ImGui::Button("Close", ImVec2(buttonWidth, 0))) keepOpen = false;
+    if (ImGui::Button(tr("Close"), ImVec2(buttonWidth, 0))) keepOpen = false;
     ImGui::End();
     surface_.endFrame();
     return keepOpen;

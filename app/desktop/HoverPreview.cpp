@@ -5,6 +5,7 @@
 // another cell, so a pointer at rest costs nothing.
 #include "desktop/TolvarAppDelegate.h"
 
+#include "core/Translate.h"
 #include "presentation/ScoreText.h"
 
 namespace tolvar {
@@ -92,7 +93,7 @@ void TolvarAppDelegate::dropPreview() {
 BoardMarks TolvarAppDelegate::boardMarks() const {
     BoardMarks marks{engine_ ? engine_->cursor() : std::nullopt, hint_, pointer_.lit, std::nullopt};
     if (!pointer_.label.empty() && pointer_.cell) marks.label = BoardLabel{pointer_.label, pointer_.cell};
-    else if (!hintNote_.empty()) marks.label = BoardLabel{hintNote_, std::nullopt};
+    else if (!hintNote_.empty()) marks.label = BoardLabel{tr(hintNote_.c_str()), std::nullopt};
     return marks;
 }
 

@@ -19,10 +19,10 @@ const ImU32 kWarningColour = IM_COL32(153, 102, 0, 255);
 
 // "line 7, column 26: error: BoardWidth: ..." (the path of keys when the file has no lines).
 std::string problemLine(const checker::Problem& p) {
-    std::string where = p.at.line > 0 ? "line " + std::to_string(p.at.line) + ", column " + std::to_string(p.at.column)
+    std::string where = p.at.line > 0 ? trf("line %s, column %s", std::to_string(p.at.line), std::to_string(p.at.column))
                                       : shownLine(p.path, kShownLineCharacters);
     if (!where.empty()) where += ": ";
-    return where + (p.severity == checker::Severity::Error ? "error: " : "warning: ") +
+    return where + (p.severity == checker::Severity::Error ? tr("error: ") : tr("warning: ")) +
            (p.key.empty() ? std::string() : shownLine(p.key, kShownNameCharacters) + ": ") +
            shownLine(p.message, kShownLineCharacters);
 }
@@ -37,7 +37,7 @@ void MainWindow::addFindings(std::vector<Paragraph>& page, const GameLibrary& li
     for (const checker::Problem& p : problems) total += p.game.empty() || (game && p.game == *game);
     if (total == 0) return;
     const bool unreadable = !rules.report().rules.has_value();
-    page.push_back({unreadable ? "The rules file " + rules.path() + " cannot be read:" : "In " + rules.path() + ":"});
+    page.push_back({unreadable ? trf("The rules file %s cannot be read:", rules.path()) : trf("In %s:", rules.path())});
     std::size_t shown = 0;
     for (const bool ofFile : {true, false}) {
         for (const checker::Problem& p : problems) {
@@ -49,7 +49,7 @@ void MainWindow::addFindings(std::vector<Paragraph>& page, const GameLibrary& li
         }
     }
     if (shown < total)
-        page.push_back({"\xE2\x80\xA6 and " + std::to_string(total - shown) + " more (tolvar-check lists them all)", 0,
+        page.push_back({trf("\xE2\x80\xA6 and %s more (tolvar-check lists them all)", std::to_string(total - shown)), 0,
                         false});
 }
 
@@ -71,12 +71,12 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
 
     if (ImGui::BeginMenuBar()) {
         if (ImGui::BeginMenu("Tolvar")) {
-            if (ImGui::MenuItem("Start Game", nullptr, false, library.currentRules() != nullptr && !refused))
+            if (ImGui::MenuItem(tr("Start Game"), nullptr, false, library.currentRules() != nullptr && !refused))
                 commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
-            if (ImGui::MenuItem("Return to Main Window", "Ctrl+W", false, gameRunning))
+            if (ImGui::MenuItem(tr("Return to Main Window"), "Ctrl+W", false, gameRunning))
                 commands.push_back({ShellCommand::Kind::ReturnToMain, {}, -1});
             ImGui::Separator();
-            if (ImGui::MenuItem("Quit", "Ctrl+Q")) commands.push_back({ShellCommand::Kind::Quit, {}, -1});
+            if (ImGui::MenuItem(tr("Quit"), "Ctrl+Q")) commands.push_back({ShellCommand::Kind::Quit, {}, -1});
             ImGui::EndMenu();
         }
         if (ImGui::BeginMenu(menu.title().c_str(), menu.enabled())) {
@@ -90,24 +90,24 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
             }
             ImGui::EndMenu();
         }
-        if (ImGui::BeginMenu("Game")) {
+        if (ImGui::BeginMenu(tr("Game"))) {
             for (const GameMenuItem& item : gameMenuItems())
-                if (ImGui::MenuItem(item.title, item.keys, game.checked(item.command), game.enabled(item.command)))
+                if (ImGui::MenuItem(tr(item.title), item.keys, game.checked(item.command), game.enabled(item.command)))
                     commands.push_back({ShellCommand::Kind::Program, {}, -1, item.command});
             ImGui::Separator();
-            if (ImGui::MenuItem("Play Board Number\xE2\x80\xA6", nullptr, false, library.currentRules() && !refused))
+            if (ImGui::MenuItem(tr("Play Board Number\xE2\x80\xA6"), nullptr, false, library.currentRules() && !refused))
                 boardNumberDialog_.open();
-            if (ImGui::MenuItem("Copy Board Number", nullptr, false, boardNumber != 0))
+            if (ImGui::MenuItem(tr("Copy Board Number"), nullptr, false, boardNumber != 0))
                 commands.push_back({ShellCommand::Kind::CopyBoardNumber, {}, -1});
             ImGui::EndMenu();
         }
-        if (ImGui::BeginMenu("Help")) {
-            if (ImGui::MenuItem("Game Help", "F1"))
+        if (ImGui::BeginMenu(tr("Help"))) {
+            if (ImGui::MenuItem(tr("Game Help"), "F1"))
                 commands.push_back({ShellCommand::Kind::Program, {}, -1, ProgramCommand::Help});
-            if (ImGui::MenuItem("Writing Games"))
+            if (ImGui::MenuItem(tr("Writing Games")))
                 commands.push_back({ShellCommand::Kind::Program, {}, -1, ProgramCommand::WritingGames});
             ImGui::Separator();
-            if (ImGui::MenuItem("About Tolvar"))
+            if (ImGui::MenuItem(tr("About Tolvar")))
                 commands.push_back({ShellCommand::Kind::Program, {}, -1, ProgramCommand::About});
             ImGui::EndMenu();
         }
@@ -116,7 +116,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
 
     ImGui::Dummy(ImVec2(0, 2));
     ImGui::AlignTextToFramePadding();
-    ImGui::TextUnformatted("Game");
+    ImGui::TextUnformatted(tr("Game"));
     ImGui::SameLine(80 * surface_.scale());
     ImGui::SetNextItemWidth(ImGui::GetContentRegionAvail().x);
     // A game's name is shown cut to a length a line holds; the commands carry it whole.
@@ -140,13 +140,13 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     }
 
     ImGui::Dummy(ImVec2(0, 4));
-    const std::string heading = library.currentRules() ? shownSelected : std::string("Choose a game");
+    const std::string heading = library.currentRules() ? shownSelected : std::string(tr("Choose a game"));
     if (surface_.boldFont()) ImGui::PushFont(surface_.boldFont());
     ImGui::TextUnformatted(heading.c_str());  // one line, clipped at the window's edge
     if (surface_.boldFont()) ImGui::PopFont();
     if (boardNumber != 0) {
         ImGui::SameLine();
-        ImGui::TextDisabled("Board %u", static_cast<unsigned>(boardNumber));
+        ImGui::TextDisabled("%s", trf("Board %s", std::to_string(boardNumber)).c_str());
     }
 
     // The description: read-only, wrapped, scrolling; under it, which game Continue goes on with.
@@ -166,7 +166,7 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::PopStyleVar();
     ImGui::PopStyleColor();
     if (const auto error = options.draw(library.selectedTitle(), library.currentRules()))
-        alert("Your choice could not be saved to \"" + error->path + "\": " + error->reason + ".", "OK");
+        alert(trf("Your choice could not be saved to \"%s\": %s.", error->path, error->reason), tr("OK"));
     if (!continueText.empty()) ImGui::TextUnformatted(continueText.c_str());  // one line, clipped at the edge
 
     // Start and Return sit at the bottom right, as in a dialog.
@@ -174,21 +174,21 @@ std::vector<ShellCommand> MainWindow::draw(const GameLibrary& library, const Act
     ImGui::SetCursorPosY(ImGui::GetWindowHeight() - ImGui::GetStyle().WindowPadding.y - ImGui::GetFrameHeight());
     if (refused) {
         ImGui::AlignTextToFramePadding();
-        ImGui::TextColored(ImVec4(0.75f, 0.0f, 0.0f, 1.0f), "Fix the errors above.");
+        ImGui::TextColored(ImVec4(0.75f, 0.0f, 0.0f, 1.0f), "%s", tr("Fix the errors above."));
         ImGui::SameLine();
     }
     const float right = ImGui::GetWindowContentRegionMax().x;
     ImGui::SetCursorPosX(right - 3 * buttonWidth - 2 * ImGui::GetStyle().ItemSpacing.x);
     ImGui::BeginDisabled(!canContinue);
-    if (ImGui::Button("Continue", ImVec2(buttonWidth, 0)))
+    if (ImGui::Button(tr("Continue"), ImVec2(buttonWidth, 0)))
         commands.push_back({ShellCommand::Kind::ContinueGame, {}, -1});
     ImGui::EndDisabled();
     ImGui::SameLine();
-    if (ImGui::Button("Return", ImVec2(buttonWidth, 0)))
+    if (ImGui::Button(tr("Return"), ImVec2(buttonWidth, 0)))
         commands.push_back({ShellCommand::Kind::ReturnToMain, {}, -1});
     ImGui::SameLine();
     ImGui::BeginDisabled(refused);
-    if (ImGui::Button("Start", ImVec2(buttonWidth, 0)))
+    if (ImGui::Button(tr("Start"), ImVec2(buttonWidth, 0)))
         commands.push_back({ShellCommand::Kind::StartGame, {}, -1});
     ImGui::EndDisabled();
 
@@ -227,7 +227,7 @@ void MainWindow::drawAlert() {
 }
 
 ActionsPopup::ActionsPopup(const std::string& fontFile, float fontPixels)
-    : surface_("Actions", 0, 0, kWidth, heightFor(ActionsMenu()),
+    : surface_(tr("Actions"), 0, 0, kWidth, heightFor(ActionsMenu()),
                SDL_WINDOW_POPUP_MENU | SDL_WINDOW_BORDERLESS | SDL_WINDOW_SKIP_TASKBAR | SDL_WINDOW_ALWAYS_ON_TOP,
                fontFile, fontPixels, 1.0f) {}
 
@@ -331,7 +331,7 @@ ActionsPopup::Choice ActionsPopup::draw(const ActionsMenu& menu, const GameMenuS
     }
     for (const GameMenuItem& item : gameMenuItems()) {
         const std::string id = std::string("##game") + item.title;
-        if (popupRow(id.c_str(), y, width, item.title, item.keys, game.enabled(item.command), game.checked(item.command))) {
+        if (popupRow(id.c_str(), y, width, tr(item.title), item.keys, game.enabled(item.command), game.checked(item.command))) {
             choice.kind = Choice::Kind::Game;
             choice.command = item.command;
         }
@@ -340,7 +340,7 @@ ActionsPopup::Choice ActionsPopup::draw(const ActionsMenu& menu, const GameMenuS
     // Leaving the game, for a player whose main window is hidden.
     popupSeparator(y);
     y += kSeparatorHeight;
-    if (popupRow("##return", y, width, "Return to Main Window", "Ctrl+W", true))
+    if (popupRow("##return", y, width, tr("Return to Main Window"), "Ctrl+W", true))
         choice.kind = Choice::Kind::ReturnToMain;
     ImGui::End();
     ImGui::PopStyleVar(3);

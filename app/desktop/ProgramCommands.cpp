@@ -6,6 +6,7 @@
 
 #include "FileIO.h"
 #include "core/DocumentPages.h"
+#include "core/Translate.h"
 #include "rules/GameHelp.h"
 
 namespace tolvar {
@@ -105,8 +106,9 @@ void TolvarAppDelegate::newGame() {
 }
 
 namespace {
-constexpr const char* kNoMoveLeft = "No move left";
-constexpr const char* kNoSwapGroups = "No swap makes a group: this one moves the pieces on";
+// English on standard error, in the player's language on the board.
+constexpr const char* kNoMoveLeft = N_("No move left");
+constexpr const char* kNoSwapGroups = N_("No swap makes a group: this one moves the pieces on");
 }  // namespace
 
 void TolvarAppDelegate::showHint() {
@@ -216,20 +218,21 @@ void TolvarAppDelegate::openWritingGames() {
     const DocumentPage page =
         findDocumentPage(kWritingGamesPage, {programFolder(), TOLVAR_BUILD_PROGRAM_DIR, TOLVAR_SOURCE_DOCS_DIR});
     if (page.path.empty()) {
-        tellWhereWritingGamesIs("It is not installed here; a complete install of Tolvar has it.", page.installedPath);
+        tellWhereWritingGamesIs(tr("It is not installed here; a complete install of Tolvar has it."), page.installedPath);
         return;
     }
     writingGamesPath_ = page.path;
     const std::string problem = pageOpener_.open(page.path);
-    if (!problem.empty()) tellWhereWritingGamesIs("Tolvar cannot show it: " + problem + ".", page.path);
+    if (!problem.empty()) tellWhereWritingGamesIs(trf("Tolvar cannot show it: %s.", problem), page.path);
 }
 
 void TolvarAppDelegate::writingGamesViewerEnded(Sint32 status) {
     pageOpener_.forgetEnded();
     if (status == 0) return;
-    const std::string how =
-        status == PageOpener::kKilled ? "was stopped" : "ended with status " + std::to_string(status);
-    tellWhereWritingGamesIs("Tolvar cannot show it: xdg-open " + how + ".", writingGamesPath_);
+    const std::string why = status == PageOpener::kKilled
+                                ? std::string(tr("Tolvar cannot show it: xdg-open was stopped."))
+                                : trf("Tolvar cannot show it: xdg-open ended with status %s.", std::to_string(status));
+    tellWhereWritingGamesIs(why, writingGamesPath_);
 }
 
 void TolvarAppDelegate::tellWhereWritingGamesIs(const std::string& problem, const std::string& path) {

@@ -1,5 +1,7 @@
 #include "desktop/ProgramKeys.h"
 
+#include "core/Translate.h"
+
 namespace tolvar {
 
 ProgramCommand programCommandForKey(SDL_Keycode key, Uint16 modifiers, bool inGame, bool cursorShown) {
@@ -50,32 +52,32 @@ bool GameMenuState::enabled(ProgramCommand command) const {
 
 const std::array<GameMenuItem, 7>& gameMenuItems() {
     static const std::array<GameMenuItem, 7> items = {{
-        {"New Game", "F2", ProgramCommand::NewGame},
-        {"Undo", "Ctrl+Z", ProgramCommand::Undo},
-        {"Redo", "Ctrl+Shift+Z", ProgramCommand::Redo},
-        {"Hint", "H", ProgramCommand::Hint},
-        {"Best Scores\xE2\x80\xA6", "Ctrl+B", ProgramCommand::BestScores},
-        {"Symbols on Pieces", "Ctrl+M", ProgramCommand::Symbols},
-        {"Sound", "M", ProgramCommand::ToggleSound},
+        {N_("New Game"), "F2", ProgramCommand::NewGame},
+        {N_("Undo"), "Ctrl+Z", ProgramCommand::Undo},
+        {N_("Redo"), "Ctrl+Shift+Z", ProgramCommand::Redo},
+        {N_("Hint"), "H", ProgramCommand::Hint},
+        {N_("Best Scores\xE2\x80\xA6"), "Ctrl+B", ProgramCommand::BestScores},
+        {N_("Symbols on Pieces"), "Ctrl+M", ProgramCommand::Symbols},
+        {N_("Sound"), "M", ProgramCommand::ToggleSound},
     }};
     return items;
 }
 
 const std::vector<std::pair<std::string, std::string>>& programKeysHelp() {
     static const std::vector<std::pair<std::string, std::string>> keys = {
-        {"Arrows", "Show and move the keyboard cursor"},
-        {"Enter", "Click the cursor's cell (without a cursor: back to the main window)"},
-        {"Ctrl+Z", "Undo"},
-        {"Ctrl+Shift+Z, Ctrl+Y", "Redo"},
-        {"H", "Hint: outline a move"},
-        {"M", "Sound on and off"},
-        {"Esc, F2, Ctrl+N", "New game"},
-        {"F1", "Help"},
-        {"F11", "Full screen on and off"},
-        {"Ctrl+B", "Best scores of every game"},
-        {"Ctrl+M", "Symbols on the pieces on and off"},
-        {"Ctrl+W", "Back to the main window"},
-        {"Ctrl+Q", "Quit"},
+        {N_("Arrows"), N_("Show and move the keyboard cursor")},
+        {"Enter", N_("Click the cursor's cell (without a cursor: back to the main window)")},
+        {"Ctrl+Z", N_("Undo")},
+        {"Ctrl+Shift+Z, Ctrl+Y", N_("Redo")},
+        {"H", N_("Hint: outline a move")},
+        {"M", N_("Sound on and off")},
+        {"Esc, F2, Ctrl+N", N_("New game")},
+        {"F1", N_("Help")},
+        {"F11", N_("Full screen on and off")},
+        {"Ctrl+B", N_("Best scores of every game")},
+        {"Ctrl+M", N_("Symbols on the pieces on and off")},
+        {"Ctrl+W", N_("Back to the main window")},
+        {"Ctrl+Q", N_("Quit")},
     };
     return keys;
 }

@@ -36,7 +36,7 @@ ProgramCommand programCommandForKey(SDL_Keycode key, Uint16 modifiers, bool inGa
 
 // The "Game" menu, in the main window's menu bar and in the game window's right-click menu.
 struct GameMenuItem {
-    const char* title;
+    const char* title;  // English, shown through tr()
     const char* keys;  // as shown beside the item
     ProgramCommand command;
 };
@@ -54,7 +54,7 @@ struct GameMenuState {  // what can be done now
 };
 const std::array<GameMenuItem, 7>& gameMenuItems();
 
-// The program's keys as the help lists them: (keys, what they do).
+// The program's keys as the help lists them: (keys, what they do), English: shown through tr().
 const std::vector<std::pair<std::string, std::string>>& programKeysHelp();
 
 }  // namespace tolvar

@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr const char* kHelp =
-    "usage: tolvar [--rules FILE] [--game NAME [--board N]] [--help] [--version]\n"
+constexpr const char* kUsage = N_("usage: tolvar [--rules FILE] [--game NAME [--board N]] [--help] [--version]\n");
+constexpr const char* kHelp = N_(
     "Plays the puzzle games of the rules file RulesDict.dict in $XDG_DATA_HOME/Tolvar\n"
     "(~/.local/share/Tolvar): pick a game in the main window and press Start.\n"
     "The engine's diagnostics are printed on standard output. A rules file saved while the\n"
@@ -26,11 +26,10 @@ constexpr const char* kHelp =
     "  --game NAME   start the game titled NAME at once\n"
     "  --board N     on board number N (1 to 999999999): the same number deals the same board\n"
     "  --help        show this help and exit\n"
-    "  --version     show the version and exit\n";
+    "  --version     show the version and exit\n");
 
 int usage(const std::string& why) {
-    std::fprintf(stderr, "tolvar: %s\nusage: tolvar [--rules FILE] [--game NAME [--board N]] [--help] [--version]\n",
-                 why.c_str());
+    std::fprintf(stderr, "tolvar: %s\n%s", why.c_str(), tolvar::tr(kUsage));
     return 2;
 }
 
@@ -39,7 +38,8 @@ int usage(const std::string& why) {
 int main(int argc, char** argv) {
     // The program's texts in the player's language, and dates on the score screen in its form.
     tolvar::startInPlayersLanguage();
-    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar", kHelp)) return 0;
+    const std::string help = std::string(tolvar::tr(kUsage)) + tolvar::tr(kHelp);
+    if (tolvar::answerHelpOrVersion(argc, argv, "tolvar", help)) return 0;
     std::string rulesFile, gameTitle, boardText;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
@@ -47,8 +47,8 @@ int main(int argc, char** argv) {
                              : arg == "--game" ? &gameTitle
                              : arg == "--board" ? &boardText
                                                 : nullptr;
-        if (!value) return usage("unknown argument " + arg);
-        if (++i >= argc || argv[i][0] == '\0') return usage(arg + " needs a value");
+        if (!value) return usage(tolvar::trf("unknown argument %s", arg));
+        if (++i >= argc || argv[i][0] == '\0') return usage(tolvar::trf("%s needs a value", arg));
         *value = argv[i];
     }
     std::optional<std::uint32_t> board;
@@ -56,7 +56,7 @@ int main(int argc, char** argv) {
         std::string why;
         board = tolvar::parseBoardNumber(boardText, &why);
         if (!board) return usage("--board: " + why);
-        if (gameTitle.empty()) return usage("--board goes with --game NAME");
+        if (gameTitle.empty()) return usage(tolvar::tr("--board goes with --game NAME"));
     }
     // Diagnostic lines reach a pipe or a log as they are printed.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);

@@ -1,5 +1,7 @@
 #include "presentation/ScoreText.h"
 
+#include "core/Translate.h"
+
 #include <cstdio>
 #include <ctime>
 
@@ -24,15 +26,16 @@ std::string boardScoreText(std::uint64_t score) {
 }
 
 std::string movePreviewText(std::int64_t points, std::uint64_t pieces) {
-    const std::string scored = formatCut(kScreenTextSize, "%+lld %s", static_cast<long long>(points),
-                                         points == 1 || points == -1 ? "point" : "points");
+    const unsigned long size = points < 0 ? 0UL - static_cast<unsigned long>(points) : static_cast<unsigned long>(points);
+    const std::string scored =
+        formatCut(kScreenTextSize, "%+lld %s", static_cast<long long>(points), trn("point", "points", size));
     if (pieces == 0) return points == 0 ? std::string() : scored;
     return scored + formatCut(kScreenTextSize, ", %llu %s", static_cast<unsigned long long>(pieces),
-                              pieces == 1 ? "piece" : "pieces");
+                              trn("piece", "pieces", static_cast<unsigned long>(pieces)));
 }
 
 std::string boardNumberText(std::uint32_t boardNumber) {
-    return boardNumber == 0 ? std::string() : "Board " + std::to_string(boardNumber);
+    return boardNumber == 0 ? std::string() : trf("Board %s", std::to_string(boardNumber));
 }
 
 std::string boardGameNameText(const std::string& gameName) {

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "core/Translate.h"
 #include "presentation/ScoreText.h"
 
 namespace tolvar {
@@ -82,7 +83,7 @@ void WindowTexts::drawBoardTexts(const BoardLayout& L, const std::string& gameNa
         std::vector<StackedText> name{{key.name, 1.0f, TextTone::Heading}};
         if (!key.number.empty()) name.push_back({key.number, kScoreLabelShare, TextTone::Label});
         board_ = layoutBoardTexts(room, name,
-                                  {{"Score", kScoreLabelShare, TextTone::Label}, {key.score, 1.0f, TextTone::Figure}},
+                                  {{tr("Score"), kScoreLabelShare, TextTone::Label}, {key.score, 1.0f, TextTone::Figure}},
                                   boardFontMeasure());
         boardKey_ = std::move(key);
     }

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "core/Translate.h"
 #include "rules/ActionsMenu.h"
 #include "rules/GameInfo.h"
 #include "rules/ShownText.h"
@@ -24,13 +25,13 @@ std::string_view stringOr(const Dictionary& dict, const char* key) {
 std::string inputHelpLine(std::uint32_t userEventType, std::int8_t character, std::int32_t minimumPieces) {
     if (character != 0) {
         const char* title = ActionsMenu::titleForUserEventType(userEventType);
-        return keyEquivalentLabel(character) + ": " + (title ? title : "Action");
+        return keyEquivalentLabel(character) + ": " + (title ? title : tr("Action"));
     }
     switch (userEventType) {
         case kUserEventSelectColorRegion:
-            if (minimumPieces > 1) return "Click a region of " + std::to_string(minimumPieces) + " or more";
-            return "Click a piece to select its region";
-        case kUserEventSwapAdjacent: return "Drag a piece onto a neighbour";
+            if (minimumPieces > 1) return trf("Click a region of %s or more", std::to_string(minimumPieces));
+            return tr("Click a piece to select its region");
+        case kUserEventSwapAdjacent: return tr("Drag a piece onto a neighbour");
         default: return {};
     }
 }
@@ -53,7 +54,7 @@ GameHelp gameHelp(const Value* rules) {
                                          numberOr(*input, "MinimumPieces", 0));
         if (line.empty()) continue;
         if (help.inputs.size() == kShownInputs) {
-            help.inputs.push_back("\xE2\x80\xA6 and more inputs");
+            help.inputs.push_back(tr("\xE2\x80\xA6 and more inputs"));
             break;
         }
         help.inputs.push_back(std::move(line));
