@@ -8,19 +8,9 @@ import os
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from tolvar_driver import MAIN_W, MENU_BAR_H, Layout, Tolvar, check, full, key, run_test_script  # noqa: E402
+from tolvar_driver import MAIN_W, MENU_BAR_H, Layout, Tolvar, check, full, ink_runs, key, run_test_script  # noqa: E402
 
 BOARD = "123456"
-
-
-def ink_runs(values, gap):  # runs of values closer than gap: (first, last) of each
-    runs = []
-    for v in values:
-        if runs and v - runs[-1][1] <= gap:
-            runs[-1][1] = v
-        else:
-            runs.append([v, v])
-    return runs
 
 
 def board_colours(t):

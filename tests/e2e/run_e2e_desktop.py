@@ -9,7 +9,7 @@ import signal
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from tolvar_driver import (HELP_H, HELP_W, MAIN_W, MENU_BAR_H, POPUP_ACTIONS, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
+from tolvar_driver import (HELP_H, HELP_W, MAIN_W, MENU_BAR_H, ink_runs, POPUP_ACTIONS, POPUP_H, POPUP_PAD, POPUP_ROW,  # noqa: E402
                            POPUP_W, SCREEN_H, SCREEN_W, SELECTED, Layout, check, full, key, removes, run_test_script,
                            select_region, touches)
 
@@ -116,17 +116,6 @@ def test_window(t):
     check(t.geometry(t.game) == (0, 0), "full screen from %s, not the top left corner" % (t.geometry(t.game),))
     key(t, "F11")
     t.wait_for(lambda: game_size(t) == (800, 800), 10, "the window as it was")
-
-
-def ink_runs(positions, gap):
-    """[first, last] of each run of positions no more than gap apart."""
-    runs = []
-    for p in positions:
-        if runs and p - runs[-1][1] <= gap:
-            runs[-1][1] = p
-        else:
-            runs.append([p, p])
-    return runs
 
 
 def choose_writing_games(t):

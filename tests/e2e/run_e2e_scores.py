@@ -10,8 +10,8 @@ import plistlib
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from run_e2e_desktop import VEXAMOR, ink_runs, popup_item  # noqa: E402
-from tolvar_driver import MAIN_W, MENU_BAR_H, POPUP_ACTIONS, check, run_test_script  # noqa: E402
+from run_e2e_desktop import VEXAMOR, popup_item  # noqa: E402
+from tolvar_driver import MAIN_W, MENU_BAR_H, POPUP_ACTIONS, check, ink_runs, run_test_script  # noqa: E402
 
 SCORES_W, SCORES_H = 600, 560
 BEST_SCORES_ITEM = 4  # in the Game menu: New Game, Undo, Redo, Hint, Best Scores..., Symbols on Pieces

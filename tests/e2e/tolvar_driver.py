@@ -475,6 +475,17 @@ class Tolvar:  # the program on a display of its own, with an empty data folder 
         return layout
 
 
+def ink_runs(positions, gap):
+    """[first, last] of each run of positions no more than gap apart."""
+    runs = []
+    for p in positions:
+        if runs and p - runs[-1][1] <= gap:
+            runs[-1][1] = p
+        else:
+            runs.append([p, p])
+    return runs
+
+
 def run_test_script(tests, make=None):
     """--program P --test NAME: runs tests[NAME](t) on a Tolvar of its own, or on make(program, NAME)."""
     parser = argparse.ArgumentParser()
