@@ -28,7 +28,11 @@ ImGuiSurface::ImGuiSurface(const std::string& title, int x, int y, int width, in
         return;
     }
     // Pages of text and buttons need no OpenGL: drawn in software, the window shows without the
-    // graphics driver being loaded and compiled for, and keeps none of its buffers.
+    // graphics driver being loaded and compiled for, and keeps none of its buffers. The software
+    // renderer's picture goes to the window as an X image: left to itself, SDL would hand it to the
+    // window through an OpenGL context and texture of its own (about 20 MiB and the driver's loading
+    // before the first frame). SDL_FRAMEBUFFER_ACCELERATION in the environment still decides.
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
     renderer_.reset(SDL_CreateRenderer(window_.get(), -1, SDL_RENDERER_SOFTWARE));
     if (!renderer_) {
         std::fprintf(stderr, "tolvar: could not make the renderer of \"%s\": %s\n", title.c_str(), SDL_GetError());

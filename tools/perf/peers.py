@@ -122,8 +122,9 @@ def session_bus():
     return bus, bus.stdout.readline().decode().strip()
 
 
-def launch(program, seconds):
-    """One launch on an X server, a session bus and a home of its own; returns {figure: value}."""
+def launch(program, seconds, look=None):
+    """One launch on an X server, a session bus and a home of its own; returns {figure: value}. look, if
+    given, is called with the process id while the board shows, before the memory is read."""
     xvfb, display, dpy = start_xvfb()
     bus, address = session_bus()
     home = tempfile.mkdtemp(prefix="tolvar-peer-home-")
@@ -144,12 +145,14 @@ def launch(program, seconds):
         c0, w0, s0 = cpu_seconds(proc.pid), wakeups(proc.pid), time.monotonic()
         time.sleep(seconds)
         c1, w1, s1 = cpu_seconds(proc.pid), wakeups(proc.pid), time.monotonic()
+        if look:
+            look(proc.pid)
         peak, pss, uss = memory_mib(proc.pid)
         if proc.poll() is not None:
             raise RuntimeError("ended (status %s) while being measured" % proc.returncode)
         return {"exec to first window (ms)": 1000.0 * maps[0],
-                "at rest (% of a core)": 100.0 * (c1 - c0) / (s1 - s0),
-                "at rest (wake-ups a second)": (w1 - w0) / (s1 - s0),
+                "at rest (% of a core)": 100.0 * (c1 - c0) / max(s1 - s0, 1e-9),
+                "at rest (wake-ups a second)": (w1 - w0) / max(s1 - s0, 1e-9),
                 "peak RSS with a board (MiB)": peak, "PSS with a board (MiB)": pss,
                 "private (USS) with a board (MiB)": uss}
     finally:
