@@ -19,9 +19,7 @@ constexpr int kMixingChannels = 16;    // sounds that may overlap
 
 }  // namespace
 
-SoundEffects::SoundEffects(std::string gameSounds, bool on) : gameSounds_(std::move(gameSounds)), on_(on) {
-    if (on_) openDevice();
-}
+SoundEffects::SoundEffects(std::string gameSounds, bool on) : gameSounds_(std::move(gameSounds)), on_(on) {}
 
 SoundEffects::~SoundEffects() {
     chunks_.clear();  // before the device they were made for goes
@@ -35,6 +33,10 @@ void SoundEffects::setOn(bool on) {
     on_ = on;
     if (on_) openDevice();
     else if (device_ == Device::Open) Mix_HaltChannel(-1);
+}
+
+void SoundEffects::prepare() {
+    if (on_) openDevice();
 }
 
 bool SoundEffects::openDevice() {
@@ -90,7 +92,7 @@ Mix_Chunk* SoundEffects::chunk(const std::string& name) {
 }
 
 void SoundEffects::play(const std::string& name) {
-    if (!on_ || device_ != Device::Open) return;
+    if (!on_ || !openDevice()) return;
     // No free channel (many sounds at once) leaves this one out.
     if (Mix_Chunk* samples = chunk(name)) Mix_PlayChannel(-1, samples, 0);
 }

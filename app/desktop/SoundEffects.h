@@ -1,7 +1,7 @@
 // The game's sound effects, played through SDL2_mixer as the window shows what they go with.
 //
-// Nothing here waits: the audio device is opened once (at start when sound is on, else when it is
-// first turned on), each sound file is read once and kept, and a sound is handed to a free mixer
+// Nothing here waits: the audio device is opened once (with the game window when sound is on, else
+// when it is first turned on; not before the main window shows), each sound file is read once and kept, and a sound is handed to a free mixer
 // channel and left to play. When there is no audio device, the device is busy or a sound file
 // cannot be read, the game goes on in silence and standard error says why, once for the device and
 // once for each file.
@@ -26,6 +26,8 @@ public:
     bool on() const { return on_; }
     // Off stops what is playing; on opens the device when it was never opened.
     void setOn(bool on);
+    // Opens the device, when sound is on, ahead of the first sound.
+    void prepare();
     // The folder of the rules file, where a sound a rules file names by its file name is.
     void setRulesFolder(std::string folder) { rulesFolder_ = std::move(folder); }
     // Plays the sound named name (a game sound's name, or a file beside the rules file); nothing

@@ -1,5 +1,6 @@
 #include "desktop/TolvarAppDelegate.h"
 
+#include <GL/freeglut.h>
 #include <GL/gl.h>
 #include <sys/time.h>
 #ifdef __GLIBC__
@@ -94,7 +95,8 @@ bool TolvarAppDelegate::applicationDidFinishLaunching() {
     rules_.load(library_);
     watchRulesFile();
     readSavedGame();
-    // 5. The sounds, on or off as the player left them; a rules file's own are beside it.
+    // 5. The sounds, on or off as the player left them; a rules file's own are beside it. The device
+    //    is opened with the game window.
     const std::string resources = resourceFolder();
     sound_ = std::make_unique<SoundEffects>((resources.empty() ? std::string("resources") : resources) + "/sounds",
                                             settings_.flag(kSoundSetting, true));
@@ -148,6 +150,12 @@ void TolvarAppDelegate::reloadRulesWhenChanged() {
 }
 
 bool TolvarAppDelegate::initWindow() {
+    // The board and score text use GLUT's bitmap font. GLUT opens a display of its own and loads
+    // the OpenGL driver: done here, with the game window, not before the main window shows.
+    int glutArgc = 1;
+    char glutProgram[] = "tolvar";
+    char* glutArgv[] = {glutProgram, nullptr};
+    glutInit(&glutArgc, glutArgv);
     // The game window with its context and fixed state, made hidden: nothing is seen before Start.
     gameWindow = std::make_unique<MyWindow>("", static_cast<int>(winWidth), static_cast<int>(winHeight));
     if (!gameWindow->valid()) return false;
@@ -160,6 +168,8 @@ bool TolvarAppDelegate::initWindow() {
     view_->loadBGTexture(fit.width, fit.height);
     // Named once it is ready to show a game.
     nameWindows();
+    // The audio device, for the game window's sounds.
+    sound_->prepare();
     // What the start-up decoded and read (the background's pixels, the rules file's reading) goes
     // back to the system instead of staying with the allocator.
 #ifdef __GLIBC__
