@@ -1,6 +1,5 @@
 #include "desktop/TolvarAppDelegate.h"
 
-#include <GL/freeglut.h>
 #include <GL/gl.h>
 #include <sys/time.h>
 #ifdef __GLIBC__
@@ -150,12 +149,6 @@ void TolvarAppDelegate::reloadRulesWhenChanged() {
 }
 
 bool TolvarAppDelegate::initWindow() {
-    // The board and score text use GLUT's bitmap font. GLUT opens a display of its own and loads
-    // the OpenGL driver: done here, with the game window, not before the main window shows.
-    int glutArgc = 1;
-    char glutProgram[] = "tolvar";
-    char* glutArgv[] = {glutProgram, nullptr};
-    glutInit(&glutArgc, glutArgv);
     // The game window with its context and fixed state, made hidden: nothing is seen before Start.
     gameWindow = std::make_unique<MyWindow>("", static_cast<int>(winWidth), static_cast<int>(winHeight));
     if (!gameWindow->valid()) return false;
