@@ -50,6 +50,17 @@ class Program:
 GWELED_SOUND_OFF = {".config/gweled.conf": "[General]\nmusic_on=false\nsounds_on=false\n"}
 
 
+def stop(*processes):
+    """Ends each process started (None for one that was not): TERM, then KILL after 10 s."""
+    for p in filter(None, processes):
+        p.terminate()
+        try:
+            p.wait(timeout=10)
+        except subprocess.TimeoutExpired:
+            p.kill()
+            p.wait()
+
+
 def peers():
     """The peers installed, and a line for each one that is not."""
     found, absent = [], []
@@ -159,13 +170,7 @@ def launch(program, seconds, look=None):
                 "private (USS) with a board (MiB)": uss, "private dirty with a board (MiB)": dirty}
     finally:
         XLIB.XCloseDisplay(dpy)
-        for p in filter(None, (proc, bus, xvfb)):
-            p.terminate()
-            try:
-                p.wait(timeout=10)
-            except subprocess.TimeoutExpired:
-                p.kill()
-                p.wait()
+        stop(proc, bus, xvfb)
         shutil.rmtree(home, ignore_errors=True)
 
 

@@ -90,13 +90,7 @@ def traced_launch(program):
         return step_times(trace_file, exec_wall, exec_wall + mapped)
     finally:
         peers.XLIB.XCloseDisplay(dpy)
-        for p in filter(None, (proc, bus, xvfb)):
-            p.terminate()
-            try:
-                p.wait(timeout=10)
-            except subprocess.TimeoutExpired:
-                p.kill()
-                p.wait()
+        peers.stop(proc, bus, xvfb)
         shutil.rmtree(home, ignore_errors=True)
 
 
